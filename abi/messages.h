@@ -1,0 +1,89 @@
+// Message numbers of the terminal's module protocol.
+//
+// Messages travel in both directions through a function of the form
+// int f(void* target, unsigned int message, intptr_t param1, intptr_t param2);
+// the module calls the host callback it received at Initialize, the host calls the
+// module's exported ReceiveMessage. Each number says what its two parameters carry.
+#pragma once
+
+enum PFHostMessage : unsigned int {
+    // module -> host core
+    MSG_REGISTER_INTERFACE = 3000,   // p1 coreInterfaceRequest (registration)
+    MSG_GET_INTERFACE = 3001,        // p1 coreInterfaceRequest; fills the result slots
+    MSG_COUNT_INTERFACES = 3002,     // p1 coreInterfaceRequest, p2 &request.count
+    MSG_CREATE_DPA = 3008,           // p1 coreCreateDpaData
+    MSG_HEAD_NODE_INFO = 3012,       // p1 data object handle, p2 coreHeadNodeInfo
+    MSG_DPA_SUBSCRIBE = 3013,        // p1 data handle, p2 coreDpaSubscription
+    MSG_DPA_UNSUBSCRIBE = 3014,      // p1 data handle, p2 coreDpaSubscription
+    MSG_INSERT_TRANSLATION = 3019,   // p1 coreTranslateRecord
+    MSG_DPA_LIST = 3042,             // p1 data handle, p2 coreListCreateData
+    MSG_DPA_COUNT = 3043,            // p1 data handle, p2 int32_t* count
+    MSG_EVENT_SUBSCRIBE = 3110,      // p1 coreEventSubscribe
+    MSG_EVENT_UNSUBSCRIBE = 3111,    // p1 coreEventUnsubscribe
+    MSG_EVENT_CREATE = 3112,         // p1 coreEventCreate
+    MSG_EVENT_RAISE = 3113,          // p1 event id, p2 FXEvent
+    MSG_LANGUAGE_COUNT = 3116,       // p1 coreLanguageRequest (null array)
+    MSG_LANGUAGE_LIST = 3117,        // p1 coreLanguageRequest
+    MSG_UNDO_BEGIN = 3138,
+    MSG_UNDO_COMMIT = 3139,
+    MSG_UNDO_REPLY = 3141,           // reply to MSG_UNDO_REQUEST
+    MSG_UNDO_REFRESHED = 3142,
+    MSG_UNDO_NODE_INDEX = 3147,
+    MSG_WINDOW_DESTROYED = 3150,
+    MSG_WD_OPEN = 3163,              // p1 coreOpenWorkData
+    MSG_WD_SAVE = 3164,              // p1 coreSzNode
+    MSG_WD_CLEAR_NODE = 3165,
+    MSG_WD_CREATE_NODE = 3166,       // p1 coreCreateNode
+    MSG_WD_READ_PARAMS = 3167,       // fill names and values
+    MSG_WD_WRITE_PARAMS = 3168,      // write attributes
+    MSG_WD_PARAM_LENGTHS = 3169,     // report value lengths
+    MSG_WD_PARAM_COUNT = 3170,       // number of entries of a node
+    MSG_LOG_BIND = 3205,             // p1 coreLogSink* slot
+    MSG_DATE_FUNCTIONS = 3207,       // p1 coreDateTimeFunctions
+
+    // module -> main window interface
+    MSG_MAIN_WINDOW_ID = 3502,       // p1 int32_t* window id (initialised to -1)
+    MSG_MAIN_WORK_FOLDER = 3503,     // p1 12288-byte buffer, wide string
+    MSG_MAIN_CHANGED = 5008,         // p1 coreMainChangeNotice
+
+    // module -> dealing interface
+    MSG_DEAL_ACCOUNT_COUNT = 16000,  // p1 fxdAccountRequest
+    MSG_DEAL_ACCOUNT_LIST = 16001,   // p1 fxdAccountRequest
+    MSG_DEAL_DAYOFF_COUNT = 16026,   // p1 account id, p2 fxdDayOffRequest
+    MSG_DEAL_DAYOFF_LIST = 16027,    // p1 account id, p2 fxdDayOffRequest
+
+    // host -> module
+    MSG_SETUP = 3004,                // languages, fonts, date-time, log
+    MSG_REGISTER = 3007,             // built-in texts, interface registration
+    MSG_DATA_UPDATED = 3009,         // to a chart type interface: coreCoreUpdateDpaData
+    MSG_LOAD_CHART = 3020,           // to a chart type interface
+    MSG_SAVE_CHART = 3021,           // to a chart type interface
+    MSG_DEALING_READY = 3066,        // deal interfaces, accounts, status bar
+    MSG_LS_UPDATE = 3073,
+    MSG_EVENT = 3114,                // p1 FXEvent
+    MSG_UNDO_REQUEST = 3140,
+    MSG_CONVERT_TO_TYPE = 3545,      // p1 0 middle, 1 bid, other ask
+    MSG_NEED_TO_CONVERT = 3546,      // p1 coreConvertList
+
+    // host -> chart type interface
+    MSG_PANEL_STATUS = 3518,
+    MSG_WC_NAME = 5001,
+    MSG_WC_CREATE = 5003,
+    MSG_WC_DESTROY = 5004,
+    MSG_WC_RESIZE = 5005,
+    MSG_WC_DROP_INSTRUMENTS = 5007,
+    MSG_WC_SHOW = 5011,
+    MSG_WC_PRINT = 5012,
+    MSG_WC_QUERY = 5020,
+    MSG_WC_UNICODE_NAME = 5022,
+    MSG_WC_OWNER_FOR_OBJECT = 5025,
+    MSG_WC_CAPTION = 5034,
+    MSG_APPLY_PROPERTY = 10054,
+};
+
+// Event codes carried in FXEvent::code.
+enum PFEventCode : int {
+    EVENT_ACCOUNT_ADDED = 16002,
+    EVENT_ACCOUNT_REMOVED = 16003,
+    EVENT_DAYOFF_CHANGED = 16048,
+};

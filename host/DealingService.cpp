@@ -1,0 +1,9 @@
+#include "host/DealingService.h"
+
+#include "host/Emulator.h"
+
+namespace host {
+
+DealingService::DealingService(Host& host) : host_(host) {}
+
+}  // namespace host

@@ -1,0 +1,68 @@
+#include "host/Emulator.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <cstdio>
+#include <cstring>
+
+#include "host/CoreServices.h"
+#include "host/DataCore.h"
+#include "host/DealingService.h"
+#include "host/MainWindowService.h"
+#include "host/WorkDataStore.h"
+
+namespace host {
+
+Emulator::Emulator(const EmulatorOptions& options) : options_(options), host_(new Host) {
+    if (options_.modulePath.empty()) options_.modulePath = PF_MODULE_DEFAULT_PATH;
+    if (options_.languages.empty()) options_.languages.push_back("English");
+    if (options_.workFolder.empty()) {
+        tempFolder_ = QDir::tempPath().toStdString() + "/pfhost-work-" +
+                      std::to_string(reinterpret_cast<std::uintptr_t>(this));
+        QDir().mkpath(QString::fromStdString(tempFolder_ + "/etc"));
+        options_.workFolder = tempFolder_;
+    }
+    core_.reset(new CoreServices(*host_, options_));
+    data_.reset(new DataCore(*host_));
+    workData_.reset(new WorkDataStore(*host_));
+    mainWindow_.reset(new MainWindowService(*host_, options_.workFolder));
+    dealing_.reset(new DealingService(*host_));
+}
+
+Emulator::~Emulator() {
+    // The module goes first: its destructors may still talk to the services.
+    host_->unload();
+    dealing_.reset();
+    mainWindow_.reset();
+    workData_.reset();
+    data_.reset();
+    core_.reset();
+    if (!tempFolder_.empty()) QDir(QString::fromStdString(tempFolder_)).removeRecursively();
+}
+
+bool Emulator::loadModule(std::string* error) {
+    if (!host_->load(options_.modulePath, error)) return false;
+    host_->initialize();
+    return true;
+}
+
+void Emulator::startUp() { host_->startUp(); }
+
+std::string describeModuleInfo(const MODULE_INFO& info) {
+    char buffer[4096];
+    const std::string name(info.name, strnlen(info.name, sizeof info.name));
+    const std::string description(info.description, strnlen(info.description, sizeof info.description));
+    const std::string context(info.translateContext, strnlen(info.translateContext, sizeof info.translateContext));
+    std::snprintf(buffer, sizeof buffer,
+                  "module name:          %s\n"
+                  "description:          %s\n"
+                  "numbers (1279..1290): %d %d %d\n"
+                  "fixed (1291):         %d\n"
+                  "translation context:  %s\n"
+                  "kind (1315):          %d\n",
+                  name.c_str(), description.c_str(), info.number3, info.number2, info.number1,
+                  info.fixed8, context.c_str(), info.kind);
+    return buffer;
+}
+
+}  // namespace host

@@ -1,0 +1,61 @@
+// The whole emulated terminal: the Host (loader, callback, journal) with every service
+// attached. Tests and `pfhost` build one of these.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/Host.h"
+
+namespace host {
+
+class CoreServices;
+class DataCore;
+class WorkDataStore;
+class MainWindowService;
+class DealingService;
+
+struct EmulatorOptions {
+    std::string modulePath;              // default: the built libPFChartModule.so.1
+    std::string workFolder;              // answered to 3503; default: a temporary folder
+    std::vector<std::string> languages;  // installed languages (3116/3117); default: English
+    int selectedLanguage = 0;            // index into languages, -1 for none selected
+    std::string logFile;                 // where the log sink writes; empty: no file
+    bool logToStderr = false;
+};
+
+class Emulator {
+public:
+    explicit Emulator(const EmulatorOptions& options = EmulatorOptions());
+    ~Emulator();
+
+    Host& host() { return *host_; }
+    const EmulatorOptions& options() const { return options_; }
+
+    CoreServices& core() { return *core_; }
+    DataCore& data() { return *data_; }
+    WorkDataStore& workData() { return *workData_; }
+    MainWindowService& mainWindow() { return *mainWindow_; }
+    DealingService& dealing() { return *dealing_; }
+
+    // dlopen and Initialize, as the terminal does.
+    bool loadModule(std::string* error = nullptr);
+    // 3004, 3007, 3066.
+    void startUp();
+
+private:
+    EmulatorOptions options_;
+    std::unique_ptr<Host> host_;
+    std::unique_ptr<CoreServices> core_;
+    std::unique_ptr<DataCore> data_;
+    std::unique_ptr<WorkDataStore> workData_;
+    std::unique_ptr<MainWindowService> mainWindow_;
+    std::unique_ptr<DealingService> dealing_;
+    std::string tempFolder_;
+};
+
+// The module information record as text, one field per line.
+std::string describeModuleInfo(const MODULE_INFO& info);
+
+}  // namespace host

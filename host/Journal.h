@@ -1,0 +1,42 @@
+// Every message that crosses between the emulated terminal and the module, in order.
+// Tests assert on it; `pfhost` prints it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace host {
+
+class Journal {
+public:
+    enum Direction { ToHost, ToModule };
+
+    struct Entry {
+        Direction direction;
+        std::uintptr_t target;
+        unsigned int message;
+        std::intptr_t param1;
+        std::intptr_t param2;
+        int result;
+        std::string detail;  // the decoded record, filled by the handler that took it
+    };
+
+    void add(const Entry& entry) { entries_.push_back(entry); }
+    void clear() { entries_.clear(); }
+    const std::vector<Entry>& entries() const { return entries_; }
+    Entry& at(std::size_t index) { return entries_[index]; }
+
+    // Entries of one message number, in order.
+    std::vector<Entry> find(unsigned int message) const;
+    // Message numbers in order, optionally only one direction.
+    std::vector<unsigned int> messages() const;
+    std::vector<unsigned int> messages(Direction direction) const;
+    // One line per entry: "-> 3019 target=0x10 p1=... p2=... = 0  detail".
+    std::string dump() const;
+
+private:
+    std::vector<Entry> entries_;
+};
+
+}  // namespace host

@@ -1,0 +1,41 @@
+// Subcommands of `pfhost`. Each lives in its own file and registers itself with
+// PF_HOST_COMMAND, so adding one never touches the others.
+#pragma once
+
+#include <QStringList>
+#include <vector>
+
+namespace host {
+namespace cli {
+
+struct Command {
+    const char* name;
+    const char* usage;  // one line: options after the command name
+    const char* help;   // one line: what it does
+    int (*run)(const QStringList& args);  // arguments after the command name
+};
+
+std::vector<Command>& commands();
+bool addCommand(const Command& command);
+
+// Option helpers: "--name value".
+QString option(const QStringList& args, const QString& name, const QString& fallback = QString());
+bool hasFlag(const QStringList& args, const QString& name);
+
+}  // namespace cli
+}  // namespace host
+
+#define PF_HOST_COMMAND_CAT2(a, b) a##b
+#define PF_HOST_COMMAND_CAT(a, b) PF_HOST_COMMAND_CAT2(a, b)
+#define PF_HOST_COMMAND(name, usage, help, fn)                                        \
+    static const bool PF_HOST_COMMAND_CAT(pf_host_command_, __LINE__) =               \
+        ::host::cli::addCommand(::host::cli::Command{name, usage, help, fn})
+
+#include "host/Emulator.h"
+
+namespace host {
+namespace cli {
+// --module PATH, --work DIR, --language NAME (repeatable; the first is selected), --log FILE
+EmulatorOptions emulatorOptions(const QStringList& args);
+}  // namespace cli
+}  // namespace host

@@ -1,0 +1,58 @@
+// pfhost: the emulated terminal on the command line.
+#include <QApplication>
+#include <cstdio>
+#include <cstring>
+
+#include "host/cli/Commands.h"
+
+namespace host {
+namespace cli {
+
+std::vector<Command>& commands() {
+    static std::vector<Command> list;
+    return list;
+}
+
+bool addCommand(const Command& command) {
+    commands().push_back(command);
+    return true;
+}
+
+QString option(const QStringList& args, const QString& name, const QString& fallback) {
+    const int i = args.indexOf(name);
+    return (i >= 0 && i + 1 < args.size()) ? args.at(i + 1) : fallback;
+}
+
+bool hasFlag(const QStringList& args, const QString& name) { return args.contains(name); }
+
+}  // namespace cli
+}  // namespace host
+
+static int usage() {
+    std::fprintf(stderr, "usage: pfhost COMMAND [options]\n\ncommands:\n");
+    for (const host::cli::Command& c : host::cli::commands())
+        std::fprintf(stderr, "  %s %s\n      %s\n", c.name, c.usage, c.help);
+    return 2;
+}
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    const QStringList args = app.arguments().mid(1);
+    if (args.isEmpty()) return usage();
+    for (const host::cli::Command& c : host::cli::commands())
+        if (args.first() == QLatin1String(c.name)) return c.run(args.mid(1));
+    return usage();
+}
+
+host::EmulatorOptions host::cli::emulatorOptions(const QStringList& args) {
+    EmulatorOptions o;
+    o.modulePath = option(args, "--module").toStdString();
+    o.workFolder = option(args, "--work").toStdString();
+    o.logFile = option(args, "--log").toStdString();
+    o.logToStderr = hasFlag(args, "--log-stderr");
+    for (int i = 0; i + 1 < args.size(); ++i)
+        if (args.at(i) == QLatin1String("--language")) o.languages.push_back(args.at(i + 1).toStdString());
+    return o;
+}

@@ -1,0 +1,144 @@
+#include "module/ChartInterface.h"
+
+#include <QBuffer>
+#include <QPixmap>
+#include <QTimerEvent>
+#include <QWidget>
+#include <algorithm>
+#include <cstring>
+
+#include "module/PFChartModule.h"
+
+static void initChartResources() { Q_INIT_RESOURCE(pfchart); }
+
+ChartInterface::ChartInterface(PFChartModule* module, const Traits& traits)
+    : module_(module), traits_(traits) {
+    initChartResources();
+    timerId_ = startTimer(1000);
+}
+
+ChartInterface::~ChartInterface() {
+    // Widgets still listed are left to Qt's parent ownership.
+    if (timerId_) killTimer(timerId_);
+}
+
+void ChartInterface::InicParameters(HostCallback callback, HostCallback callback2, void* handle,
+                                    void* handle2) {
+    sendToHost = callback;
+    sendToHost2 = callback2;
+    hostHandle = handle;
+    hostHandle2 = handle2;
+}
+
+int ChartInterface::AddInterface() {
+    ownHandle_ = this;
+    if (!sendToHost) return 0;
+    coreInterfaceRequest record;
+    std::memset(&record, 0, sizeof record);
+    std::strncpy(record.kind, "Windowcomponent", sizeof record.kind - 1);
+    std::strncpy(record.provider, "TELVIX", sizeof record.provider - 1);
+    std::strncpy(record.name, traits_.registeredName, sizeof record.name - 1);
+    // The count field is a 32-bit word: it carries the low 32 bits of the second handle.
+    record.count = static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(hostHandle2));
+    record.result = reinterpret_cast<void**>(this);
+    sendToHost(hostHandle, MSG_REGISTER_INTERFACE, reinterpret_cast<std::intptr_t>(&record), 0);
+    ownHandle_ = reinterpret_cast<void*>(record.result);
+    return 0;
+}
+
+int ChartInterface::GetWindowComponentName(nameComponent* name) {
+    if (!name) return 1;
+    std::memset(name->name, 0, sizeof name->name);
+    std::strncpy(name->name, traits_.shortName, sizeof name->name - 1);
+    std::memset(name->zero, 0, sizeof name->zero);
+    return 0;
+}
+
+int ChartInterface::GetUnicodeWindowComponentName(fxwcNameCompUnicode* name) {
+    if (!name) return 0;
+    QPixmap pixmap(QString::fromLatin1(traits_.icon));
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    pixmap.save(&buffer, "PNG");
+    if (name->iconBuffer && name->iconSize >= png.size()) {
+        name->iconSize = png.size();
+        std::memcpy(name->iconBuffer, png.constData(), static_cast<std::size_t>(png.size()));
+    }
+    const QString text = module_ ? module_->tr(traits_.displayKey) : QString::fromLatin1(traits_.displayKey);
+    const int n = std::min(text.size(), 499);
+    std::memset(name->name, 0, sizeof name->name);
+    std::memcpy(name->name, text.utf16(), sizeof(coreWChar) * static_cast<std::size_t>(n));
+    name->zero = 0;
+    return 0;
+}
+
+PFChartWidget* ChartInterface::CreateWindowComponent(CREATEWINDOWCOMPONENT*) {
+    // Chart windows are not part of this module yet; the host is told nothing was made.
+    return nullptr;
+}
+
+void ChartInterface::AddWidget(PFChartWidget* widget) {
+    if (widget && !IsListed(widget)) widgets_.push_back(widget);
+}
+
+void ChartInterface::DelWidget(PFChartWidget* widget) {
+    widgets_.erase(std::remove(widgets_.begin(), widgets_.end(), widget), widgets_.end());
+}
+
+int ChartInterface::GetWidgetIndex(const PFChartWidget* widget) const {
+    auto it = std::find(widgets_.begin(), widgets_.end(), widget);
+    return it == widgets_.end() ? -1 : int(it - widgets_.begin());
+}
+
+bool ChartInterface::IsListed(const void* widget) const {
+    return widget && std::find(widgets_.begin(), widgets_.end(), widget) != widgets_.end();
+}
+
+void ChartInterface::timerEvent(QTimerEvent* event) {
+    if (event->timerId() != timerId_) return;
+    for (PFChartWidget* widget : widgets_) {
+        reinterpret_cast<QWidget*>(widget)->update();
+        repainted_ = true;
+    }
+}
+
+int ChartInterface::ReceiveMessageWrap(void*, unsigned int message, std::intptr_t p1,
+                                       std::intptr_t p2) {
+    void* record = reinterpret_cast<void*>(p1);
+    switch (message) {
+        case MSG_WC_NAME:
+            return record ? GetWindowComponentName(static_cast<nameComponent*>(record)) : 1;
+        case MSG_WC_UNICODE_NAME:
+            return record ? GetUnicodeWindowComponentName(static_cast<fxwcNameCompUnicode*>(record)) : 1;
+        case MSG_WC_QUERY:
+            if (record) *static_cast<std::int32_t*>(record) = 1;
+            return 0;
+        case MSG_WC_CREATE:
+            if (!record) return 1;
+            return CreateWindowComponent(static_cast<CREATEWINDOWCOMPONENT*>(record)) ? 0 : 1;
+        case MSG_PANEL_STATUS:
+            return record ? 0 : 1;
+        // Messages about one chart window: only windows this interface created are acted
+        // on; any other address answers 1 and is never dereferenced.
+        case MSG_DATA_UPDATED:
+            return record && IsListed(*reinterpret_cast<void**>(static_cast<char*>(record) +
+                                                                offsetof(coreCoreUpdateDpaData, subscriber)))
+                       ? 0 : 1;
+        case MSG_WC_DESTROY:
+        case MSG_WC_RESIZE:
+        case MSG_WC_SHOW:
+        case MSG_WC_PRINT:
+            return IsListed(record) ? 0 : 1;
+        case MSG_WC_OWNER_FOR_OBJECT:
+            return 1;  // no chart window holds the object
+        case MSG_LOAD_CHART:
+        case MSG_SAVE_CHART:
+        case MSG_WC_DROP_INSTRUMENTS:
+        case MSG_WC_CAPTION:
+        case MSG_APPLY_PROPERTY:
+        default:
+            (void)p2;
+            return 0;
+    }
+}

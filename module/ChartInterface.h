@@ -1,0 +1,68 @@
+// A chart type as the host sees it: a window component that the host registers, names,
+// and asks to create, show, print, save, load and destroy chart windows of its kind.
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <cstdint>
+#include <vector>
+
+#include "abi/PFChartModuleAbi.h"
+#include "abi/records.h"
+
+class PFChartModule;
+class PFChartWidget;
+
+class ChartInterface : public QObject {
+    Q_OBJECT
+public:
+    // What distinguishes the three chart types.
+    struct Traits {
+        int chartType;              // DataTypeShow: 0 PF, 1 Renko, 2 Kagi
+        const char* registeredName; // name in the registration record
+        const char* shortName;      // nameComponent
+        const char* icon;           // compiled-in resource
+        const char* displayKey;     // translation key of the display name
+    };
+
+    ChartInterface(PFChartModule* module, const Traits& traits);
+    ~ChartInterface() override;
+
+    virtual int GetWindowComponentName(nameComponent* name);
+    virtual int GetUnicodeWindowComponentName(fxwcNameCompUnicode* name);
+    // Registers the interface with the host (3000) and takes the handle the host left in
+    // the record as its own host handle.
+    virtual int AddInterface();
+    // Creates a chart window (5003); null until chart windows exist in this module.
+    virtual PFChartWidget* CreateWindowComponent(CREATEWINDOWCOMPONENT* record);
+
+    void InicParameters(HostCallback callback, HostCallback callback2, void* handle, void* handle2);
+    int ReceiveMessageWrap(void* target, unsigned int message, std::intptr_t p1, std::intptr_t p2);
+
+    void AddWidget(PFChartWidget* widget);
+    void DelWidget(PFChartWidget* widget);
+    int GetWidgetIndex(const PFChartWidget* widget) const;
+    bool IsListed(const void* widget) const;
+    const std::vector<PFChartWidget*>& GetWidgets() const { return widgets_; }
+
+    void* GetHostHandle() const { return ownHandle_; }
+    const Traits& GetTraits() const { return traits_; }
+    PFChartModule* GetModule() const { return module_; }
+    bool Repainted() const { return repainted_; }
+
+    HostCallback sendToHost = nullptr;
+    HostCallback sendToHost2 = nullptr;
+    void* hostHandle = nullptr;
+    void* hostHandle2 = nullptr;
+
+protected:
+    void timerEvent(QTimerEvent* event) override;
+
+private:
+    bool repainted_ = false;
+    void* ownHandle_ = nullptr;
+    PFChartModule* module_;
+    std::vector<PFChartWidget*> widgets_;
+    Traits traits_;
+    int timerId_ = 0;
+};

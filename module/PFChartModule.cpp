@@ -1,0 +1,152 @@
+#include "module/PFChartModule.h"
+
+#include <cstring>
+
+#include "module/KagiChartInterface.h"
+#include "module/PFChartInterface.h"
+#include "module/RenkoChartInterface.h"
+#include "module/TranslateManager.h"
+
+PFChartModule::PFChartModule()
+    : CModule("Telvix.PFChart module", 1, 1, 9, "PFChartModule", "CTranslatePFgraph") {
+    SetDescription("Points and Figures chart analysis");
+    SetKind(82);
+    std::memset(&dealRequest_, 0, sizeof dealRequest_);
+    pfInterface_.reset(new PFChartInterface(this));
+    renkoInterface_.reset(new RenkoChartInterface(this));
+    kagiInterface_.reset(new KagiChartInterface(this));
+}
+
+PFChartModule::~PFChartModule() {
+    delete[] dealRequest_.result;
+    dealRequest_.result = nullptr;
+}
+
+ChartInterface* PFChartModule::GetPFInterface() const { return pfInterface_.get(); }
+ChartInterface* PFChartModule::GetRenkoInterface() const { return renkoInterface_.get(); }
+ChartInterface* PFChartModule::GetKagiInterface() const { return kagiInterface_.get(); }
+
+int PFChartModule::ReceiveMessageWrap(void* target, unsigned int message, std::intptr_t p1,
+                                      std::intptr_t p2) {
+    try {
+        return Dispatch(target, message, p1, p2);
+    } catch (...) {
+        return 1;
+    }
+}
+
+int PFChartModule::Dispatch(void* target, unsigned int message, std::intptr_t p1,
+                            std::intptr_t p2) {
+    CModule::ReceiveMessageWrap(target, message, p1, p2);
+
+    // A message addressed to a chart type interface goes to it first; its answer is not
+    // returned, the module switch below still runs.
+    ChartInterface* interfaces[] = {pfInterface_.get(), renkoInterface_.get(), kagiInterface_.get()};
+    for (ChartInterface* iface : interfaces) {
+        if (target && target == static_cast<void*>(iface)) {
+            iface->ReceiveMessageWrap(target, message, p1, p2);
+            break;
+        }
+    }
+
+    switch (message) {
+        case MSG_REGISTER:
+            InitDefaultStrings();
+            return CreateWindowComponentInterface();
+        case MSG_DEALING_READY:
+            // The shared status bar arrives with the chart window's status bar pane.
+            getDealInterface();
+            return 0;
+        case MSG_EVENT: {
+            FXEvent* event = reinterpret_cast<FXEvent*>(p1);
+            if (!event) return 0;
+            if (event->code == EVENT_ACCOUNT_ADDED || event->code == EVENT_ACCOUNT_REMOVED)
+                accountWork(event);
+            else if (event->code == EVENT_DAYOFF_CHANGED)
+                UpdateDayoffStatus(event);
+            return 0;
+        }
+        case MSG_UNDO_REQUEST:
+            // The target widget of an undo request is never one of ours until chart
+            // windows exist, so there is nothing to undo and no reply to send.
+            return 0;
+        case MSG_CONVERT_TO_TYPE:
+            return MwiConvertToType(p1, p2);
+        case MSG_NEED_TO_CONVERT:
+            return MwiNeedToConvert(p1, p2);
+        case MSG_LS_UPDATE:
+        default:
+            return 0;
+    }
+}
+
+const std::vector<std::pair<const char*, const char*> >& PFChartModule::DefaultStrings() {
+    static const std::vector<std::pair<const char*, const char*> > strings = {
+        {"PF0001", "Point and Figure"},
+        {"PF0002", "Renko"},
+        {"PF0003", "Kagi"},
+        {"PF0004", "Select intstrument"},
+        {"PF0005", "Show grid"},
+        {"PF0017", "First value"},
+        {"PF0018", "Last value"},
+        {"PF0019", "Trade"},
+        {"PF0020", "Add data to build graph"},
+        {"PF0021", "Zoom Out"},
+        {"PF0022", "Non-trading time"},
+        {"M0036", "Instruments"},
+        {"M0254", "1 hour"},
+        {"M0255", "3 hours"},
+        {"M0256", "Day"},
+        {"M0257", "Month"},
+        {"M0258", "Year"},
+        {"C0004BckGrndColor", "Background color"},
+        {"C0015Delete", "Delete"},
+        {"C0017Font", "Font"},
+        {"C0018FontColor", "Font color"},
+        {"C0025Main", "Main"},
+        {"C0030Propes", "Properties"},
+        {"C0033Select", "Select"},
+        {"C0035SetAsDef", "Save as default"},
+        {"C0036Message", "Show properties of selected objects"},
+        {"C0046ZoomIN", "Zoom In"},
+        {"C0077", "No"},
+        {"C0078", "Yes"},
+        {"C0111Message", "Replace instrument?"},
+        {"G0001", "Add new chart"},
+        {"G0006", "Cross cursor"},
+        {"G0011", "Extend chart left edge"},
+        {"G0016", "Free space positions"},
+        {"G0019", "Chart window"},
+        {"G0021", "Grid color"},
+        {"G0036", "Left scale"},
+        {"G0045Message", "This slider changes horizontal scale of chart window"},
+        {"G0052", "Right scale"},
+        {"G0064Message", "Sets font color of chart window (left and right scales)"},
+        {"G0065Message", "Sets name and font size of chart window (left and right scales)"},
+        {"G0067Message", "Sets backcolor of  time scale"},
+        {"G0075Message", "Sets grid color of time scale"},
+        {"G0078", "Time scale"},
+        {"G0086", "Auto scroll"},
+        {"G0088Message", "Chart window contains one or several chart areas with currency charts, indicators, instruments and etc."},
+        {"G0134", "Delete Instrument/Indicator/Line"},
+        {"G0135", "Delete Area"},
+        {"G0137", "Move Line"},
+        {"G0138", "Change Scale"},
+        {"Tr0038Deal", "Trade"},
+        {"Tr0131SetOrdr", "Place order"},
+    };
+    return strings;
+}
+
+void PFChartModule::InitDefaultStrings() {
+    for (const auto& entry : DefaultStrings())
+        GetTranslateManager()->InsertTranslate(entry.first, entry.second);
+}
+
+int PFChartModule::CreateWindowComponentInterface() {
+    ChartInterface* interfaces[] = {pfInterface_.get(), renkoInterface_.get(), kagiInterface_.get()};
+    for (ChartInterface* iface : interfaces)
+        iface->InicParameters(sendToHost, sendToHost2, hostHandle, hostHandle2);
+    for (ChartInterface* iface : interfaces) iface->AddInterface();
+    return 0;
+}

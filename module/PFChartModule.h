@@ -1,0 +1,85 @@
+// The chart module: owns the three chart type interfaces, the accounts and the dealing
+// day-off table, finds the host interfaces the charts need and answers the module-level
+// messages of the terminal.
+#pragma once
+
+#include <QString>
+#include <boost/shared_ptr.hpp>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "module/AccountList.h"
+#include "module/CModule.h"
+
+class QWidget;
+class ChartInterface;
+class PFChartInterface;
+class RenkoChartInterface;
+class KagiChartInterface;
+class CXMLWorkData;
+
+class PFChartModule : public CModule {
+public:
+    PFChartModule();
+    ~PFChartModule() override;
+
+    // Lets CModule see the message, passes a message addressed to one of the chart type
+    // interfaces to it, then runs the module-level switch. Nothing thrown gets out: any
+    // exception ends the call with 1.
+    int ReceiveMessageWrap(void* target, unsigned int message, std::intptr_t p1,
+                           std::intptr_t p2) override;
+
+    // The built-in English texts (key, text) in the order they are inserted at 3007.
+    static const std::vector<std::pair<const char*, const char*> >& DefaultStrings();
+    void InitDefaultStrings();
+    // Gives the interfaces the callbacks and handles, then registers PF, Renko, Kagi.
+    int CreateWindowComponentInterface();
+
+    // Host interfaces, cached once found.
+    void* GetGlobalMainWindow();
+    void* GetTransportInterface();
+    QWidget* getMainWindow();
+
+    // Deal interfaces and accounts (3066, 3546), day-off states (16048).
+    void getDealInterface();
+    void getStartAccount(coreInterfaceRequest* record);
+    bool IsDayOff(const QString& symbol) const;
+    void UpdateDayOffStatusForDealing(void* dealHandle, int accountId, bool clear);
+    void UpdateDayoffStatus(FXEvent* event);
+    void accountWork(FXEvent* event);
+
+    // Operations over the chart windows of all three interfaces.
+    void UpdateChartForInterface(ChartInterface* iface);
+    void SwitchToType(const QString& typeName);
+    bool NeedToSwitchToMid() const;
+    bool NeedToSwitchToBid() const;
+    int MwiConvertToType(std::intptr_t type, std::intptr_t unused);
+    int MwiNeedToConvert(std::intptr_t list, std::intptr_t unused);
+
+    void SendMainAboutChange();
+    // The default-parameters tree, "<work folder>/etc/PFChartModule.rdd"; the caller owns it.
+    CXMLWorkData* getDefaultXml();
+    void saveDefaultXml(CXMLWorkData* tree);
+    // The work folder from the main window interface (3503); empty on failure.
+    QString GetWorkFolder();
+
+    ChartInterface* GetPFInterface() const;
+    ChartInterface* GetRenkoInterface() const;
+    ChartInterface* GetKagiInterface() const;
+    AccountList& GetAccountList() { return accounts_; }
+    const std::map<QString, bool>& GetDayOffTable() const { return dayOff_; }
+    const coreInterfaceRequest& GetDealRequest() const { return dealRequest_; }
+
+private:
+    int Dispatch(void* target, unsigned int message, std::intptr_t p1, std::intptr_t p2);
+
+    void* transport_ = nullptr;
+    void* mainWindow_ = nullptr;
+    boost::shared_ptr<PFChartInterface> pfInterface_;
+    boost::shared_ptr<RenkoChartInterface> renkoInterface_;
+    boost::shared_ptr<KagiChartInterface> kagiInterface_;
+    coreInterfaceRequest dealRequest_;
+    AccountList accounts_;
+    std::map<QString, bool> dayOff_;
+};

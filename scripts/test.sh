@@ -1,0 +1,76 @@
+#!/usr/bin/env bash
+# Builds and runs every test: the release build with the unit, integration, export and
+# 32-bit layout tests; a clang build with AddressSanitizer and UndefinedBehaviorSanitizer
+# running the same tests; the fuzz targets for a bounded time; and a short run of each
+# benchmark so that they stay working. Installs missing packages first.
+#
+#   PF_FUZZ_SECONDS   seconds per fuzz target (default 30)
+#   PF_SKIP_ASAN=1    skip the sanitizer build (quicker local runs)
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/setup.sh
+
+jobs=$(nproc)
+passed=0
+failed=0
+summary=()
+
+run_ctest() {  # build-dir label
+    local out rc=0
+    out=$(cd "$1" && ctest --output-on-failure -j"$jobs" 2>&1) || rc=$?
+    echo "$out" | tail -n 40
+    local line total fails
+    line=$(echo "$out" | grep -E 'tests passed, [0-9]+ tests failed out of [0-9]+' | tail -n 1 || true)
+    if [ -z "$line" ]; then
+        failed=$((failed + 1)); summary+=("$2: ctest did not finish"); return
+    fi
+    total=$(echo "$line" | sed -E 's/.*out of ([0-9]+).*/\1/')
+    fails=$(echo "$line" | sed -E 's/.* ([0-9]+) tests failed.*/\1/')
+    passed=$((passed + total - fails)); failed=$((failed + fails))
+    summary+=("$2: $((total - fails)) of $total passed")
+    [ "$rc" -eq 0 ] || [ "$fails" -gt 0 ] || { failed=$((failed + 1)); summary+=("$2: ctest exit $rc"); }
+}
+
+echo "== release build"
+cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake --build build/release -j"$jobs"
+run_ctest build/release release
+
+echo "== benchmarks (smoke run)"
+for b in build/release/bench/bench_*; do
+    [ -x "$b" ] || continue
+    if "$b" --benchmark_min_time=0.01 >/dev/null 2>&1; then
+        passed=$((passed + 1))
+    else
+        failed=$((failed + 1)); summary+=("benchmark $(basename "$b") failed")
+    fi
+done
+
+if [ "${PF_SKIP_ASAN:-0}" != "1" ]; then
+    echo "== sanitizer build (clang, ASan + UBSan)"
+    cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug \
+        -DCMAKE_CXX_COMPILER=clang++ -DPF_SANITIZE=ON -DPF_FUZZ=ON -DPF_BENCH=OFF >/dev/null
+    cmake --build build/asan -j"$jobs"
+    run_ctest build/asan asan
+
+    echo "== fuzzing (${PF_FUZZ_SECONDS:-30} s per target)"
+    mkdir -p build/asan/fuzz-corpus
+    for f in build/asan/tests/fuzz_*; do
+        [ -x "$f" ] || continue
+        name=$(basename "$f")
+        mkdir -p "build/asan/fuzz-corpus/$name"
+        if (cd build/asan && QT_QPA_PLATFORM=offscreen ASAN_OPTIONS=detect_leaks=0 \
+              "tests/$name" -max_total_time="${PF_FUZZ_SECONDS:-30}" -rss_limit_mb=4096 \
+              "fuzz-corpus/$name" >"fuzz-corpus/$name.log" 2>&1); then
+            passed=$((passed + 1)); summary+=("fuzz $name: $(grep -Eo 'Done [0-9]+ runs' "build/asan/fuzz-corpus/$name.log" | tail -n 1)")
+        else
+            failed=$((failed + 1)); summary+=("fuzz $name: FINDING, see build/asan/fuzz-corpus/$name.log")
+            tail -n 40 "build/asan/fuzz-corpus/$name.log"
+        fi
+    done
+fi
+
+echo
+printf '%s\n' "${summary[@]}"
+echo "$passed passed, $failed failed"
+[ "$failed" -eq 0 ]

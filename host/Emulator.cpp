@@ -15,7 +15,6 @@ namespace host {
 
 Emulator::Emulator(const EmulatorOptions& options) : options_(options), host_(new Host) {
     if (options_.modulePath.empty()) options_.modulePath = PF_MODULE_DEFAULT_PATH;
-    if (options_.languages.empty()) options_.languages.push_back("English");
     if (options_.workFolder.empty()) {
         tempFolder_ = QDir::tempPath().toStdString() + "/pfhost-work-" +
                       std::to_string(reinterpret_cast<std::uintptr_t>(this));

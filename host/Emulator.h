@@ -19,7 +19,7 @@ class DealingService;
 struct EmulatorOptions {
     std::string modulePath;              // default: the built libPFChartModule.so.1
     std::string workFolder;              // answered to 3503; default: a temporary folder
-    std::vector<std::string> languages;  // installed languages (3116/3117); default: English
+    std::vector<std::string> languages{"English"};  // installed languages (3116/3117)
     int selectedLanguage = 0;            // index into languages, -1 for none selected
     std::string logFile;                 // where the log sink writes; empty: no file
     bool logToStderr = false;

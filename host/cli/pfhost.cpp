@@ -52,6 +52,7 @@ host::EmulatorOptions host::cli::emulatorOptions(const QStringList& args) {
     o.workFolder = option(args, "--work").toStdString();
     o.logFile = option(args, "--log").toStdString();
     o.logToStderr = hasFlag(args, "--log-stderr");
+    if (args.contains(QLatin1String("--language"))) o.languages.clear();
     for (int i = 0; i + 1 < args.size(); ++i)
         if (args.at(i) == QLatin1String("--language")) o.languages.push_back(args.at(i + 1).toStdString());
     return o;

@@ -1,0 +1,221 @@
+// The terminal's start-up of the real libPFChartModule.so.1, loaded with dlopen by the
+// emulator: module information, the start-up exchange, built-in texts, registration,
+// routing and the module's exception guard.
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <cstring>
+#include <stdexcept>
+
+#include "host/CoreServices.h"
+#include "host/Emulator.h"
+
+namespace {
+
+class StartUp : public ::testing::Test {
+protected:
+    void Load(host::EmulatorOptions options = host::EmulatorOptions()) {
+        options.modulePath = PF_MODULE_PATH;
+        emulator.reset(new host::Emulator(options));
+        std::string error;
+        ASSERT_TRUE(emulator->loadModule(&error)) << error;
+    }
+    host::Host& H() { return emulator->host(); }
+    host::CoreServices& Core() { return emulator->core(); }
+
+    // Messages the module sent to the host while handling the message at `index`.
+    std::vector<host::Journal::Entry> SentDuring(std::size_t index) {
+        std::vector<host::Journal::Entry> out;
+        const auto& all = H().journal().entries();
+        for (std::size_t i = index + 1; i < all.size() && all[i].direction == host::Journal::ToHost; ++i)
+            out.push_back(all[i]);
+        return out;
+    }
+    std::size_t IndexOf(unsigned int message) {
+        const auto& all = H().journal().entries();
+        for (std::size_t i = 0; i < all.size(); ++i)
+            if (all[i].direction == host::Journal::ToModule && all[i].message == message) return i;
+        return all.size();
+    }
+
+    std::unique_ptr<host::Emulator> emulator;
+};
+
+void Put32(unsigned char* at, std::int32_t v) { std::memcpy(at, &v, 4); }
+
+}  // namespace
+
+TEST_F(StartUp, ModuleInformationRecordByteForByte) {
+    Load();
+    unsigned char expected[2315] = {};
+    std::memcpy(expected, "Telvix.PFChart module", 21);
+    std::memcpy(expected + 255, "Points and Figures chart analysis", 33);
+    Put32(expected + 1279, 9);
+    Put32(expected + 1283, 1);
+    Put32(expected + 1287, 1);
+    Put32(expected + 1291, 8);
+    std::memcpy(expected + 1295, "CTranslatePFgraph", 17);
+    Put32(expected + 1315, 82);
+
+    unsigned char actual[2315 + 16];
+    std::memset(actual, 0xEE, sizeof actual);
+    EXPECT_EQ(H().getModuleInfo(reinterpret_cast<MODULE_INFO*>(actual)), 0);
+    EXPECT_EQ(std::memcmp(actual, expected, 2315), 0);
+    for (std::size_t i = 2315; i < sizeof actual; ++i) ASSERT_EQ(actual[i], 0xEE) << "wrote past the record";
+    EXPECT_EQ(H().getModuleInfo(nullptr), 0);
+}
+
+TEST_F(StartUp, SetUpAsksLanguagesDateFunctionsAndLogSink) {
+    Load();
+    H().startUp();
+    auto sent = [&](unsigned int m) {
+        std::vector<unsigned int> out;
+        for (const auto& e : SentDuring(IndexOf(m))) out.push_back(e.message);
+        return out;
+    };
+    EXPECT_EQ(sent(MSG_SETUP), (std::vector<unsigned int>{3116, 3117, 3207, 3205}));
+
+    host::EmulatorOptions none;
+    none.languages.clear();
+    Load(none);
+    H().startUp();
+    EXPECT_EQ(sent(MSG_SETUP), (std::vector<unsigned int>{3116, 3207, 3205}));
+}
+
+TEST_F(StartUp, RegistrationInsertsTextsThenRegistersThreeInterfaces) {
+    Load();
+    H().startUp();
+    const auto sent = SentDuring(IndexOf(MSG_REGISTER));
+    ASSERT_EQ(sent.size(), 52u + 4u);
+    for (std::size_t i = 0; i < 52; ++i) ASSERT_EQ(sent[i].message, 3019u) << i;
+    EXPECT_EQ(sent[52].message, 3000u);
+    EXPECT_EQ(sent[53].message, 3110u);  // the PF interface subscribes right after registering
+    EXPECT_EQ(sent[54].message, 3000u);
+    EXPECT_EQ(sent[55].message, 3000u);
+
+    const auto& keys = Core().insertedKeys();
+    ASSERT_EQ(keys.size(), 52u);
+    EXPECT_EQ(keys.front(), std::make_pair(std::string("PF0001"), std::string("Point and Figure")));
+    EXPECT_EQ(keys[3], std::make_pair(std::string("PF0004"), std::string("Select intstrument")));
+    EXPECT_EQ(keys[41], std::make_pair(std::string("G0067Message"), std::string("Sets backcolor of  time scale")));
+    EXPECT_EQ(keys.back(), std::make_pair(std::string("Tr0131SetOrdr"), std::string("Place order")));
+    EXPECT_NE(sent[0].detail.find("CTranslatePFgraph PF0001"), std::string::npos);
+
+    const auto& components = Core().components();
+    ASSERT_EQ(components.size(), 3u);
+    EXPECT_EQ(components[0].name, "Points and Figures");
+    EXPECT_EQ(components[1].name, "Renko");
+    EXPECT_EQ(components[2].name, "Kagi");
+    const std::string second = "second=" + std::to_string(std::int32_t(reinterpret_cast<std::intptr_t>(H().coreHandle2())));
+    for (std::size_t i : {52u, 54u, 55u}) {
+        EXPECT_NE(sent[i].detail.find("register Windowcomponent/TELVIX/"), std::string::npos);
+        EXPECT_NE(sent[i].detail.find(second), std::string::npos);
+    }
+
+    const auto subs = Core().subscribers("DealingEvent");
+    ASSERT_EQ(subs.size(), 1u);
+    EXPECT_EQ(subs[0].subscriberId, std::int32_t(reinterpret_cast<std::intptr_t>(components[0].handle)));
+    EXPECT_EQ(subs[0].object, components[0].object);
+    EXPECT_NE(components[0].object, components[1].object);
+}
+
+TEST_F(StartUp, TextsComeBackTranslatedForTheSelectedLanguage) {
+    host::EmulatorOptions options;
+    options.languages = {"English", "Deutsch"};
+    options.selectedLanguage = 1;
+    Load(options);
+    Core().setTranslation("Deutsch", QStringLiteral("PF0001"), QStringLiteral("Punkt und Figur"));
+    H().startUp();
+    EXPECT_EQ(QCoreApplication::translate("CTranslatePFgraph", "PF0003"), QStringLiteral("Kagi"));
+
+    std::vector<char> icon(4096, 'z');
+    fxwcNameCompUnicode name;
+    std::memset(&name, 0, sizeof name);
+    name.iconBuffer = icon.data();
+    name.iconSize = std::int32_t(icon.size());
+    void* pf = Core().componentObject("Points and Figures");
+    EXPECT_EQ(H().send(pf, MSG_WC_UNICODE_NAME, reinterpret_cast<std::intptr_t>(&name)), 0);
+    EXPECT_EQ(QString::fromUtf16(name.name), QStringLiteral("Punkt und Figur"));
+    ASSERT_GT(name.iconSize, 8);
+    ASSERT_LT(name.iconSize, 4096);
+    EXPECT_EQ(std::memcmp(icon.data(), "\x89PNG", 4), 0);
+
+    // A buffer too small for the icon is left alone, the name is still written.
+    std::vector<char> small(8, 'z');
+    std::memset(&name, 0, sizeof name);
+    name.iconBuffer = small.data();
+    name.iconSize = 8;
+    void* kagi = Core().componentObject("Kagi");
+    EXPECT_EQ(H().send(kagi, MSG_WC_UNICODE_NAME, reinterpret_cast<std::intptr_t>(&name)), 0);
+    EXPECT_EQ(name.iconSize, 8);
+    EXPECT_EQ(std::string(small.data(), 8), "zzzzzzzz");
+    EXPECT_EQ(QString::fromUtf16(name.name), QStringLiteral("Kagi"));
+
+    nameComponent shortName;
+    std::memset(&shortName, 0x55, sizeof shortName);
+    EXPECT_EQ(H().send(kagi, MSG_WC_NAME, reinterpret_cast<std::intptr_t>(&shortName)), 0);
+    EXPECT_STREQ(shortName.name, "Kagi chart");
+    for (unsigned char b : shortName.zero) EXPECT_EQ(b, 0);
+    EXPECT_EQ(H().send(kagi, MSG_WC_NAME, 0), 0);  // null record: the switch still answers 0
+}
+
+TEST_F(StartUp, InterfaceMessagesAlsoRunTheModuleSwitch) {
+    Load();
+    H().startUp();
+    void* pf = Core().componentObject("Points and Figures");
+
+    std::int32_t query = 0;
+    EXPECT_EQ(H().send(pf, MSG_WC_QUERY, reinterpret_cast<std::intptr_t>(&query)), 0);
+    EXPECT_EQ(query, 1);  // the interface handled it
+    query = 0;
+    EXPECT_EQ(H().send(nullptr, MSG_WC_QUERY, reinterpret_cast<std::intptr_t>(&query)), 0);
+    EXPECT_EQ(query, 0);  // not addressed to an interface: only the module switch, which ignores it
+
+    struct {
+        std::int32_t count;
+        std::int32_t entries[2][2];
+    } list = {0, {{9, 9}, {9, 9}}};
+    EXPECT_EQ(H().send(pf, MSG_NEED_TO_CONVERT, reinterpret_cast<std::intptr_t>(&list)), 0);
+    EXPECT_EQ(list.count, 1);  // the module switch ran as well
+
+    // An interface's own "not listed" answer is not what the host gets back.
+    coreCoreUpdateDpaData update;
+    std::memset(&update, 0, sizeof update);
+    EXPECT_EQ(H().send(pf, MSG_DATA_UPDATED, reinterpret_cast<std::intptr_t>(&update)), 0);
+    EXPECT_EQ(H().send(pf, 987654), 0);
+}
+
+TEST_F(StartUp, ExceptionsInHandlersAnswerOneAndNeverEscape) {
+    Load();
+    H().startUp();
+    H().on(MSG_INSERT_TRANSLATION, [](void*, std::intptr_t, std::intptr_t, std::string&) -> int {
+        throw std::runtime_error("translation table full");
+    });
+    EXPECT_EQ(H().send(nullptr, MSG_REGISTER), 1);
+
+    // The set-up message logs where it failed before the guard answers 1.
+    H().on(MSG_LANGUAGE_COUNT, [](void*, std::intptr_t, std::intptr_t, std::string&) -> int { throw 42; });
+    EXPECT_EQ(H().send(nullptr, MSG_SETUP), 1);
+    ASSERT_FALSE(Core().logRecords().empty());
+    const auto& last = Core().logRecords().back();
+    EXPECT_EQ(last.level, 5);
+    EXPECT_EQ(last.name, QStringLiteral("PFChartModule"));
+    EXPECT_TRUE(last.text.startsWith(QStringLiteral("Unknown throw in <PFChartModule>|"))) << last.text.toStdString();
+    EXPECT_TRUE(last.text.contains(QStringLiteral("CModule.cpp|")));
+    bool lineIsNumber = false;
+    last.text.section(QLatin1Char('|'), -1).toInt(&lineIsNumber);
+    EXPECT_TRUE(lineIsNumber);
+}
+
+TEST_F(StartUp, WindowMessagesForUnknownWidgetsTouchNothing) {
+    Load();
+    H().startUp();
+    void* renko = Core().componentObject("Renko");
+    int notAWidget = 0;
+    for (unsigned int m : {MSG_WC_DESTROY, MSG_WC_RESIZE, MSG_WC_SHOW, MSG_WC_PRINT}) {
+        // The interface answers 1, the module switch 0; the switch's answer is returned.
+        EXPECT_EQ(H().send(renko, m, reinterpret_cast<std::intptr_t>(&notAWidget)), 0) << m;
+    }
+    EXPECT_EQ(notAWidget, 0);
+    EXPECT_EQ(H().send(renko, MSG_WC_CREATE, 0), 0);
+}

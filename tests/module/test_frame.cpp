@@ -1,0 +1,279 @@
+// The module frame on its own: log, log helper, interface look-up, events, languages and
+// fonts, translation and date-time, against a fake host callback.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "FakeHost.h"
+#include "module/CModule.h"
+#include "module/DateTime.h"
+#include "module/Log.h"
+#include "module/LogHelper.h"
+
+namespace {
+
+struct SinkRecord {
+    int type;
+    int level;
+    QString name;
+    QString text;
+};
+std::vector<SinkRecord> g_sink;
+
+int TestSink(const coreLogMessage* m) {
+    g_sink.push_back({int(m->type), int(m->level), QString::fromUtf16(m->logName),
+                      QString::fromUtf16(m->text)});
+    return 0;
+}
+
+// A log bound to a fake host that hands out TestSink on 3205.
+struct BoundLog : ::testing::Test {
+    FakeHost host;
+    Log log;
+    void SetUp() override {
+        g_sink.clear();
+        host.on(MSG_LOG_BIND, [](void*, std::intptr_t p1, std::intptr_t) {
+            *reinterpret_cast<coreLogSink*>(p1) = &TestSink;
+            return 0;
+        });
+        log.Create(QStringLiteral("PFChartModule"), host.callback(), host.handle());
+    }
+};
+
+class TestModule : public CModule {
+public:
+    TestModule() : CModule("Test module", 1, 2, 3, "TestLog", "TestContext") {}
+    void Init(FakeHost& host) { InitializeWrap(host.callback(), host.callback(), host.handle(), nullptr); }
+};
+
+coreLanguage Language(const char* name, int selected) {
+    coreLanguage l;
+    std::memset(&l, 0, sizeof l);
+    std::strncpy(l.name, name, sizeof l.name - 1);
+    l.selected = selected;
+    return l;
+}
+
+// Installs a language list on the fake host for 3116/3117.
+void ServeLanguages(FakeHost& host, std::vector<coreLanguage> list) {
+    host.on(MSG_LANGUAGE_COUNT, [list](void*, std::intptr_t p1, std::intptr_t) {
+        reinterpret_cast<coreLanguageRequest*>(p1)->count = std::int32_t(list.size());
+        return 0;
+    });
+    host.on(MSG_LANGUAGE_LIST, [list](void*, std::intptr_t p1, std::intptr_t) {
+        auto* r = reinterpret_cast<coreLanguageRequest*>(p1);
+        for (int i = 0; i < r->count && i < int(list.size()); ++i) r->languages[i] = list[i];
+        return 0;
+    });
+}
+
+}  // namespace
+
+TEST_F(BoundLog, StreamCodesMapToLevelsInReverse) {
+    const int expected[] = {0, 5, 4, 3, 2};
+    for (int code = 0; code <= 4; ++code) {
+        log << eLogMsgType(code);
+        EXPECT_EQ(log.Level(), expected[code]) << "code " << code;
+    }
+    log << eLogMsgType(9);  // above 5: nothing happens
+    EXPECT_EQ(log.Level(), 2);
+    EXPECT_TRUE(g_sink.empty());
+}
+
+TEST_F(BoundLog, CodeFiveSendsOneMessageAndEmptiesTheText) {
+    log << LOG_LEVEL5 << "value " << 42 << ' ' << QStringLiteral("ü") << LOG_SEND;
+    ASSERT_EQ(g_sink.size(), 1u);
+    EXPECT_EQ(g_sink[0].level, 5);
+    EXPECT_EQ(g_sink[0].type, 1);
+    EXPECT_EQ(g_sink[0].name, QStringLiteral("PFChartModule"));
+    EXPECT_EQ(g_sink[0].text, QStringLiteral("value 42 ü"));
+    EXPECT_EQ(log.Text(), QString());
+    EXPECT_EQ(log.TextLength(), 1);
+}
+
+TEST_F(BoundLog, ShowLogInfoSendsOnlyTypesZeroAndOne) {
+    log.ShowLogInfo(coreLogMsgType(2), coreLogMsgLevel(4), QStringLiteral("ignored"));
+    EXPECT_TRUE(g_sink.empty());
+    EXPECT_EQ(log.Text(), QString());
+    log.ShowLogInfo(coreLogMsgType(0), coreLogMsgLevel(4), QStringLiteral("shown"));
+    ASSERT_EQ(g_sink.size(), 1u);
+    EXPECT_EQ(g_sink[0].type, 0);
+    EXPECT_EQ(g_sink[0].level, 4);
+    EXPECT_EQ(g_sink[0].text, QStringLiteral("shown"));
+}
+
+TEST(Log, BufferGrowsByTheLargerOfSumAndDouble) {
+    Log log;
+    EXPECT_EQ(log.TextCapacity(), 32);
+    log << QString(40, QLatin1Char('x'));
+    EXPECT_EQ(log.TextCapacity(), 73);  // 41 + 32 beats 2 * 32
+    EXPECT_EQ(log.TextLength(), 41);
+    log << QString(40, QLatin1Char('y'));
+    EXPECT_EQ(log.TextCapacity(), 146);  // 2 * 73 beats 41 + 73
+    EXPECT_EQ(log.Text(), QString(40, QLatin1Char('x')) + QString(40, QLatin1Char('y')));
+}
+
+TEST(Log, WithoutSinkMessagesAreDroppedButTextIsCleared) {
+    Log log;
+    log.Create(QStringLiteral("PFChartModule"), nullptr, nullptr);
+    log << "lost";
+    EXPECT_EQ(log.SendMessage(), 1);
+    log << LOG_SEND;
+    EXPECT_EQ(log.Text(), QString());
+}
+
+TEST(LogHelper, ReachesTheLogOfTheLiveModuleOnly) {
+    EXPECT_EQ(LogHelper::GetLog(), nullptr);
+    EXPECT_EQ(LogHelper::ShowLogInfo(1, 5, QStringLiteral("nobody")), 1);
+    {
+        TestModule module;
+        EXPECT_EQ(LogHelper::GetLog(), module.GetLog());
+    }
+    EXPECT_EQ(LogHelper::GetLog(), nullptr);
+}
+
+TEST(CModule, InformationRecordStoresNumbersInReverse) {
+    TestModule module;
+    const MODULE_INFO& info = module.Info();
+    EXPECT_STREQ(info.name, "Test module");
+    EXPECT_STREQ(info.description, "Noname module");
+    EXPECT_EQ(info.number3, 3);
+    EXPECT_EQ(info.number2, 2);
+    EXPECT_EQ(info.number1, 1);
+    EXPECT_EQ(info.fixed8, 8);
+    EXPECT_EQ(info.kind, 20);
+    EXPECT_EQ(std::string(info.translateContext, 11), "TestContext");
+
+    class Unnamed : public CModule {
+    public:
+        Unnamed() : CModule(nullptr, 1, 1, 1, "L", "a-context-longer-than-twenty") {}
+    } unnamed;
+    EXPECT_EQ(unnamed.Info().name[0], 0);
+    EXPECT_EQ(unnamed.Info().description[0], 0);
+    // Cut at 20 bytes with no terminator of its own.
+    EXPECT_EQ(std::string(unnamed.Info().translateContext, 20), "a-context-longer-tha");
+    EXPECT_EQ(unnamed.GetModuleInfoWrap(nullptr), 0);
+}
+
+TEST(CModule, InterfaceRequestCutsNameAndProviderToTheKindsLength) {
+    FakeHost host;
+    std::string kind, provider, name;
+    host.on(MSG_GET_INTERFACE, [&](void*, std::intptr_t p1, std::intptr_t) {
+        auto* r = reinterpret_cast<coreInterfaceRequest*>(p1);
+        kind = r->kind;
+        provider = r->provider;
+        name = r->name;
+        EXPECT_EQ(r->count, 1);
+        r->result[0] = reinterpret_cast<void*>(std::intptr_t(0x4242));
+        return 0;
+    });
+    TestModule module;
+    EXPECT_EQ(module.getInterface("AB", "CANDLE_TELVIX", "TELVIX"), nullptr);  // no callback yet
+    module.Init(host);
+    EXPECT_EQ(module.getInterface("AB", "CANDLE_TELVIX", "TELVIX"), reinterpret_cast<void*>(std::intptr_t(0x4242)));
+    EXPECT_EQ(kind, "AB");
+    EXPECT_EQ(provider, "TE");
+    EXPECT_EQ(name, "CA");
+}
+
+TEST(CModule, EmittingAnUnknownEventLogsAndLeavesTheRecordAlone) {
+    FakeHost host;
+    g_sink.clear();
+    host.on(MSG_LOG_BIND, [](void*, std::intptr_t p1, std::intptr_t) {
+        *reinterpret_cast<coreLogSink*>(p1) = &TestSink;
+        return 0;
+    });
+    host.on(MSG_EVENT_CREATE, [](void*, std::intptr_t p1, std::intptr_t) {
+        reinterpret_cast<coreEventCreate*>(p1)->id = 77;
+        return 0;
+    });
+    TestModule module;
+    module.Init(host);
+    module.GetLog()->Create(QStringLiteral("TestLog"), host.callback(), host.handle());
+
+    FXEvent event;
+    std::memset(&event, 0xAB, sizeof event);
+    EXPECT_EQ(module.EmitEvent("Missing", event), 1);
+    for (std::size_t i = 0; i < sizeof event; ++i)
+        ASSERT_EQ(reinterpret_cast<unsigned char*>(&event)[i], 0xAB);
+    ASSERT_EQ(g_sink.size(), 1u);
+    EXPECT_EQ(g_sink[0].type, 1);
+    EXPECT_EQ(g_sink[0].level, 4);
+    EXPECT_EQ(g_sink[0].text, QStringLiteral("Can't emit event with name \"Missing\""));
+
+    EXPECT_EQ(module.CreateEvent("Known"), 77);
+    EXPECT_EQ(module.EmitEvent("Known", event), 0);
+    EXPECT_STREQ(event.name, "Known");
+    EXPECT_EQ(event.id, 77);
+    const auto raised = host.find(MSG_EVENT_RAISE);
+    ASSERT_EQ(raised.size(), 1u);
+    EXPECT_EQ(raised[0].p1, 77);
+    EXPECT_EQ(raised[0].p2, reinterpret_cast<std::intptr_t>(&event));
+}
+
+TEST(CModule, SubscriptionRecordsCarryIdObjectAndMinusOne) {
+    FakeHost host;
+    coreEventSubscribe seen;
+    host.on(MSG_EVENT_SUBSCRIBE, [&](void*, std::intptr_t p1, std::intptr_t) {
+        seen = *reinterpret_cast<coreEventSubscribe*>(p1);
+        return 0;
+    });
+    TestModule module;
+    EXPECT_EQ(module.UnSubscribeEvent(), 0);  // no callback: nothing sent
+    module.Init(host);
+    module.SubscribeEvent("Quotes");
+    EXPECT_STREQ(seen.name, "Quotes");
+    EXPECT_EQ(seen.zero, 0);
+    EXPECT_EQ(seen.object, static_cast<void*>(&module));
+    EXPECT_EQ(seen.last, -1);
+}
+
+TEST(CModule, FontManagerFollowsTheFirstSelectedLanguage) {
+    struct Case {
+        std::vector<coreLanguage> languages;
+        int expectedSize;  // getFontSize(8)
+    } cases[] = {
+        {{}, 8},
+        {{Language("Chinese (Simplified)", 0), Language("English", 0)}, 8},  // none selected
+        {{Language("English", 0), Language("Chinese (Simplified)", 1), Language("German", 1)}, 10},
+        {{Language("German", 1), Language("Chinese (Simplified)", 1)}, 8},
+    };
+    for (const Case& c : cases) {
+        FakeHost host;
+        ServeLanguages(host, c.languages);
+        TestModule module;
+        module.Init(host);
+        module.ReceiveMessageWrap(nullptr, MSG_SETUP, 0, 0);
+        ASSERT_NE(module.getFontManager(), nullptr);
+        EXPECT_EQ(module.getFontSize(8), c.expectedSize);
+        // The language list is asked for only when the host has languages.
+        EXPECT_EQ(host.find(MSG_LANGUAGE_LIST).size(), c.languages.empty() ? 0u : 1u);
+    }
+    std::unique_ptr<font::Manager> chinese(font::CreateManager(QStringLiteral("Chinese (Simplified)")));
+    EXPECT_EQ(chinese->GetFont(font::elementCode(3)), QStringLiteral("SimSun"));
+    EXPECT_EQ(font::DefaultManager().GetFont(font::elementCode(99)), QStringLiteral("Arial"));
+}
+
+TEST(CModule, SetUpWithoutHostStillHasFontsAndNoDateFunctions) {
+    TestModule module;
+    EXPECT_EQ(module.ReceiveMessageWrap(nullptr, MSG_SETUP, 0, 0), 0);
+    EXPECT_EQ(module.getFontSize(8), 8);
+    ASSERT_NE(module.GetDateTime(), nullptr);
+    EXPECT_FALSE(module.GetDateTime()->IsValid());
+    EXPECT_EQ(module.GetDateTime()->toString(0L, QStringLiteral("yyyy"), true), QString());
+}
+
+TEST(CModule, UnknownKeysTranslateToThemselves) {
+    TestModule module;
+    EXPECT_EQ(module.tr("PF9999"), QStringLiteral("PF9999"));
+    EXPECT_EQ(module.tr(QStringLiteral("G0135"), QString()), QStringLiteral("G0135"));
+}
+
+TEST(CModule, TimeZoneIsSetToGst) {
+    CModule::SetTimeTz();
+    ASSERT_NE(std::getenv("TZ"), nullptr);
+    EXPECT_STREQ(std::getenv("TZ"), "GST0");
+}

@@ -121,10 +121,13 @@ int ChartInterface::ReceiveMessageWrap(void*, unsigned int message, std::intptr_
             return record ? 0 : 1;
         // Messages about one chart window: only windows this interface created are acted
         // on; any other address answers 1 and is never dereferenced.
-        case MSG_DATA_UPDATED:
-            return record && IsListed(*reinterpret_cast<void**>(static_cast<char*>(record) +
-                                                                offsetof(coreCoreUpdateDpaData, subscriber)))
-                       ? 0 : 1;
+        case MSG_DATA_UPDATED: {
+            if (!record) return 1;
+            void* widget = nullptr;  // packed record: the field may sit at any address
+            std::memcpy(&widget, static_cast<char*>(record) + offsetof(coreCoreUpdateDpaData, subscriber),
+                        sizeof widget);
+            return IsListed(widget) ? 0 : 1;
+        }
         case MSG_WC_DESTROY:
         case MSG_WC_RESIZE:
         case MSG_WC_SHOW:

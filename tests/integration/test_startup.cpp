@@ -136,8 +136,8 @@ TEST_F(StartUp, TextsComeBackTranslatedForTheSelectedLanguage) {
     void* pf = Core().componentObject("Points and Figures");
     EXPECT_EQ(H().send(pf, MSG_WC_UNICODE_NAME, reinterpret_cast<std::intptr_t>(&name)), 0);
     EXPECT_EQ(QString::fromUtf16(name.name), QStringLiteral("Punkt und Figur"));
-    ASSERT_GT(name.iconSize, 8);
-    ASSERT_LT(name.iconSize, 4096);
+    ASSERT_GT(int(name.iconSize), 8);
+    ASSERT_LT(int(name.iconSize), 4096);
     EXPECT_EQ(std::memcmp(icon.data(), "\x89PNG", 4), 0);
 
     // A buffer too small for the icon is left alone, the name is still written.
@@ -147,7 +147,7 @@ TEST_F(StartUp, TextsComeBackTranslatedForTheSelectedLanguage) {
     name.iconSize = 8;
     void* kagi = Core().componentObject("Kagi");
     EXPECT_EQ(H().send(kagi, MSG_WC_UNICODE_NAME, reinterpret_cast<std::intptr_t>(&name)), 0);
-    EXPECT_EQ(name.iconSize, 8);
+    EXPECT_EQ(int(name.iconSize), 8);
     EXPECT_EQ(std::string(small.data(), 8), "zzzzzzzz");
     EXPECT_EQ(QString::fromUtf16(name.name), QStringLiteral("Kagi"));
 
@@ -176,7 +176,7 @@ TEST_F(StartUp, InterfaceMessagesAlsoRunTheModuleSwitch) {
         std::int32_t entries[2][2];
     } list = {0, {{9, 9}, {9, 9}}};
     EXPECT_EQ(H().send(pf, MSG_NEED_TO_CONVERT, reinterpret_cast<std::intptr_t>(&list)), 0);
-    EXPECT_EQ(list.count, 1);  // the module switch ran as well
+    EXPECT_EQ(int(list.count), 1);  // the module switch ran as well
 
     // An interface's own "not listed" answer is not what the host gets back.
     coreCoreUpdateDpaData update;

@@ -140,11 +140,12 @@ TEST(CModule, InformationRecordStoresNumbersInReverse) {
     const MODULE_INFO& info = module.Info();
     EXPECT_STREQ(info.name, "Test module");
     EXPECT_STREQ(info.description, "Noname module");
-    EXPECT_EQ(info.number3, 3);
-    EXPECT_EQ(info.number2, 2);
-    EXPECT_EQ(info.number1, 1);
-    EXPECT_EQ(info.fixed8, 8);
-    EXPECT_EQ(info.kind, 20);
+    // Packed fields are copied out before comparing (gtest binds references).
+    EXPECT_EQ(int(info.number3), 3);
+    EXPECT_EQ(int(info.number2), 2);
+    EXPECT_EQ(int(info.number1), 1);
+    EXPECT_EQ(int(info.fixed8), 8);
+    EXPECT_EQ(int(info.kind), 20);
     EXPECT_EQ(std::string(info.translateContext, 11), "TestContext");
 
     class Unnamed : public CModule {
@@ -166,7 +167,7 @@ TEST(CModule, InterfaceRequestCutsNameAndProviderToTheKindsLength) {
         kind = r->kind;
         provider = r->provider;
         name = r->name;
-        EXPECT_EQ(r->count, 1);
+        EXPECT_EQ(int(r->count), 1);
         r->result[0] = reinterpret_cast<void*>(std::intptr_t(0x4242));
         return 0;
     });
@@ -207,7 +208,7 @@ TEST(CModule, EmittingAnUnknownEventLogsAndLeavesTheRecordAlone) {
     EXPECT_EQ(module.CreateEvent("Known"), 77);
     EXPECT_EQ(module.EmitEvent("Known", event), 0);
     EXPECT_STREQ(event.name, "Known");
-    EXPECT_EQ(event.id, 77);
+    EXPECT_EQ(int(event.id), 77);
     const auto raised = host.find(MSG_EVENT_RAISE);
     ASSERT_EQ(raised.size(), 1u);
     EXPECT_EQ(raised[0].p1, 77);
@@ -226,9 +227,9 @@ TEST(CModule, SubscriptionRecordsCarryIdObjectAndMinusOne) {
     module.Init(host);
     module.SubscribeEvent("Quotes");
     EXPECT_STREQ(seen.name, "Quotes");
-    EXPECT_EQ(seen.zero, 0);
-    EXPECT_EQ(seen.object, static_cast<void*>(&module));
-    EXPECT_EQ(seen.last, -1);
+    EXPECT_EQ(int(seen.zero), 0);
+    EXPECT_EQ(static_cast<void*>(seen.object), static_cast<void*>(&module));
+    EXPECT_EQ(int(seen.last), -1);
 }
 
 TEST(CModule, FontManagerFollowsTheFirstSelectedLanguage) {

@@ -67,9 +67,10 @@ int PFChartModule::Dispatch(void* target, unsigned int message, std::intptr_t p1
             return 0;
         }
         case MSG_UNDO_REQUEST:
-            // The target widget of an undo request is never one of ours until chart
-            // windows exist, so there is nothing to undo and no reply to send.
-            return 0;
+            // The record names the chart widget to undo in. Until chart windows exist no
+            // widget is ours: the request is not handled, the record is not read and no
+            // reply (3141) is sent.
+            return 1;
         case MSG_CONVERT_TO_TYPE:
             return MwiConvertToType(p1, p2);
         case MSG_NEED_TO_CONVERT:

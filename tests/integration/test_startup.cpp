@@ -218,4 +218,9 @@ TEST_F(StartUp, WindowMessagesForUnknownWidgetsTouchNothing) {
     }
     EXPECT_EQ(notAWidget, 0);
     EXPECT_EQ(H().send(renko, MSG_WC_CREATE, 0), 0);
+
+    // An undo request naming a widget the module does not have is not handled and not answered.
+    std::int32_t undo[8] = {0, 0, 0, 0x1234, 0, 0, 0, 0};
+    EXPECT_EQ(H().send(nullptr, MSG_UNDO_REQUEST, reinterpret_cast<std::intptr_t>(undo)), 1);
+    EXPECT_TRUE(H().journal().find(MSG_UNDO_REPLY).empty());
 }

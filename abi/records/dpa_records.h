@@ -6,7 +6,9 @@
 #pragma pack(push, 1)
 
 // Field types of a data point; only the values, widths and reading rules are fixed.
-enum DATA_POINT_TYPES {
+// The 32-bit underlying type lets a descriptor's type word (any value the host wrote) be held
+// in the enumeration without undefined behaviour; values above 6 are not valid.
+enum DATA_POINT_TYPES : std::int32_t {
     DPT_UINT8 = 0,   // 1 byte
     DPT_UINT16 = 1,  // 2 bytes
     DPT_INT32 = 2,   // 4 bytes
@@ -35,6 +37,9 @@ PF_LAYOUT32(offsetof(coreNameInstrument, secondName) == 510);
 PF_LAYOUT32(offsetof(coreNameInstrument, period) == 765);
 PF_LAYOUT32(offsetof(coreNameInstrument, value) == 770);
 PF_LAYOUT64(sizeof(coreNameInstrument) == 774);
+
+// Pen type of a series (word 3 of coreTypeShow); the host defines the values.
+enum eCoreTypeShowPen : std::int32_t {};
 
 // Drawing attributes of a series: nine 32-bit words.
 struct coreTypeShow {

@@ -1,9 +1,21 @@
 // Records of the host's work-data store (XML documents held by the host).
 #pragma once
 
+#include "abi/records/dpa_records.h"
 #include "abi/records/layout.h"
 
 #pragma pack(push, 1)
+
+// Messages 3165 to 3170 address a node with p1 = coreSzNode* (dpa_records.h); only its node
+// word identifies the node. 3170 writes the node's entry count (attributes and child nodes
+// together) to p2 = int32_t*. 3169, 3167 and 3168 take p2 = coreSzParamList*:
+//   3169  the host writes each entry's valueLength (buffer length in 16-bit units, terminator
+//         included), kind and node, for the first `count` entries in its order;
+//   3167  the host fills name, value (at most valueLength units, always terminated), kind and
+//         node of the same entries;
+//   3168  the host stores every record whose kind is not 1 as an attribute (name, value) of
+//         the node; `params` is null when count is 0.
+// 3165 removes the node's attributes and children. Every answer is 0, or 1 on failure.
 
 // One attribute or child of a node (messages 3167 to 3170).
 struct coreSzParam {
@@ -24,7 +36,16 @@ PF_LAYOUT64(sizeof(coreSzParam) == 789);
 
 enum { CORE_SZ_PARAM_CHILD = 1 };
 
+// The parameter array of messages 3167 to 3169.
+struct coreSzParamList {
+    std::int32_t count;
+    coreSzParam* params;
+};
+PF_LAYOUT32(sizeof(coreSzParamList) == 8);
+PF_LAYOUT64(sizeof(coreSzParamList) == 12);
+
 // Message 3166: create a child node; the host writes the new node's handle (0 = failure).
+// The parent word alone identifies where the node goes; `flag` is carried for the host.
 struct coreCreateNode {
     void* document;
     void* document2;
@@ -52,5 +73,15 @@ struct coreHeadNodeInfo {
     char name[255];
 };
 PF_LAYOUT32(sizeof(coreHeadNodeInfo) == 765);
+
+// Where a data point array comes from: the head node of the host data object that made it
+// (3012) and the instrument, period and creation value of the array. A chart layout keeps
+// it so that a line can ask for the same data again after loading.
+struct coreDemandsIndicator {
+    coreHeadNodeInfo head;
+    coreNameInstrument instrument;
+};
+PF_LAYOUT32(sizeof(coreDemandsIndicator) == 1539);
+PF_LAYOUT64(sizeof(coreDemandsIndicator) == 1539);
 
 #pragma pack(pop)

@@ -11,6 +11,7 @@
 #include "gui/PFChartWidget.h"
 #include "module/ChartInterface.h"
 #include "module/PFChartModule.h"
+#include "xml/CXMLWorkData.h"
 
 namespace {
 
@@ -264,6 +265,31 @@ QString PFChartModule::GetWorkFolder() {
     return QString::fromUtf16(buffer.data());
 }
 
-CXMLWorkData* PFChartModule::getDefaultXml() { return nullptr; }
+CXMLWorkData* PFChartModule::getDefaultXml() {
+    if (!sendToHost) return nullptr;
+    const QString path = GetWorkFolder() + QStringLiteral("/etc/PFChartModule.rdd");
+    // The request holds 255 UTF-16 units with the terminator. Older builds copied the path
+    // without a bound and ran over the handle slot and beyond; a path that does not fit is
+    // refused here instead: there is no default-parameters file to open then.
+    coreOpenWorkData request;
+    std::memset(&request, 0, sizeof request);
+    const int capacity = int(sizeof request.path / sizeof request.path[0]) - 1;
+    if (path.size() > capacity) return nullptr;
+    std::memcpy(request.path, path.utf16(), sizeof(coreWChar) * std::size_t(path.size()));
+    sendToHost(hostHandle, MSG_WD_OPEN, Param(&request), 0);
+    void* document = request.handle;
+    if (!document) return nullptr;
+    try {
+        return new CXMLWorkData(hostHandle, document, "DefaultParametersPFChart", sendToHost);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
 
-void PFChartModule::saveDefaultXml(CXMLWorkData*) {}
+void PFChartModule::saveDefaultXml(CXMLWorkData* tree) {
+    if (!tree || !sendToHost) return;
+    coreSzNode node;
+    std::memset(&node, 0, sizeof node);
+    tree->fillNodeData(node);
+    sendToHost(hostHandle, MSG_WD_SAVE, Param(&node), 0);
+}

@@ -8,6 +8,7 @@
 #include "FakeHost.h"
 #include "module/ChartInterface.h"
 #include "module/PFChartModule.h"
+#include "xml/CXMLWorkData.h"
 
 namespace {
 
@@ -298,4 +299,47 @@ TEST_F(ChartModuleDealing, ConversionAnswersWithoutChartWindows) {
     EXPECT_EQ(Send(MSG_NEED_TO_CONVERT, negative), 0);
     EXPECT_EQ(std::vector<std::int32_t>(negative, negative + 3), (std::vector<std::int32_t>{-1, 5, 5}));
     EXPECT_EQ(Send(MSG_NEED_TO_CONVERT, nullptr), 0);
+}
+
+TEST_F(ChartModuleDealing, DefaultParametersFileInTheWorkFolder) {
+    QString folder = "/work/folder";
+    host.on(MSG_MAIN_WORK_FOLDER, [&](void*, std::intptr_t p1, std::intptr_t) {
+        std::memcpy(reinterpret_cast<void*>(p1), folder.utf16(), 2 * (folder.size() + 1));
+        return 0;
+    });
+    QString opened;
+    void* document = H(0x5D);
+    host.on(MSG_WD_OPEN, [&](void* target, std::intptr_t p1, std::intptr_t) {
+        auto* r = reinterpret_cast<coreOpenWorkData*>(p1);
+        EXPECT_EQ(target, host.handle());
+        opened = QString::fromUtf16(r->path);
+        r->handle = document;
+        return 0;
+    });
+    std::unique_ptr<CXMLWorkData> tree(module.getDefaultXml());
+    ASSERT_TRUE(tree);
+    EXPECT_EQ(opened, "/work/folder/etc/PFChartModule.rdd");
+    EXPECT_EQ(tree->document(), document);
+
+    coreSzNode saved = {0, 0, 0};
+    host.on(MSG_WD_SAVE, [&](void*, std::intptr_t p1, std::intptr_t) {
+        saved = *reinterpret_cast<coreSzNode*>(p1);
+        return 0;
+    });
+    module.saveDefaultXml(tree.get());
+    module.saveDefaultXml(nullptr);
+    EXPECT_EQ(host.find(MSG_WD_SAVE).size(), 1u);
+    EXPECT_EQ(saved.document, 0x5Du);
+
+    document = nullptr;  // the host opened nothing
+    EXPECT_EQ(module.getDefaultXml(), nullptr);
+    // 232 + 22 units fill the path field; one more is refused without asking the host.
+    folder = QString(232, QChar('f'));
+    host.clear();
+    delete module.getDefaultXml();
+    EXPECT_EQ(host.find(MSG_WD_OPEN).size(), 1u);
+    folder += 'f';
+    host.clear();
+    EXPECT_EQ(module.getDefaultXml(), nullptr);
+    EXPECT_TRUE(host.find(MSG_WD_OPEN).empty());
 }

@@ -1,20 +1,131 @@
-// The emulated terminal's data core: instruments from CSV price files and the chart-type providers (3008, 3012-3014, 3042, 3043).
+// The emulated terminal's data core: instruments from CSV price files, the computed
+// chart-type data objects of the Point and Figure, Renko and Kagi providers, and the
+// messages through which the module reaches them (3008, 3012-3014, 3042, 3043; it sends
+// 3009 when a subscribed object changes).
+//
+// API for pfhost and the tests:
+//
+//   Instruments. "USDCHF" (30-minute closes) and "TTRC" (daily composite) are built in
+//   and load from examples/ on first use; any other CSV loads by path:
+//       data::Instrument* instrument(name);
+//       data::Instrument* loadInstrument(path, InstrumentOptions{name, live}, &error);
+//   `live` keeps only the first quotes in the series and holds the rest back for replay.
+//
+//   Chart objects (what 3008 creates for the module): box size and reversal per object,
+//   zero meaning a default from the instrument's price range and precision.
+//       void* h = createChart("USDCHF", data::ChartType::PointAndFigure, {box, reversal});
+//       configure(h, settings);            // recompute with another box / reversal
+//       std::vector<fxDataPointArray*> a = arrays(h);   // exactly what 3042 hands out
+//       data::ChartObject* c = chart(h);   // records(), settings(), provider figures
+//   baseHandle(name) is the data object of the instrument's own quotes.
+//
+//   Replay: append(name, quote) or replay(name, n) adds quotes one at a time; every
+//   object of the instrument updates incrementally and each subscriber of a changed
+//   object is told with 3009 (sent to the subscription's interface target, the first
+//   word of its 3013 record). notices() lists what was sent.
+//
+// Handles are the host's small integer handles. Every message handler checks them: an
+// unknown handle or a null record answers 1.
 #pragma once
 
+#include <cstddef>
+#include <map>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "host/Host.h"
+#include "host/data/ChartType.h"
+#include "host/data/Instrument.h"
 
 namespace host {
 
-struct EmulatorOptions;
+namespace data {
+class BaseSeries;
+class ChartObject;
+class DataObject;
+}  // namespace data
+
+// How an instrument is loaded from a CSV file.
+struct InstrumentOptions {
+    std::string name;  // empty: from the file name ("usdchf-30min.csv" is "USDCHF")
+    long live = -1;    // quotes in the series at once; the rest wait for replay. -1: all
+};
 
 class DataCore {
 public:
     explicit DataCore(Host& host);
+    ~DataCore();
+    DataCore(const DataCore&) = delete;
+    DataCore& operator=(const DataCore&) = delete;
+
+    // ---- instruments ----
+    using LoadOptions = InstrumentOptions;
+    // Null with `error` set when the file is unusable or the name is taken.
+    data::Instrument* loadInstrument(const std::string& path, const LoadOptions& options = LoadOptions(),
+                                     std::string* error = nullptr);
+    // A loaded or built-in instrument; null when there is none of that name.
+    data::Instrument* instrument(const std::string& name);
+    // Names of the loaded and built-in instruments, sorted.
+    std::vector<std::string> instrumentNames() const;
+    // Path of a built-in instrument's file; empty for other names.
+    static std::string builtInPath(const std::string& name);
+    // The data object of the instrument's own quotes; null for an unknown instrument.
+    void* baseHandle(const std::string& name);
+
+    // ---- chart objects ----
+    // The interface handle at offset 0 of a 3008 record that selects each provider,
+    // registered with the host as kind "CHARTTYPE", provider "TELVIX" and the type's name.
+    void* providerInterface(data::ChartType type) const;
+    void* createChart(const std::string& instrument, data::ChartType type,
+                      const data::ChartSettings& settings = data::ChartSettings(), std::string* error = nullptr);
+    // New box size, reversal or percentage for a chart object; recomputes its records and
+    // notifies its subscribers. False (nothing changed) for a bad handle or settings.
+    bool configure(void* handle, const data::ChartSettings& settings, std::string* error = nullptr);
+    data::ChartObject* chart(void* handle) const;
+    // The arrays of a chart object or base series, as 3042 fills them; empty for a bad handle.
+    std::vector<fxDataPointArray*> arrays(void* handle) const;
+    // Forgets a chart object; its handle becomes unknown.
+    bool release(void* handle);
+
+    // ---- replay ----
+    // Appends one quote to the instrument's series. False for an unknown instrument or a
+    // quote older than the last one.
+    bool append(const std::string& instrument, const data::Quote& quote);
+    // Appends the next `count` held-back quotes; returns how many there were.
+    std::size_t replay(const std::string& instrument, std::size_t count);
+
+    struct Notice {
+        void* target;      // the interface the 3009 went to
+        void* handle;      // the data object that changed
+        void* subscriber;  // the widget that subscribed
+        std::int32_t reference;
+        int result;        // the module's answer (1 when no module is loaded)
+    };
+    const std::vector<Notice>& notices() const { return notices_; }
+    void clearNotices() { notices_.clear(); }
+    std::size_t subscriptionCount(void* handle) const;
 
 private:
+    data::DataObject* object(std::intptr_t handle) const;
+    void addBuiltIns();
+    data::Instrument* adopt(std::unique_ptr<data::Instrument> instrument, std::string* error);
+    void distribute(data::Instrument& instrument, const data::Quote& quote);
+    void notify(data::DataObject& object);
+
+    int createFromRecord(coreCreateDpaData* record, std::string& detail);
+    int headNode(std::intptr_t handle, coreHeadNodeInfo* info, std::string& detail);
+    int subscription(std::intptr_t handle, const coreDpaSubscription* record, bool add, std::string& detail);
+    int fillList(std::intptr_t handle, coreListCreateData* list, std::string& detail);
+    int countArrays(std::intptr_t handle, std::int32_t* count, std::string& detail);
+
     Host& host_;
+    std::map<std::string, std::unique_ptr<data::Instrument> > instruments_;
+    std::map<void*, std::unique_ptr<data::DataObject> > objects_;
+    std::map<const data::Instrument*, data::BaseSeries*> bases_;
+    void* providers_[3];
+    std::vector<Notice> notices_;
+    std::int32_t reference_ = 0;
 };
 
 }  // namespace host

@@ -1,0 +1,31 @@
+// The three computed chart types of the data core, their array names and the settings a
+// chart object is created with.
+#pragma once
+
+#include <string>
+
+namespace host {
+namespace data {
+
+// Values as the module's DataTypeShow: 0 Point and Figure, 1 Renko, 2 Kagi.
+enum class ChartType { PointAndFigure = 0, Renko = 1, Kagi = 2 };
+
+// The array name the module's renderer factory looks for: "Point and Figure", "Renko", "Kagi".
+const char* chartTypeName(ChartType type);
+// "pf", "renko", "kagi" (as `pfhost` takes them) or the array names; false when unknown.
+bool parseChartType(const std::string& text, ChartType* type);
+
+// Per chart object. Zero means "derive a default": the box from the instrument's price
+// range and precision, the reversal 3 boxes. Renko always reverses after two boxes and
+// ignores `reversal`. Kagi reverses after `percent` per cent of the last extreme when
+// `percent` is above zero, otherwise after `reversal` boxes.
+struct ChartSettings {
+    double box = 0;
+    int reversal = 0;
+    double percent = 0;
+};
+
+enum { kDefaultReversal = 3 };
+
+}  // namespace data
+}  // namespace host

@@ -1,0 +1,32 @@
+// Reads an instrument from a CSV price file: one header line naming the columns, then one
+// quote per line, comma separated, times as UNIX seconds (UTC). Two layouts are known:
+// "time,close" and "time,open,high,low,close,volume" (columns are found by name, in any
+// order). The precision is the largest number of decimals of any price; the period is
+// the most common distance between consecutive quotes.
+#pragma once
+
+#include <istream>
+#include <memory>
+#include <string>
+
+#include "host/data/Instrument.h"
+
+namespace host {
+namespace data {
+
+class CsvPriceReader {
+public:
+    // `name` empty: the file's base name up to its first '-' or '.', upper-cased
+    // ("usdchf-30min.csv" is "USDCHF"). Null with `error` set when the file is unusable.
+    static std::unique_ptr<Instrument> readFile(const std::string& path, const std::string& name,
+                                                std::string* error);
+    static std::unique_ptr<Instrument> read(std::istream& in, const std::string& name, std::string* error);
+
+    // The instrument name a file gets by default.
+    static std::string nameFromPath(const std::string& path);
+    // The period of quotes that are mostly `seconds` apart.
+    static namePeriod periodFromSpacing(std::int64_t seconds);
+};
+
+}  // namespace data
+}  // namespace host

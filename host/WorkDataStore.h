@@ -1,20 +1,86 @@
-// The emulated terminal's work-data store: XML documents and nodes by handle (3163-3170, 3012).
+// The emulated terminal's work-data store: XML documents on disk, opened by path, and
+// their nodes addressed by handle (messages 3163 to 3170; the records and what each
+// message carries are in abi/records/workdata_records.h).
+//
+// - 3163 opens a document: an existing file is parsed (a file that is not XML answers 1
+//   and handle 0); a missing file gives an empty document, saved to that path by 3164. A
+//   path already open gives the document already in memory.
+// - A document's handle is also the handle of the document node, whose only child is the
+//   root element. That is how the module binds to a root by name: it reads the document
+//   node's entries, takes the child of that name, and creates it (3166 on the document
+//   handle) when the document has no root yet. A second root is refused.
+// - Entries of a node (3167, 3169, 3170) are its attributes, in the order first written,
+//   then its child elements in document order. 3168 sets the attributes it carries and
+//   keeps the others; 3165 removes all attributes and children.
+// - Handles come from Host::newHandle and are never reused: a handle the store did not
+//   give out, or one of a node that was removed, answers 1 (and handle 0 where a handle is
+//   written back). Every record pointer and count is checked before use.
+// - 3164 writes the whole document holding the node, atomically; a document without a root
+//   element answers 1.
+//
+// Node and attribute names must be XML names without ':'; a write or creation with another
+// name is refused for that entry. 3012 (head node of a data object) belongs to the data core.
 #pragma once
 
-#include <string>
+#include <QString>
+#include <map>
+#include <memory>
+#include <vector>
 
 #include "host/Host.h"
 
 namespace host {
 
-struct EmulatorOptions;
+namespace workdata {
+struct Node;
+}
 
 class WorkDataStore {
 public:
     explicit WorkDataStore(Host& host);
+    ~WorkDataStore();
+    WorkDataStore(const WorkDataStore&) = delete;
+    WorkDataStore& operator=(const WorkDataStore&) = delete;
+
+    // The same operations for the emulator itself (and tests): each returns 0 or false on
+    // failure and fills `error` when given.
+    void* open(const QString& path, QString* error = nullptr);
+    bool save(void* node, QString* error = nullptr);
+    // The root element of a document, or 0.
+    void* root(void* document) const;
+    // The first child of `node` named `name`, or 0.
+    void* child(void* node, const QString& name) const;
+    void* createChild(void* parent, const QString& name);
+    // The record the host hands the module for `node` (3020 and 3021).
+    bool describe(void* node, coreSzNode* record) const;
+    // The node of a handle, or null.
+    const workdata::Node* node(void* handle) const;
+    // The document holding `node` as the XML that 3164 would write.
+    QByteArray text(void* node) const;
+    QString path(void* node) const;
 
 private:
+    struct Document;
+
+    workdata::Node* find(void* handle) const;
+    workdata::Node* find(std::uint32_t handle) const;
+    workdata::Node* findNode(const coreSzNode* record) const;
+    Document* documentOf(const workdata::Node* node) const;
+    void adopt(workdata::Node& node);
+    void forget(workdata::Node& node);
+
+    int onOpen(std::intptr_t p1, std::string& detail);
+    int onSave(std::intptr_t p1, std::string& detail);
+    int onClear(std::intptr_t p1, std::string& detail);
+    int onCreate(std::intptr_t p1, std::string& detail);
+    int onCount(std::intptr_t p1, std::intptr_t p2, std::string& detail);
+    int onLengths(std::intptr_t p1, std::intptr_t p2, std::string& detail);
+    int onRead(std::intptr_t p1, std::intptr_t p2, std::string& detail);
+    int onWrite(std::intptr_t p1, std::intptr_t p2, std::string& detail);
+
     Host& host_;
+    std::vector<std::unique_ptr<Document> > documents_;
+    std::map<void*, workdata::Node*> nodes_;
 };
 
 }  // namespace host

@@ -207,9 +207,11 @@ int CXMLWorkData::readParameters() {
         if (Send(MSG_WD_READ_PARAMS, reinterpret_cast<std::intptr_t>(&self),
                  reinterpret_cast<std::intptr_t>(&list)) != 0)
             return 0;
+        int taken = 0;
         for (int i = 0; i < count; ++i) {
             const coreSzParam& p = params[i];
             const QString name = Local8(p.name, sizeof p.name);
+            if (name.isEmpty()) continue;  // a record the host left unfilled
             if (p.kind == CORE_SZ_PARAM_CHILD) {
                 children_.push_back(ChildEntry{name, p.node});
             } else {
@@ -218,8 +220,9 @@ int CXMLWorkData::readParameters() {
                 attrs_.erase(item);
                 attrs_.insert(item);
             }
+            ++taken;
         }
-        return count;
+        return taken;
     } catch (...) {
         attrs_.clear();
         children_.clear();
@@ -451,7 +454,7 @@ bool CXMLWorkData::readDpaInfo(coreDemandsIndicator* info, int* found) const {
     if (found) *found = present ? 1 : 0;
     if (!info) return present;
     std::memset(info, 0, sizeof *info);
-    coreWChar instrument[sizeof info->instrument.name / sizeof(coreWChar)];
+    coreWChar instrument[sizeof info->instrument.name / sizeof(coreWChar)] = {};
     readString(kDpaInstrument, instrument, static_cast<int>(sizeof instrument / sizeof(coreWChar)));
     std::memcpy(info->instrument.name, instrument, sizeof instrument);
     readString(kDpaSecondName, info->instrument.secondName, sizeof info->instrument.secondName);

@@ -1,0 +1,184 @@
+// CXMLWorkData against the emulator's work-data store: written through the host callback,
+// saved to a real file, read by a fresh emulator.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <climits>
+#include <cstring>
+#include <memory>
+
+#include "host/Emulator.h"
+#include "host/WorkDataStore.h"
+#include "xml/CXMLWorkData.h"
+
+namespace {
+
+using Tree = std::unique_ptr<CXMLWorkData>;
+
+const char kRoot[] = "DefaultParametersPFChart";
+
+struct RoundTrip : ::testing::Test {
+    QTemporaryDir dir;
+    QString path = dir.filePath("etc/PFChartModule.rdd");
+    std::unique_ptr<host::Emulator> emulator{new host::Emulator};
+
+    void SetUp() override { ASSERT_TRUE(QDir().mkpath(dir.filePath("etc"))); }
+
+    host::Host& host() { return emulator->host(); }
+
+    // 3163 as the module sends it; 0 when the host refuses.
+    void* openDocument() {
+        coreOpenWorkData request;
+        std::memset(&request, 0, sizeof request);
+        std::memcpy(request.path, path.utf16(), path.size() * sizeof(coreWChar));
+        host::Host::callback(host().coreHandle(), MSG_WD_OPEN, reinterpret_cast<std::intptr_t>(&request), 0);
+        return request.handle;
+    }
+    Tree openRoot(const char* name = kRoot) {
+        return Tree(new CXMLWorkData(host().coreHandle(), openDocument(), name, &host::Host::callback));
+    }
+    int save(const CXMLWorkData& tree) {
+        coreSzNode node;
+        tree.fillNodeData(node);
+        return host::Host::callback(host().coreHandle(), MSG_WD_SAVE, reinterpret_cast<std::intptr_t>(&node), 0);
+    }
+    void restart() {
+        emulator.reset();
+        emulator.reset(new host::Emulator);
+    }
+    void writeFile(const QByteArray& bytes) {
+        QFile f(path);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(bytes);
+    }
+};
+
+const QString kAwkward = QString::fromUtf8(
+    "  <tag a=\"1\" b='2'> & &amp; \xc3\xa9\xe2\x82\xac\xf0\x9f\x98\x80\n\tline\r\n  ");
+
+TEST_F(RoundTrip, EveryTypedAttributeSurvivesTheFileAndAFreshHost) {
+    {
+        Tree root = openRoot();
+        ASSERT_TRUE(root->isValid());
+        Tree node(root->createNode("PointFigure"));
+        ASSERT_NE(node, nullptr);
+        node->writeInteger("IntMin", INT_MIN);
+        node->writeInteger("IntMax", INT_MAX);
+        node->writeInt64("Int64", -9223372036854775807LL - 1);
+        node->writeBool("On", true);
+        node->writeBool("Off", false);
+        node->writeFloat("Float", 1.3579246f, 8);
+        node->writeDouble("Double", -2.718281828459045);
+        node->writeString("Text", kAwkward);
+        node->writeString("Empty", QString());
+        node->writeColor("Colour", QColor(10, 20, 30, 40));
+        node->writeFont("AreasFont", QFont("DejaVu Sans", 11, 75, true));
+        EXPECT_EQ(node->writeParameters(), 0);
+        Tree inner(node->createNode("Nested"));
+        inner->writeInteger("Depth", 2);
+        EXPECT_EQ(inner->writeParameters(), 0);
+        EXPECT_EQ(save(*root), 0);
+    }
+    EXPECT_EQ(QProcess::execute("xmllint", {"--noout", path}), 0);
+    restart();
+
+    Tree root = openRoot();
+    Tree node(root->getFirstNode("PointFigure"));
+    ASSERT_NE(node, nullptr);
+    EXPECT_EQ(node->readInteger("IntMin"), INT_MIN);
+    EXPECT_EQ(node->readInteger("IntMax"), INT_MAX);
+    EXPECT_EQ(node->readInt64("Int64"), -9223372036854775807LL - 1);
+    EXPECT_TRUE(node->readBool("On"));
+    EXPECT_FALSE(node->readBool("Off", true));
+    EXPECT_EQ(node->readFloat("Float"), 1.3579246f);
+    EXPECT_EQ(node->readDouble("Double"), -2.718281828459045);
+    EXPECT_EQ(node->readString("Text"), kAwkward);
+    EXPECT_EQ(node->readString("Empty", "default"), "");
+    EXPECT_EQ(node->readColor("Colour", Qt::black), QColor(10, 20, 30));
+    const QFont font = node->readFont("AreasFont", QFont());
+    EXPECT_EQ(font.family(), "DejaVu Sans");
+    EXPECT_EQ(font.pointSize(), 11);
+    EXPECT_EQ(font.weight(), 75);
+    EXPECT_TRUE(font.italic());
+    EXPECT_FALSE(font.underline());
+    Tree inner(node->getFirstNode("Nested"));
+    ASSERT_NE(inner, nullptr);
+    EXPECT_EQ(inner->readInteger("Depth"), 2);
+}
+
+TEST_F(RoundTrip, AHandEditedDocumentReadsWithTheDefaults) {
+    writeFile("<?xml version=\"1.0\"?>\n<DefaultParametersPFChart>\n"
+              "  <Renko FreeStep=\"many\" GridColor=\"-16777216\" Note=\"a&#10;b\">\n"
+              "    <AreasFont Family=\"Arial\" Size=\"9\"/>\n"
+              "  </Renko>\n</DefaultParametersPFChart>\n");
+    Tree root = openRoot();
+    Tree renko(root->getFirstNode("Renko"));
+    ASSERT_NE(renko, nullptr);
+    EXPECT_EQ(renko->readInteger("FreeStep", 15), 0) << "non-numeric: toInt's 0";
+    EXPECT_EQ(renko->readInteger("bAutoScroll", 0), 0);
+    EXPECT_EQ(renko->readInteger("GridShow", 1), 1) << "absent: the default";
+    EXPECT_EQ(renko->readColor("GridColor", Qt::red), QColor(Qt::black));
+    EXPECT_EQ(renko->readString("Note"), "a\nb");
+    const QFont font = renko->readFont("AreasFont", QFont("Courier", 5, 75, true));
+    EXPECT_EQ(font.family(), "Arial");
+    EXPECT_EQ(font.pointSize(), 9);
+    EXPECT_EQ(font.weight(), 75) << "a missing flag takes the default font's";
+    EXPECT_TRUE(font.italic());
+}
+
+TEST_F(RoundTrip, ChildrenAreWalkedByNameInDocumentOrder) {
+    Tree root = openRoot();
+    for (int i = 0; i < 3; ++i) {
+        Tree area(root->createNode(i == 1 ? "Other" : "PFArea"));
+        area->writeInteger("Index", i);
+        area->writeParameters();
+    }
+    root->writeFont("Font", QFont("Arial", 8));
+    root->writeFont("Font", QFont("Arial", 12));
+    root = openRoot();
+    Tree area(root->getFirstNode("PFArea"));
+    int seen = 0;
+    for (; area; area.reset(root->getNextNode())) seen += area->readInteger("Index", -1) + 10;
+    EXPECT_EQ(seen, 0 + 10 + 2 + 10);
+    EXPECT_EQ(root->getNextNode(), nullptr);
+    EXPECT_EQ(root->getCountParamsInTag(), 4) << "the font child was reused";
+    EXPECT_EQ(root->readFont("Font", QFont()).pointSize(), 12);
+
+    EXPECT_EQ(root->clearNode(), 0);
+    EXPECT_EQ(root->getFirstNode("PFArea"), nullptr);
+    EXPECT_EQ(root->getCountParamsInTag(), 0);
+}
+
+TEST_F(RoundTrip, TheRootIsFoundOrCreatedByName) {
+    Tree first = openRoot();
+    ASSERT_TRUE(first->isValid());
+    EXPECT_EQ(openRoot()->node(), first->node()) << "the same document and root again";
+    EXPECT_FALSE(openRoot("MainWindow")->isValid()) << "a document has one root";
+    EXPECT_EQ(save(*first), 0);
+    restart();
+    EXPECT_EQ(openRoot()->getCountParamsInTag(), 0);
+    EXPECT_FALSE(openRoot("MainWindow")->isValid());
+}
+
+TEST_F(RoundTrip, ReadingAndWritingFollowTheMessageOrder) {
+    Tree root = openRoot();
+    root->writeInteger("A", 1);
+    host().journal().clear();
+    EXPECT_EQ(root->writeParameters(), 0);
+    root->readParameters();
+    const auto order = host().journal().messages();
+    EXPECT_EQ(order, (std::vector<unsigned int>{MSG_WD_WRITE_PARAMS, MSG_WD_PARAM_COUNT,
+                                                MSG_WD_PARAM_LENGTHS, MSG_WD_READ_PARAMS}));
+    for (const auto& e : host().journal().entries()) EXPECT_EQ(e.result, 0) << e.message;
+    EXPECT_EQ(root->readInteger("A"), 1);
+
+    CXMLWorkData stale(host().coreHandle(), nullptr, reinterpret_cast<void*>(0x7ff0), &host::Host::callback);
+    EXPECT_EQ(stale.writeParameters(), 1);
+    EXPECT_EQ(stale.createNode("X"), nullptr);
+    EXPECT_EQ(stale.clearNode(), 1);
+}
+
+}  // namespace

@@ -1,0 +1,57 @@
+#include "data/PFData.h"
+
+#include <QPainter>
+#include <QRect>
+#include <cmath>
+
+namespace pf {
+
+PFData::PFData(gx::Line* line, const boost::shared_ptr<ScaleEngine>& engine)
+    : PointData(line, engine) {}
+
+void PFData::Draw(QPainter& painter, fxDataPointArray* array) {
+    Frame f;
+    if (!BeginDraw(array, f)) return;
+    const ScaleEngine& e = *engine_;
+    const QPen xPen = MakePen(f.colour0);
+    const QPen oPen = MakePen(f.colour1);
+    // An X box spans one pixel more than the O drawn in the same column.
+    const long double step = f.step;
+    const int oWidth = TruncToPixel(1 + step);
+
+    for (int i = f.first; i < f.end; ++i, xPos_ += f.step) {
+        const fxChartTypeRecord r = Record(array, i);
+        const int px = TruncToPixel(xPos_ + 0.5L);
+        const long long boxes =
+            static_cast<long long>(TruncToInt(std::fabs(static_cast<long double>(r.value) - r.end) /
+                                                  r.step + 0.5L)) + 1;
+        if (boxes < 1) continue;
+        const bool rising = r.type != 0;
+        painter.setPen(rising ? xPen : oPen);
+        const int x2 = TruncToPixel(px + 1 + step);
+        float v = r.value;
+        for (long long b = 0; b < boxes; ++b) {
+            const int y1 = e.TranslateY(v);
+            v = v + r.step;
+            const int y2 = e.TranslateY(v);
+            if (rising) {
+                painter.drawLine(px, y1, x2, y2);
+                painter.drawLine(px, y2, x2, y1);
+            } else {
+                painter.drawEllipse(QRect(QPoint(px, y1), QPoint(px + oWidth - 1, y2 - 1)));
+            }
+        }
+    }
+}
+
+bool PFData::IsUnderMouse(const QPoint& point, fxDataPointArray* array, const QString& name,
+                          QString& text) {
+    const ScaleEngine* e = engine_.get();
+    return HitTest(array, name, text, [&](int, const fxChartTypeRecord& r, int xa, int xb) {
+        const QRect box(QPoint(xa, e->TranslateY(r.end + r.step)),
+                        QPoint(xb - 1, e->TranslateY(r.value) - 1));
+        return box.contains(point, false);
+    });
+}
+
+}  // namespace pf

@@ -1,0 +1,20 @@
+// Point and Figure renderer: each record is a column of X boxes (rising, TYPE != 0) or
+// O boxes (falling, TYPE 0), stacked upwards from VALUE one STEP at a time.
+#pragma once
+
+#include "data/PointData.h"
+
+namespace pf {
+
+class PFData : public PointData {
+public:
+    PFData(gx::Line* line, const boost::shared_ptr<ScaleEngine>& engine);
+
+    void Draw(QPainter& painter, fxDataPointArray* array) override;
+    // The hit rectangle of a column runs from the row of END + STEP down to the row just
+    // above VALUE, across the column's width less its last pixel.
+    bool IsUnderMouse(const QPoint& point, fxDataPointArray* array, const QString& name,
+                      QString& text) override;
+};
+
+}  // namespace pf

@@ -1,9 +1,158 @@
 #include "host/DealingService.h"
 
-#include "host/Emulator.h"
+#include <algorithm>
+#include <cstring>
+
+#include "host/CoreServices.h"
 
 namespace host {
 
-DealingService::DealingService(Host& host) : host_(host) {}
+DealingService::DealingService(Host& host, CoreServices& core) : host_(host), core_(core) {
+    host_.on(MSG_DEAL_ACCOUNT_COUNT, [this](void* target, std::intptr_t p1, std::intptr_t, std::string& d) {
+        return countAccounts(target, reinterpret_cast<fxdAccountRequest*>(p1), false, d);
+    });
+    host_.on(MSG_DEAL_ACCOUNT_LIST, [this](void* target, std::intptr_t p1, std::intptr_t, std::string& d) {
+        return countAccounts(target, reinterpret_cast<fxdAccountRequest*>(p1), true, d);
+    });
+    host_.on(MSG_DEAL_DAYOFF_COUNT, [this](void* target, std::intptr_t p1, std::intptr_t p2, std::string& d) {
+        return countDayOff(target, int(p1), reinterpret_cast<fxdDayOffRequest*>(p2), false, d);
+    });
+    host_.on(MSG_DEAL_DAYOFF_LIST, [this](void* target, std::intptr_t p1, std::intptr_t p2, std::string& d) {
+        return countDayOff(target, int(p1), reinterpret_cast<fxdDayOffRequest*>(p2), true, d);
+    });
+}
+
+void* DealingService::addDealing(const std::string& name) {
+    void* handle = host_.newHandle();
+    dealings_[handle].name = name;
+    host_.addInterface({"DEALING", "TELVIX", name, handle});
+    return handle;
+}
+
+DealingService::Dealing* DealingService::find(void* handle) {
+    auto it = dealings_.find(handle);
+    return it == dealings_.end() ? nullptr : &it->second;
+}
+
+const DealingService::Dealing* DealingService::find(void* handle) const {
+    auto it = dealings_.find(handle);
+    return it == dealings_.end() ? nullptr : &it->second;
+}
+
+fxdDealAccount DealingService::makeAccount(void* dealing, int id, const QString& name) {
+    fxdDealAccount account;
+    std::memset(&account, 0, sizeof account);
+    // Handles of this host fit the record's 32-bit word.
+    account.dealHandle = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(dealing));
+    account.accountId = id;
+    const int n = std::min(name.size(), int(sizeof account.name / sizeof account.name[0]) - 1);
+    std::memcpy(account.name, name.utf16(), std::size_t(n) * sizeof(coreWChar));
+    return account;
+}
+
+bool DealingService::addAccount(void* dealing, int id, const QString& name) {
+    Dealing* d = find(dealing);
+    if (!d) return false;
+    d->accounts.push_back(makeAccount(dealing, id, name));
+    return true;
+}
+
+bool DealingService::removeAccount(void* dealing, int id) {
+    Dealing* d = find(dealing);
+    if (!d) return false;
+    auto it = std::find_if(d->accounts.begin(), d->accounts.end(),
+                           [id](const fxdDealAccount& a) { return a.accountId == id; });
+    if (it == d->accounts.end()) return false;
+    d->accounts.erase(it);
+    return true;
+}
+
+std::vector<fxdDealAccount> DealingService::accounts(void* dealing) const {
+    const Dealing* d = find(dealing);
+    return d ? d->accounts : std::vector<fxdDealAccount>();
+}
+
+bool DealingService::setDayOff(void* dealing, int accountId, const std::string& symbol, bool dayOff) {
+    Dealing* d = find(dealing);
+    if (!d) return false;
+    std::vector<fxdDayOff>& table = d->dayOff[accountId];
+    for (fxdDayOff& r : table) {
+        if (std::string(r.symbol, strnlen(r.symbol, sizeof r.symbol)) == symbol.substr(0, sizeof r.symbol)) {
+            r.dayOff = dayOff ? 1 : 0;
+            return true;
+        }
+    }
+    fxdDayOff r;
+    std::memset(&r, 0, sizeof r);
+    std::memcpy(r.symbol, symbol.data(), std::min(symbol.size(), sizeof r.symbol));
+    r.dayOff = dayOff ? 1 : 0;
+    table.push_back(r);
+    return true;
+}
+
+int DealingService::countAccounts(void* target, fxdAccountRequest* request, bool fill,
+                                  std::string& detail) {
+    const Dealing* d = find(target);
+    if (!d || !request) return 1;
+    const std::int32_t available = std::int32_t(d->accounts.size());
+    if (!fill) {
+        request->count = available;
+        detail = "accounts=" + std::to_string(available);
+        return 0;
+    }
+    if (!request->accounts || request->count < 1) return 1;
+    const std::int32_t n = std::min(request->count, available);
+    for (std::int32_t i = 0; i < n; ++i) request->accounts[i] = d->accounts[std::size_t(i)];
+    detail = "accounts=" + std::to_string(n);
+    return 0;
+}
+
+int DealingService::countDayOff(void* target, int accountId, fxdDayOffRequest* request, bool fill,
+                                std::string& detail) {
+    const Dealing* d = find(target);
+    if (!d || !request) return 1;
+    auto it = d->dayOff.find(accountId);
+    const std::int32_t available = it == d->dayOff.end() ? 0 : std::int32_t(it->second.size());
+    detail = "account=" + std::to_string(accountId) + " ";
+    if (!fill) {
+        request->count = available;
+        detail += "symbols=" + std::to_string(available);
+        return 0;
+    }
+    if (!request->records || request->count < 1) return 1;
+    // Never more than the module made room for.
+    const std::int32_t n = std::min(request->count, available);
+    int closed = 0;
+    for (std::int32_t i = 0; i < n; ++i) {
+        request->records[i] = it->second[std::size_t(i)];
+        closed += request->records[i].dayOff ? 1 : 0;
+    }
+    detail += "symbols=" + std::to_string(n) + " dayoff=" + std::to_string(closed);
+    return 0;
+}
+
+int DealingService::raiseAccountAdded(void* dealing, int id, const QString& name) {
+    if (!addAccount(dealing, id, name)) return 0;
+    fxdDealAccount account = makeAccount(dealing, id, name);
+    return core_.raiseEvent(eventName(), EVENT_ACCOUNT_ADDED, &account, 1);
+}
+
+int DealingService::raiseAccountRemoved(void* dealing, int id) {
+    const Dealing* d = find(dealing);
+    if (!d) return 0;
+    auto it = std::find_if(d->accounts.begin(), d->accounts.end(),
+                           [id](const fxdDealAccount& a) { return a.accountId == id; });
+    if (it == d->accounts.end()) return 0;
+    fxdDealAccount account = *it;
+    removeAccount(dealing, id);
+    return core_.raiseEvent(eventName(), EVENT_ACCOUNT_REMOVED, &account, 1);
+}
+
+int DealingService::raiseDayOff(void* dealing, int accountId) {
+    fxdDayOffEventPayload payload;
+    payload.dealHandle = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(dealing));
+    payload.accountId = accountId;
+    return core_.raiseEvent(eventName(), EVENT_DAYOFF_CHANGED, &payload, 1);
+}
 
 }  // namespace host

@@ -25,7 +25,7 @@ Emulator::Emulator(const EmulatorOptions& options) : options_(options), host_(ne
     data_.reset(new DataCore(*host_));
     workData_.reset(new WorkDataStore(*host_));
     mainWindow_.reset(new MainWindowService(*host_, options_.workFolder));
-    dealing_.reset(new DealingService(*host_));
+    dealing_.reset(new DealingService(*host_, *core_));
 }
 
 Emulator::~Emulator() {

@@ -182,3 +182,17 @@ TEST_F(RoundTrip, ReadingAndWritingFollowTheMessageOrder) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(RoundTrip, TheSampleDefaultParametersFileReads) {
+    ASSERT_TRUE(QFile::copy(PF_EXAMPLES_DIR "/layouts/PFChartModule.rdd", path));
+    Tree root = openRoot();
+    Tree kagi(root->getFirstNode("Kagi"));
+    ASSERT_NE(kagi, nullptr);
+    EXPECT_EQ(kagi->readInteger("FreeStep", 0), 15);
+    EXPECT_EQ(kagi->readColor("GridColor", Qt::black), QColor(236, 233, 216));
+    EXPECT_EQ(kagi->readFont("AreasFont", QFont()).pointSize(), 9);
+}
+
+}  // namespace

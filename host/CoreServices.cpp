@@ -187,7 +187,8 @@ int CoreServices::countInterfaces(coreInterfaceRequest* record, std::int32_t* co
     const auto found = host_.findInterfaces(field(record->kind, sizeof record->kind),
                                             field(record->provider, sizeof record->provider),
                                             field(record->name, sizeof record->name));
-    *count = std::int32_t(found.size());
+    const std::int32_t n = std::int32_t(found.size());
+    std::memcpy(count, &n, sizeof n);  // the count field of a packed record: any alignment
     detail = "count " + field(record->kind, sizeof record->kind) + " = " + std::to_string(found.size());
     return 0;
 }

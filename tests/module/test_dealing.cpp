@@ -31,6 +31,9 @@ fxdDayOff DayOff(const char* symbol, int flag) {
     return r;
 }
 
+// The count field of the module's packed request record, read by value.
+std::int32_t DealCount(const PFChartModule& module) { return module.GetDealRequest().count; }
+
 std::vector<int> Ids(const AccountList& list) {
     std::vector<int> ids;
     for (const auto& entry : list.GetEntries()) ids.push_back(entry->GetAccountId());
@@ -78,7 +81,7 @@ TEST(ChartModuleWithoutHost, EveryRequestIsNeutral) {
     module.SendMainAboutChange();
     EXPECT_EQ(module.ReceiveMessageWrap(nullptr, MSG_DEALING_READY, 0, 0), 0);
     EXPECT_TRUE(module.GetAccountList().empty());
-    EXPECT_EQ(module.GetDealRequest().count, 0);
+    EXPECT_EQ(DealCount(module), 0);
     EXPECT_FALSE(module.IsDayOff("EURUSD"));
     std::int32_t list[3] = {0, -1, -1};
     EXPECT_EQ(module.ReceiveMessageWrap(nullptr, MSG_NEED_TO_CONVERT, reinterpret_cast<std::intptr_t>(list), 0), 0);
@@ -105,7 +108,7 @@ protected:
             return 0;
         });
         host.on(MSG_COUNT_INTERFACES, [this](void*, std::intptr_t, std::intptr_t p2) {
-            *reinterpret_cast<std::int32_t*>(p2) = dealings;
+            std::memcpy(reinterpret_cast<void*>(p2), &dealings, sizeof dealings);  // packed field
             return 0;
         });
         host.on(MSG_DEAL_ACCOUNT_COUNT, [this](void* target, std::intptr_t p1, std::intptr_t) {
@@ -211,7 +214,7 @@ TEST_F(ChartModuleDealing, AccountsOfEveryDealInterfaceInOrder) {
     EXPECT_EQ(count.p2, count.p1 + 765);
     EXPECT_EQ(host.calls()[2].target, H(0xD1));
     EXPECT_EQ(host.calls()[4].target, H(0xD2));
-    EXPECT_EQ(module.GetDealRequest().count, 2);
+    EXPECT_EQ(DealCount(module), 2);
     EXPECT_EQ(std::string(module.GetDealRequest().kind), "DEALING");
     // Id 0 is no account; id 2 of the second dealing is already listed from the first.
     EXPECT_EQ(Ids(module.GetAccountList()), (std::vector<int>{1, 2, 3}));
@@ -225,7 +228,7 @@ TEST_F(ChartModuleDealing, UnbelievableCountsAllocateNothing) {
         host.clear();
         Send(MSG_DEALING_READY);
         EXPECT_EQ(host.messages(), std::vector<unsigned int>{3002}) << bad;
-        EXPECT_EQ(module.GetDealRequest().count, 0);
+        EXPECT_EQ(DealCount(module), 0);
         EXPECT_TRUE(module.GetAccountList().empty());
     }
     dealings = 2;

@@ -4,9 +4,43 @@
 #include <cstring>
 
 #include "host/Emulator.h"
+#include "host/cli/ChartPicture.h"
 #include "host/cli/Commands.h"
 
 namespace {
+
+// The three chart types of the USD/CHF example data, drawn by the module's renderers into
+// `folder` as usdchf-pf.png, usdchf-renko.png and usdchf-kagi.png.
+int drawCharts(host::Emulator& emulator, const QString& folder) {
+    if (!QDir().mkpath(folder)) {
+        std::fprintf(stderr, "pfhost: cannot create %s\n", qPrintable(folder));
+        return 1;
+    }
+    const struct {
+        host::data::ChartType type;
+        const char* file;
+    } charts[] = {{host::data::ChartType::PointAndFigure, "usdchf-pf.png"},
+                  {host::data::ChartType::Renko, "usdchf-renko.png"},
+                  {host::data::ChartType::Kagi, "usdchf-kagi.png"}};
+    std::printf("\ncharts:\n");
+    for (const auto& c : charts) {
+        host::cli::ChartPicture picture;
+        picture.instrument = "USDCHF";
+        picture.type = c.type;
+        std::string error;
+        const QString path = QDir(folder).filePath(QLatin1String(c.file));
+        if (!host::cli::DrawChart(emulator, picture, &error)) {
+            std::fprintf(stderr, "pfhost: %s\n", error.c_str());
+            return 1;
+        }
+        if (!picture.image.save(path, "PNG")) {
+            std::fprintf(stderr, "pfhost: cannot write %s\n", qPrintable(path));
+            return 1;
+        }
+        std::printf("  %s: %s\n", qPrintable(path), qPrintable(picture.Describe()));
+    }
+    return 0;
+}
 
 int runDemo(const QStringList& args) {
     host::Emulator emulator(host::cli::emulatorOptions(args));
@@ -22,7 +56,7 @@ int runDemo(const QStringList& args) {
                 host::describeModuleInfo(info).c_str());
     emulator.startUp();
     std::printf("\nstart-up exchange:\n%s", emulator.host().journal().dump().c_str());
-    return 0;
+    return drawCharts(emulator, host::cli::option(args, "--out", "demo-out"));
 }
 
 }  // namespace

@@ -138,14 +138,12 @@ int DealingService::raiseAccountAdded(void* dealing, int id, const QString& name
 }
 
 int DealingService::raiseAccountRemoved(void* dealing, int id) {
-    const Dealing* d = find(dealing);
-    if (!d) return 0;
-    auto it = std::find_if(d->accounts.begin(), d->accounts.end(),
-                           [id](const fxdDealAccount& a) { return a.accountId == id; });
-    if (it == d->accounts.end()) return 0;
-    fxdDealAccount account = *it;
-    removeAccount(dealing, id);
-    return core_.raiseEvent(eventName(), EVENT_ACCOUNT_REMOVED, &account, 1);
+    for (fxdDealAccount account : accounts(dealing)) {
+        if (account.accountId != id) continue;
+        removeAccount(dealing, id);
+        return core_.raiseEvent(eventName(), EVENT_ACCOUNT_REMOVED, &account, 1);
+    }
+    return 0;
 }
 
 int DealingService::raiseDayOff(void* dealing, int accountId) {

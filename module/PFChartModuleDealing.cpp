@@ -53,6 +53,28 @@ void* FindInterfaceOnce(HostCallback send, void* core, void*& cache, const char*
     return cache;
 }
 
+// The host hands an array of records over in two steps through a request {count, array}:
+// first it writes the count, then it fills an array of that many zeroed records. `send`
+// delivers one step's message with the request. Null, with `n` 0, when the count is not
+// believable or the array cannot be allocated; the second step is skipped then.
+template <typename Request, typename Record, typename Send>
+std::unique_ptr<Record[]> FetchRecords(Record* Request::*array, unsigned int countMessage,
+                                       unsigned int listMessage, std::int32_t& n, Send send) {
+    Request request;
+    std::memset(&request, 0, sizeof request);
+    send(countMessage, &request);
+    n = request.count;
+    std::unique_ptr<Record[]> records(Believable(n) ? new (std::nothrow) Record[n]() : nullptr);
+    if (!records) {
+        n = 0;
+        return records;
+    }
+    request.count = n;
+    request.*array = records.get();
+    send(listMessage, &request);
+    return records;
+}
+
 QString DayOffSymbol(const fxdDayOff& record) {
     // The symbol is NUL-terminated within its 19 bytes; a host that fills all 19 still
     // gets no read past the field.
@@ -108,15 +130,12 @@ void PFChartModule::getStartAccount(coreInterfaceRequest* record) {
     for (std::int32_t i = 0; i < count; ++i) {
         void* deal = handles[i];
         if (!deal) continue;  // a slot the host left unfilled names no deal interface
-        fxdAccountRequest request = {0, nullptr};
-        sendToHost(deal, MSG_DEAL_ACCOUNT_COUNT, Param(&request), 0);
-        const std::int32_t n = request.count;
-        if (!Believable(n)) continue;
-        std::unique_ptr<fxdDealAccount[]> list(new (std::nothrow) fxdDealAccount[n]());
-        if (!list) continue;
-        request.count = n;
-        request.accounts = list.get();
-        sendToHost(deal, MSG_DEAL_ACCOUNT_LIST, Param(&request), 0);
+        std::int32_t n = 0;
+        const auto list = FetchRecords(
+            &fxdAccountRequest::accounts, MSG_DEAL_ACCOUNT_COUNT, MSG_DEAL_ACCOUNT_LIST, n,
+            [&](unsigned int message, fxdAccountRequest* request) {
+                sendToHost(deal, message, Param(request), 0);
+            });
         for (std::int32_t k = 0; k < n; ++k)
             if (list[k].accountId != 0) accounts_.addToAccountList(list[k], deal);
     }
@@ -130,15 +149,13 @@ bool PFChartModule::IsDayOff(const QString& symbol) const {
 void PFChartModule::UpdateDayOffStatusForDealing(void* dealHandle, int accountId, bool clear) {
     // A null handle names no dealing: the message would go to the host core instead.
     if (!sendToHost || !dealHandle) return;
-    fxdDayOffRequest request = {0, nullptr};
-    sendToHost(dealHandle, MSG_DEAL_DAYOFF_COUNT, accountId, Param(&request));
-    const std::int32_t n = request.count;
-    if (!Believable(n)) return;
-    std::unique_ptr<fxdDayOff[]> records(new (std::nothrow) fxdDayOff[n]());
+    std::int32_t n = 0;
+    const auto records = FetchRecords(
+        &fxdDayOffRequest::records, MSG_DEAL_DAYOFF_COUNT, MSG_DEAL_DAYOFF_LIST, n,
+        [&](unsigned int message, fxdDayOffRequest* request) {
+            sendToHost(dealHandle, message, accountId, Param(request));
+        });
     if (!records) return;
-    request.count = n;
-    request.records = records.get();
-    sendToHost(dealHandle, MSG_DEAL_DAYOFF_LIST, accountId, Param(&request));
     if (clear)
         for (std::int32_t i = 0; i < n; ++i) records[i].dayOff = 0;
     for (std::int32_t i = 0; i < n; ++i) dayOff_[DayOffSymbol(records[i])] = records[i].dayOff != 0;

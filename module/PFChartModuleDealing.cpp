@@ -58,8 +58,8 @@ void* FindInterfaceOnce(HostCallback send, void* core, void*& cache, const char*
 // delivers one step's message with the request. Null, with `n` 0, when the count is not
 // believable or the array cannot be allocated; the second step is skipped then.
 template <typename Request, typename Record, typename Send>
-std::unique_ptr<Record[]> FetchRecords(Record* Request::*array, unsigned int countMessage,
-                                       unsigned int listMessage, std::int32_t& n, Send send) {
+std::unique_ptr<Record[]> FetchRecords(unsigned int countMessage, unsigned int listMessage,
+                                       std::int32_t& n, Send send) {
     Request request;
     std::memset(&request, 0, sizeof request);
     send(countMessage, &request);
@@ -69,8 +69,7 @@ std::unique_ptr<Record[]> FetchRecords(Record* Request::*array, unsigned int cou
         n = 0;
         return records;
     }
-    request.count = n;
-    request.*array = records.get();
+    request = Request{n, records.get()};  // whole-record store: the fields are packed
     send(listMessage, &request);
     return records;
 }
@@ -131,8 +130,8 @@ void PFChartModule::getStartAccount(coreInterfaceRequest* record) {
         void* deal = handles[i];
         if (!deal) continue;  // a slot the host left unfilled names no deal interface
         std::int32_t n = 0;
-        const auto list = FetchRecords(
-            &fxdAccountRequest::accounts, MSG_DEAL_ACCOUNT_COUNT, MSG_DEAL_ACCOUNT_LIST, n,
+        const auto list = FetchRecords<fxdAccountRequest, fxdDealAccount>(
+            MSG_DEAL_ACCOUNT_COUNT, MSG_DEAL_ACCOUNT_LIST, n,
             [&](unsigned int message, fxdAccountRequest* request) {
                 sendToHost(deal, message, Param(request), 0);
             });
@@ -150,8 +149,8 @@ void PFChartModule::UpdateDayOffStatusForDealing(void* dealHandle, int accountId
     // A null handle names no dealing: the message would go to the host core instead.
     if (!sendToHost || !dealHandle) return;
     std::int32_t n = 0;
-    const auto records = FetchRecords(
-        &fxdDayOffRequest::records, MSG_DEAL_DAYOFF_COUNT, MSG_DEAL_DAYOFF_LIST, n,
+    const auto records = FetchRecords<fxdDayOffRequest, fxdDayOff>(
+        MSG_DEAL_DAYOFF_COUNT, MSG_DEAL_DAYOFF_LIST, n,
         [&](unsigned int message, fxdDayOffRequest* request) {
             sendToHost(dealHandle, message, accountId, Param(request));
         });

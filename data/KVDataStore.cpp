@@ -41,7 +41,7 @@ CKVDataLine* CKVDataStore::AddLine() {
 void CKVDataStore::Update(coreListCreateData* list) {
     if (!list || !list->arrays) return;
     // Only lines that exist are updated; a longer list does not reach past them.
-    const std::size_t n = std::min(lines_.size(), static_cast<std::size_t>(std::max(0, list->count)));
+    const std::size_t n = std::min(lines_.size(), static_cast<std::size_t>(std::max(0, +list->count)));
     for (std::size_t i = 0; i < n; ++i) lines_[i].Update(list->arrays[i]);
 }
 

@@ -193,7 +193,7 @@ void CKVLineBase::Create(fxDataPointArray* array) {
     ResetOffsets();
     // The maps keep what earlier arrays put there; a later duplicate name wins.
     const fxDataPointField* fields = array->fields;
-    const int n = fields ? std::clamp<int>(array->fieldCount, 0, FX_MAX_DATA_POINT_FIELDS) : 0;
+    const int n = fields ? std::clamp<int>(+array->fieldCount, 0, FX_MAX_DATA_POINT_FIELDS) : 0;
     int offset = 0;
     for (int i = 0; i < n; ++i) {
         const QString name = ReadText8(fields[i].name);
@@ -416,22 +416,21 @@ int CKVLineBase::FindElement(const QString& name, double value, int from, int to
     return -1;
 }
 
-double CKVLineBase::FindMinElement(const QString& name, int from, int to) const {
+template <typename Better>
+double CKVLineBase::FindExtreme(const QString& name, int from, int to, double sentinel, Better better) const {
     Field field;
     if (!Block() || !LocateField(name, field)) return 0;
     int start = 0, end = -1;
-    if (!ExtremeRange(PointCount(), from, to, start, end)) return kMinSentinel;
-    return FoldField(PointAt(start) + field.offset, PointSize(), end - start + 1, field.type, kMinSentinel,
-                     [](double v, double m) { return v < m; });
+    if (!ExtremeRange(PointCount(), from, to, start, end)) return sentinel;
+    return FoldField(PointAt(start) + field.offset, PointSize(), end - start + 1, field.type, sentinel, better);
+}
+
+double CKVLineBase::FindMinElement(const QString& name, int from, int to) const {
+    return FindExtreme(name, from, to, kMinSentinel, [](double v, double m) { return v < m; });
 }
 
 double CKVLineBase::FindMaxElement(const QString& name, int from, int to) const {
-    Field field;
-    if (!Block() || !LocateField(name, field)) return 0;
-    int start = 0, end = -1;
-    if (!ExtremeRange(PointCount(), from, to, start, end)) return kMaxSentinel;
-    return FoldField(PointAt(start) + field.offset, PointSize(), end - start + 1, field.type, kMaxSentinel,
-                     [](double v, double m) { return v > m; });
+    return FindExtreme(name, from, to, kMaxSentinel, [](double v, double m) { return v > m; });
 }
 
 void CKVLineBase::GetStringRepresentation(QString& out) const {
@@ -449,7 +448,7 @@ void CKVLineBase::GetStringRepresentation(QString& out) const {
     text += '\n';
 
     // "%.<precision>f" and a tab; a negative precision prints no decimals.
-    const int precision = std::clamp<int>(header_->precision, 0, kMaxPrintedDecimals);
+    const int precision = std::clamp<int>(+header_->precision, 0, kMaxPrintedDecimals);
     const int count = std::max(0, PointCount());
     // About 18 bytes of time and a dozen plus the decimals per value; grows if more is needed.
     const std::size_t rowGuess = (hasTime ? 18u : 0u) + static_cast<std::size_t>(columns) * (12u + precision) + 1u;
@@ -483,7 +482,7 @@ int CKVLineBase::Update(fxDataPointArray* array) {
     return static_cast<int>(std::clamp<long long>(added, INT_MIN, INT_MAX));
 }
 
-int CKVLineBase::Size() const { return Block() ? std::max(0, header_->pointCount) : 0; }
+int CKVLineBase::Size() const { return Block() ? std::max(0, +header_->pointCount) : 0; }
 
 int CKVLineBase::GetNamedOffset(int slot) const {
     return slot >= 0 && slot < fields_->count ? offsets_[slot] : -1;

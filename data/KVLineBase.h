@@ -129,6 +129,9 @@ private:
     };
     // The field `name` from the maps, when it lies inside a data point.
     bool LocateField(const QString& name, Field& field) const;
+    // Folds field `name` over the extreme range from `sentinel`, keeping what `better` prefers.
+    template <typename Better>
+    double FindExtreme(const QString& name, int from, int to, double sentinel, Better better) const;
     // The point `index` when it lies inside the block.
     const unsigned char* PointAt(int index) const;
     // Bytes [offset, offset + width) of point `index`, when they lie inside the point.

@@ -1,5 +1,6 @@
-// The chart module's accounts, day-off table, host interface look-ups and conversion
-// answers, against a fake host that plays the main window and two deal interfaces.
+// The chart module's account list, and its requests to the main window and the deal
+// interfaces against a fake host: neutral without a host, cached look-ups, counts that
+// cannot be believed, the default-parameters file.
 #include <gtest/gtest.h>
 
 #include <QWidget>
@@ -21,14 +22,6 @@ fxdDealAccount Account(std::uint32_t deal, int id, const QString& name) {
     a.accountId = id;
     std::memcpy(a.name, name.utf16(), sizeof(coreWChar) * std::size_t(name.size()));
     return a;
-}
-
-fxdDayOff DayOff(const char* symbol, int flag) {
-    fxdDayOff r;
-    std::memset(&r, 0, sizeof r);
-    std::memcpy(r.symbol, symbol, std::min(std::strlen(symbol), sizeof r.symbol));
-    r.dayOff = flag;
-    return r;
 }
 
 // The count field of the module's packed request record, read by value.
@@ -83,99 +76,71 @@ TEST(ChartModuleWithoutHost, EveryRequestIsNeutral) {
     EXPECT_TRUE(module.GetAccountList().empty());
     EXPECT_EQ(DealCount(module), 0);
     EXPECT_FALSE(module.IsDayOff("EURUSD"));
-    std::int32_t list[3] = {0, -1, -1};
-    EXPECT_EQ(module.ReceiveMessageWrap(nullptr, MSG_NEED_TO_CONVERT, reinterpret_cast<std::intptr_t>(list), 0), 0);
-    EXPECT_EQ(list[0], 1);
-    EXPECT_EQ(list[1], 1);
-    EXPECT_EQ(list[2], 1);
+    std::vector<std::int32_t> list = {0, -1, -1};
+    EXPECT_EQ(module.ReceiveMessageWrap(nullptr, MSG_NEED_TO_CONVERT, reinterpret_cast<std::intptr_t>(list.data()), 0), 0);
+    EXPECT_EQ(list, (std::vector<std::int32_t>{1, 1, 1}));
 }
 
-// The fake host: main window 0x4D, transport 0x7A, deal interfaces 0xD1 and 0xD2.
-class ChartModuleDealing : public ::testing::Test {
+// The fake host: main window 0x4D, transport 0x7A, deal interfaces 0xD1 and on. It reports
+// `interfaces` deal interfaces and `count` accounts or day-off records everywhere.
+class ChartModuleHost : public ::testing::Test {
 protected:
     void SetUp() override {
         module.InitializeWrap(host.callback(), host.callback(), host.handle(), nullptr);
         module.CreateWindowComponentInterface();  // unanswered: each interface is its own handle
-        host.on(MSG_GET_INTERFACE, [this](void*, std::intptr_t p1, std::intptr_t) {
+        host.on(MSG_GET_INTERFACE, [](void*, std::intptr_t p1, std::intptr_t) {
             auto* r = reinterpret_cast<coreInterfaceRequest*>(p1);
             const std::string kind = r->kind;
-            if (kind == "DEALING") {
-                for (int i = 0; i < r->count && i < 2; ++i) r->result[i] = H(0xD1 + i);
-                r->count = 1000;  // a host scribbling over the count must not matter
-            } else {
-                r->result[0] = kind == "MAINWINDOW" ? H(0x4D) : kind == "CANDLE" ? H(0x7A) : nullptr;
-            }
+            r->result[0] = kind == "MAINWINDOW" ? H(0x4D) : kind == "CANDLE" ? H(0x7A) : H(0xD1);
+            r->count = 1000;  // a host scribbling over the count must not matter
             return 0;
         });
         host.on(MSG_COUNT_INTERFACES, [this](void*, std::intptr_t, std::intptr_t p2) {
-            std::memcpy(reinterpret_cast<void*>(p2), &dealings, sizeof dealings);  // packed field
+            std::memcpy(reinterpret_cast<void*>(p2), &interfaces, sizeof interfaces);  // packed field
             return 0;
         });
-        host.on(MSG_DEAL_ACCOUNT_COUNT, [this](void* target, std::intptr_t p1, std::intptr_t) {
-            reinterpret_cast<fxdAccountRequest*>(p1)->count = int(accounts[target].size()) + extraAccounts;
-            return 0;
-        });
-        host.on(MSG_DEAL_ACCOUNT_LIST, [this](void* target, std::intptr_t p1, std::intptr_t) {
-            auto* r = reinterpret_cast<fxdAccountRequest*>(p1);
-            for (std::size_t i = 0; i < accounts[target].size() && int(i) < r->count; ++i)
-                r->accounts[i] = accounts[target][i];
+        host.on(MSG_DEAL_ACCOUNT_COUNT, [this](void*, std::intptr_t p1, std::intptr_t) {
+            reinterpret_cast<fxdAccountRequest*>(p1)->count = count;
             return 0;
         });
         host.on(MSG_DEAL_DAYOFF_COUNT, [this](void*, std::intptr_t, std::intptr_t p2) {
-            reinterpret_cast<fxdDayOffRequest*>(p2)->count = dayOffCount;
+            reinterpret_cast<fxdDayOffRequest*>(p2)->count = count;
             return 0;
         });
-        host.on(MSG_DEAL_DAYOFF_LIST, [this](void*, std::intptr_t, std::intptr_t p2) {
-            auto* r = reinterpret_cast<fxdDayOffRequest*>(p2);
-            for (std::size_t i = 0; i < dayOff.size() && int(i) < r->count; ++i) r->records[i] = dayOff[i];
-            r->count = 99;  // the module reads only what it allocated
+        host.on(MSG_MAIN_WORK_FOLDER, [this](void* target, std::intptr_t p1, std::intptr_t) {
+            EXPECT_EQ(target, H(0x4D));
+            std::memcpy(reinterpret_cast<void*>(p1), folder.utf16(), 2 * (folder.size() + 1));
             return 0;
         });
-        accounts[H(0xD1)] = {Account(0xD1, 1, "Alpha"), Account(0xD1, 0, "none"), Account(0xD1, 2, "Beta")};
-        accounts[H(0xD2)] = {Account(0xD2, 2, "Twin"), Account(0xD2, 3, "Gamma")};
-        dayOff = {DayOff("EURUSD", 1), DayOff("GBPUSD", 0), DayOff("A_SYMBOL_OF_19_CHAR", 7)};
-        dayOffCount = 3;
-    }
-    int Send(unsigned int message, const void* p1 = nullptr) {
-        return module.ReceiveMessageWrap(nullptr, message, reinterpret_cast<std::intptr_t>(p1), 0);
-    }
-    int Event(int code, void* payload, int count = 1, void* sender = nullptr) {
-        FXEvent event;
-        std::memset(&event, 0, sizeof event);
-        event.sender = sender ? sender : module.GetPFInterface()->GetHostHandle();
-        event.code = code;
-        event.payloadCount = count;
-        event.payload = payload;
-        return Send(MSG_EVENT, &event);
     }
 
     FakeHost host;
     PFChartModule module;
-    std::int32_t dealings = 2;
-    int extraAccounts = 0;
-    std::map<void*, std::vector<fxdDealAccount> > accounts;
-    std::vector<fxdDayOff> dayOff;
-    std::int32_t dayOffCount = 0;
+    std::int32_t interfaces = 1;
+    std::int32_t count = 0;
+    QString folder = "/work/folder";
 };
 
-TEST_F(ChartModuleDealing, MainWindowAndTransportAreAskedOnce) {
-    host.clear();
-    host.on(MSG_MAIN_WORK_FOLDER, [](void* target, std::intptr_t p1, std::intptr_t) {
-        EXPECT_EQ(target, H(0x4D));
-        const QString folder = "/work/folder";
-        std::memcpy(reinterpret_cast<void*>(p1), folder.utf16(), 2 * (folder.size() + 1));
+TEST_F(ChartModuleHost, MainWindowAndTransportAreAskedOnce) {
+    QWidget window;
+    std::int32_t id = std::int32_t(window.winId());
+    host.on(MSG_MAIN_WINDOW_ID, [&](void*, std::intptr_t p1, std::intptr_t) {
+        EXPECT_EQ(*reinterpret_cast<std::int32_t*>(p1), -1);
+        if (id != -1) *reinterpret_cast<std::int32_t*>(p1) = id;
         return 0;
     });
     std::string notice;
-    host.on(MSG_MAIN_CHANGED, [&](void* target, std::intptr_t p1, std::intptr_t) {
+    host.on(MSG_MAIN_CHANGED, [&](void*, std::intptr_t p1, std::intptr_t) {
         const char* r = reinterpret_cast<const char*>(p1);
         notice = std::string(r, 4) + (r + 4);
         return 0;
     });
+    host.clear();
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(module.GetGlobalMainWindow(), H(0x4D));
         EXPECT_EQ(module.GetTransportInterface(), H(0x7A));
         EXPECT_EQ(module.GetWorkFolder(), "/work/folder");
+        EXPECT_EQ(module.getMainWindow(), &window);
     }
     module.SendMainAboutChange();
     EXPECT_EQ(host.find(MSG_GET_INTERFACE).size(), 2u);
@@ -189,127 +154,41 @@ TEST_F(ChartModuleDealing, MainWindowAndTransportAreAskedOnce) {
         return 0;
     });
     EXPECT_EQ(module.GetWorkFolder().size(), CORE_WORK_FOLDER_BUFFER / 2 - 1);
-}
-
-TEST_F(ChartModuleDealing, MainWindowIsFoundByItsWindowId) {
-    QWidget window;
-    std::int32_t id = std::int32_t(window.winId());
-    host.on(MSG_MAIN_WINDOW_ID, [&](void* target, std::intptr_t p1, std::intptr_t) {
-        EXPECT_EQ(*reinterpret_cast<std::int32_t*>(p1), -1);
-        if (id != -1) *reinterpret_cast<std::int32_t*>(p1) = id;
-        return 0;
-    });
-    EXPECT_EQ(module.getMainWindow(), &window);
-    id = -1;
+    id = -1;  // no window, or one Qt does not know
     EXPECT_EQ(module.getMainWindow(), nullptr);
     id = 0x7fff0000;
     EXPECT_EQ(module.getMainWindow(), nullptr);
 }
 
-TEST_F(ChartModuleDealing, AccountsOfEveryDealInterfaceInOrder) {
-    host.clear();
-    EXPECT_EQ(Send(MSG_DEALING_READY), 0);
-    EXPECT_EQ(host.messages(), (std::vector<unsigned int>{3002, 3001, 16000, 16001, 16000, 16001}));
-    const FakeHost::Call count = host.find(MSG_COUNT_INTERFACES)[0];
-    EXPECT_EQ(count.p2, count.p1 + 765);
-    EXPECT_EQ(host.calls()[2].target, H(0xD1));
-    EXPECT_EQ(host.calls()[4].target, H(0xD2));
-    EXPECT_EQ(DealCount(module), 2);
-    EXPECT_EQ(std::string(module.GetDealRequest().kind), "DEALING");
-    // Id 0 is no account; id 2 of the second dealing is already listed from the first.
-    EXPECT_EQ(Ids(module.GetAccountList()), (std::vector<int>{1, 2, 3}));
-    EXPECT_EQ(module.GetAccountList().GetEntries().back()->GetDealHandle(), H(0xD2));
-    EXPECT_EQ(module.GetAccountList().GetLastAccountHandle(), H(0xD1));
-}
-
-TEST_F(ChartModuleDealing, UnbelievableCountsAllocateNothing) {
+TEST_F(ChartModuleHost, UnbelievableCountsAllocateNothing) {
+    fxdDayOffEventPayload payload = {0xD1, 1};
+    FXEvent event;
+    std::memset(&event, 0, sizeof event);
+    event.sender = module.GetPFInterface()->GetHostHandle();
+    event.code = EVENT_DAYOFF_CHANGED;
+    event.payloadCount = 1;
+    event.payload = &payload;
     for (std::int32_t bad : {0, -1, 100001, 0x7fffffff}) {
-        dealings = bad;
+        interfaces = bad;
         host.clear();
-        Send(MSG_DEALING_READY);
+        module.ReceiveMessageWrap(nullptr, MSG_DEALING_READY, 0, 0);
         EXPECT_EQ(host.messages(), std::vector<unsigned int>{3002}) << bad;
         EXPECT_EQ(DealCount(module), 0);
-        EXPECT_TRUE(module.GetAccountList().empty());
+
+        interfaces = 1;
+        count = bad;
+        host.clear();
+        module.ReceiveMessageWrap(nullptr, MSG_DEALING_READY, 0, 0);
+        EXPECT_EQ(host.messages(), (std::vector<unsigned int>{3002, 3001, 16000})) << bad;
+        EXPECT_EQ(DealCount(module), 1);
+        host.clear();
+        module.ReceiveMessageWrap(nullptr, MSG_EVENT, reinterpret_cast<std::intptr_t>(&event), 0);
+        EXPECT_EQ(host.messages(), std::vector<unsigned int>{16026}) << bad;
+        EXPECT_TRUE(module.GetDayOffTable().empty());
     }
-    dealings = 2;
-    extraAccounts = -10;  // negative account counts
-    host.clear();
-    Send(MSG_DEALING_READY);
-    EXPECT_EQ(host.messages(), (std::vector<unsigned int>{3002, 3001, 16000, 16000}));
-    dayOffCount = -1;
-    fxdDealAccount a = Account(0xD1, 5, "Delta");
-    host.clear();
-    Event(EVENT_ACCOUNT_ADDED, &a);
-    EXPECT_EQ(host.messages(), std::vector<unsigned int>{16026});
-    EXPECT_TRUE(module.GetDayOffTable().empty());
 }
 
-TEST_F(ChartModuleDealing, DayOffEventsFromTheModulesOwnInterfacesOnly) {
-    fxdDayOffEventPayload payload = {0xD2, 42};
-    host.clear();
-    Event(EVENT_DAYOFF_CHANGED, &payload, 1, H(0x999));  // a stranger
-    Event(EVENT_DAYOFF_CHANGED, &payload, 0);
-    Event(EVENT_DAYOFF_CHANGED, nullptr, 1);
-    EXPECT_TRUE(host.calls().empty());
-
-    Event(EVENT_DAYOFF_CHANGED, &payload, 1, module.GetKagiInterface()->GetHostHandle());
-    ASSERT_EQ(host.messages(), (std::vector<unsigned int>{16026, 16027}));
-    for (const FakeHost::Call& c : host.calls()) {
-        EXPECT_EQ(c.target, H(0xD2));
-        EXPECT_EQ(c.p1, 42);
-    }
-    EXPECT_TRUE(module.IsDayOff("EURUSD"));
-    EXPECT_FALSE(module.IsDayOff("GBPUSD"));
-    EXPECT_TRUE(module.IsDayOff("A_SYMBOL_OF_19_CHAR"));  // no terminator: 19 bytes read
-    EXPECT_FALSE(module.IsDayOff("USDJPY"));
-}
-
-TEST_F(ChartModuleDealing, AccountEventsKeepListAndDayOffTableCurrent) {
-    Send(MSG_DEALING_READY);
-    fxdDealAccount delta = Account(0xD2, 4, "Delta");
-    host.clear();
-    Event(EVENT_ACCOUNT_ADDED, &delta);
-    EXPECT_EQ(Ids(module.GetAccountList()), (std::vector<int>{1, 2, 3, 4}));
-    EXPECT_EQ(module.GetAccountList().GetEntries().back()->GetDealHandle(), H(0xD1));  // first dealing
-    EXPECT_EQ(host.find(MSG_DEAL_DAYOFF_COUNT)[0].target, H(0xD2));  // the account's own dealing
-    EXPECT_TRUE(module.IsDayOff("EURUSD"));
-
-    host.clear();
-    Event(EVENT_ACCOUNT_ADDED, nullptr);
-    for (int id : {1, 2, 3, 99}) {
-        fxdDealAccount gone = Account(0xD2, id, "");
-        Event(EVENT_ACCOUNT_REMOVED, &gone);
-    }
-    EXPECT_TRUE(host.calls().empty());  // accounts are left
-    Event(EVENT_ACCOUNT_REMOVED, &delta);
-    EXPECT_EQ(host.messages(), (std::vector<unsigned int>{16026, 16027}));
-    EXPECT_TRUE(module.GetAccountList().empty());
-    EXPECT_FALSE(module.IsDayOff("EURUSD"));  // the dealing trades again
-}
-
-TEST_F(ChartModuleDealing, ConversionAnswersWithoutChartWindows) {
-    Send(MSG_DEALING_READY);
-    EXPECT_TRUE(module.NeedToSwitchToBid());
-    EXPECT_TRUE(module.NeedToSwitchToMid());
-    EXPECT_EQ(module.ReceiveMessageWrap(nullptr, MSG_CONVERT_TO_TYPE, 7, 0), 0);
-
-    std::int32_t list[7] = {2, 1, 0, 0, 3, -1, -1};
-    host.clear();
-    EXPECT_EQ(Send(MSG_NEED_TO_CONVERT, list), 0);
-    EXPECT_EQ(host.messages(), (std::vector<unsigned int>{16000, 16001, 16000, 16001}));  // accounts re-read
-    EXPECT_EQ(std::vector<std::int32_t>(list, list + 7), (std::vector<std::int32_t>{3, 1, 0, 0, 3, 1, 1}));
-    std::int32_t negative[3] = {-1, 5, 5};
-    EXPECT_EQ(Send(MSG_NEED_TO_CONVERT, negative), 0);
-    EXPECT_EQ(std::vector<std::int32_t>(negative, negative + 3), (std::vector<std::int32_t>{-1, 5, 5}));
-    EXPECT_EQ(Send(MSG_NEED_TO_CONVERT, nullptr), 0);
-}
-
-TEST_F(ChartModuleDealing, DefaultParametersFileInTheWorkFolder) {
-    QString folder = "/work/folder";
-    host.on(MSG_MAIN_WORK_FOLDER, [&](void*, std::intptr_t p1, std::intptr_t) {
-        std::memcpy(reinterpret_cast<void*>(p1), folder.utf16(), 2 * (folder.size() + 1));
-        return 0;
-    });
+TEST_F(ChartModuleHost, DefaultParametersFileInTheWorkFolder) {
     QString opened;
     void* document = H(0x5D);
     host.on(MSG_WD_OPEN, [&](void* target, std::intptr_t p1, std::intptr_t) {

@@ -9,7 +9,6 @@
 #include "ChartRecords.h"
 #include "RecordingPaintDevice.h"
 #include "data/PointData.h"
-#include "data/ScaleEngine.h"
 #include "gx/Line.h"
 
 struct RendererTest : ::testing::Test {
@@ -21,28 +20,22 @@ struct RendererTest : ::testing::Test {
     // rows 0..99 with 10 rows per price unit (price 0 on row 100).
     void SetUp() override { Frame(10, 0, 9.0f, 100, 0.0f, 10.0f); }
 
-    // `columns` visible from `first`, `width` pixels wide (stored left edge 0), `height` rows.
-    void Frame(int columns, int first, float last, int height, float minPrice, float maxPrice,
-               int width = -1) {
+    void Frame(int columns, int first, float last, int height, float minPrice, float maxPrice, int width = -1) {
         if (width < 0) width = columns > 0 ? columns * 10 : 100;
         engine->SetColumnCount(columns);
         engine->SetFirstColumn(first);
-        engine->Update(QRect(QPoint(-2, 0), QPoint(width + 1, height - 1)), 0.0f, last, minPrice,
-                       maxPrice);
+        engine->Update(QRect(QPoint(-2, 0), QPoint(width + 1, height - 1)), 0.0f, last, minPrice, maxPrice);
     }
 
     void Paint(pf::PointData& renderer, fxDataPointArray* array) {
+        device.clear();
         QPainter painter(&device);
         renderer.Draw(painter, array);
     }
 
-    static bool SamePen(const QPen& pen, QRgb colour, qreal width, Qt::PenStyle style) {
+    static bool SamePen(const QPen& pen, QRgb colour, qreal width, Qt::PenStyle style = Qt::SolidLine) {
         return pen.color().rgb() == colour && pen.widthF() == width && pen.style() == style &&
                pen.capStyle() == Qt::SquareCap && pen.joinStyle() == Qt::BevelJoin &&
                pen.brush().style() == Qt::SolidPattern;
     }
 };
-
-// Colours of the test arrays (ChartRecordArray's defaults).
-constexpr QRgb kColour0 = 0xff112233u;
-constexpr QRgb kColour1 = 0xff445566u;

@@ -1,6 +1,6 @@
-// Chart-type arrays (24-byte TIME, STEP, VALUE, TYPE, END, SOLID records) for renderer tests.
-// The data block is a heap block of exactly pointCount x pointSize bytes, so the address
-// sanitizer reports any read past it.
+// Chart-type arrays of 24-byte records (TIME, STEP, VALUE, TYPE, END, SOLID) for renderer
+// tests. The data block holds exactly the records, so the address sanitizer reports any
+// read past it.
 #pragma once
 
 #include <QRgb>
@@ -10,38 +10,28 @@
 
 #include "abi/records/dpa_records.h"
 
-inline fxChartTypeRecord ChartRecord(float value, float end, float step, int type,
-                                     float solid = 0.0f, int time = 0) {
-    fxChartTypeRecord r;
-    r.time = time;
-    r.step = step;
-    r.value = value;
-    r.type = type;
-    r.end = end;
-    r.solid = solid;
-    return r;
+constexpr QRgb kColour0 = 0xff112233u;
+constexpr QRgb kColour1 = 0xff445566u;
+
+inline fxChartTypeRecord ChartRecord(float value, float end, float step, int type, float solid = 0.0f,
+                                     int time = 0) {
+    return fxChartTypeRecord{time, step, value, type, end, solid};
 }
 
-class ChartRecordArray {
-public:
-    explicit ChartRecordArray(const std::vector<fxChartTypeRecord>& records, int precision = 4,
-                              QRgb colour0 = 0xff112233u, QRgb colour1 = 0xff445566u)
-        : block_(new unsigned char[records.empty() ? 1 : records.size() * sizeof(fxChartTypeRecord)]) {
-        std::memset(&header_, 0, sizeof header_);
-        if (!records.empty())
-            std::memcpy(block_.get(), records.data(), records.size() * sizeof(fxChartTypeRecord));
-        header_.points = records.empty() ? nullptr : block_.get();
-        header_.pointCount = static_cast<std::int32_t>(records.size());
-        header_.pointSize = sizeof(fxChartTypeRecord);
-        header_.precision = precision;
-        header_.typeShow.color0 = static_cast<std::int32_t>(colour0);
-        header_.typeShow.color1 = static_cast<std::int32_t>(colour1);
+struct ChartRecordArray {
+    std::unique_ptr<unsigned char[]> block;
+    fxDataPointArray header;
+
+    explicit ChartRecordArray(const std::vector<fxChartTypeRecord>& records, int precision = 4)
+        : block(new unsigned char[records.size() * sizeof(fxChartTypeRecord) + (records.empty() ? 1 : 0)]) {
+        std::memset(&header, 0, sizeof header);
+        if (!records.empty()) std::memcpy(block.get(), records.data(), records.size() * sizeof(fxChartTypeRecord));
+        header.points = block.get();
+        header.pointCount = static_cast<std::int32_t>(records.size());
+        header.pointSize = sizeof(fxChartTypeRecord);
+        header.precision = precision;
+        header.typeShow.color0 = static_cast<std::int32_t>(kColour0);
+        header.typeShow.color1 = static_cast<std::int32_t>(kColour1);
     }
-
-    fxDataPointArray* get() { return &header_; }
-    fxDataPointArray& header() { return header_; }
-
-private:
-    std::unique_ptr<unsigned char[]> block_;
-    fxDataPointArray header_;
+    fxDataPointArray* get() { return &header; }
 };

@@ -1,83 +1,52 @@
 #include "RecordingPaintDevice.h"
 
 #include <QPaintEngine>
-#include <QPainter>
+
+using Primitive = RecordingPaintDevice::Primitive;
 
 class RecordingPaintEngine : public QPaintEngine {
 public:
     RecordingPaintEngine() : QPaintEngine(QPaintEngine::AllFeatures) {}
 
-    std::vector<RecordingPaintDevice::Primitive> recorded;
+    std::vector<Primitive> recorded;
 
     bool begin(QPaintDevice*) override { return true; }
     bool end() override { return true; }
     Type type() const override { return QPaintEngine::User; }
-
     void updateState(const QPaintEngineState& state) override {
         if (state.state() & QPaintEngine::DirtyPen) pen_ = state.pen();
     }
 
     void drawLines(const QLine* lines, int count) override {
-        auto& p = add(RecordingPaintDevice::Primitive::Lines);
-        for (int i = 0; i < count; ++i) p.lines.push_back(lines[i]);
+        add(Primitive::Lines).lines = QVector<QLine>(lines, lines + count);
     }
     void drawLines(const QLineF* lines, int count) override {
-        auto& p = add(RecordingPaintDevice::Primitive::Lines);
+        Primitive& p = add(Primitive::Lines);
         for (int i = 0; i < count; ++i) p.lines.push_back(lines[i].toLine());
     }
-    void drawEllipse(const QRect& rect) override {
-        add(RecordingPaintDevice::Primitive::Ellipse).rects.push_back(rect);
-    }
-    void drawEllipse(const QRectF& rect) override {
-        add(RecordingPaintDevice::Primitive::Ellipse).rects.push_back(rect.toRect());
-    }
+    void drawEllipse(const QRect& rect) override { add(Primitive::Ellipse).rects = {rect}; }
+    void drawEllipse(const QRectF& rect) override { add(Primitive::Ellipse).rects = {rect.toRect()}; }
     void drawRects(const QRect* rects, int count) override {
-        auto& p = add(RecordingPaintDevice::Primitive::Rects);
-        for (int i = 0; i < count; ++i) p.rects.push_back(rects[i]);
+        add(Primitive::Rects).rects = QVector<QRect>(rects, rects + count);
     }
-    void drawRects(const QRectF* rects, int count) override {
-        auto& p = add(RecordingPaintDevice::Primitive::Rects);
-        for (int i = 0; i < count; ++i) p.rects.push_back(rects[i].toRect());
-    }
-    void drawPath(const QPainterPath&) override { add(RecordingPaintDevice::Primitive::Other); }
-    void drawPolygon(const QPointF*, int, PolygonDrawMode) override {
-        add(RecordingPaintDevice::Primitive::Other);
-    }
-    void drawPolygon(const QPoint*, int, PolygonDrawMode) override {
-        add(RecordingPaintDevice::Primitive::Other);
-    }
-    void drawPixmap(const QRectF&, const QPixmap&, const QRectF&) override {
-        add(RecordingPaintDevice::Primitive::Other);
-    }
-    void drawTextItem(const QPointF&, const QTextItem&) override {
-        add(RecordingPaintDevice::Primitive::Other);
-    }
+    void drawPixmap(const QRectF&, const QPixmap&, const QRectF&) override {}
 
 private:
-    RecordingPaintDevice::Primitive& add(RecordingPaintDevice::Primitive::Kind kind) {
-        recorded.emplace_back();
-        recorded.back().kind = kind;
-        recorded.back().pen = pen_;
+    Primitive& add(Primitive::Kind kind) {
+        recorded.push_back(Primitive{kind, {}, {}, pen_});
         return recorded.back();
     }
 
     QPen pen_;
 };
 
-RecordingPaintDevice::RecordingPaintDevice(int width, int height)
-    : width_(width), height_(height), engine_(new RecordingPaintEngine) {}
-
+RecordingPaintDevice::RecordingPaintDevice() : engine_(new RecordingPaintEngine) {}
 RecordingPaintDevice::~RecordingPaintDevice() = default;
-
 QPaintEngine* RecordingPaintDevice::paintEngine() const { return engine_.get(); }
-
-const std::vector<RecordingPaintDevice::Primitive>& RecordingPaintDevice::primitives() const {
-    return engine_->recorded;
-}
-
+const std::vector<Primitive>& RecordingPaintDevice::primitives() const { return engine_->recorded; }
 void RecordingPaintDevice::clear() { engine_->recorded.clear(); }
 
-std::vector<RecordingPaintDevice::Primitive> RecordingPaintDevice::of(Primitive::Kind kind) const {
+std::vector<Primitive> RecordingPaintDevice::of(Primitive::Kind kind) const {
     std::vector<Primitive> out;
     for (const Primitive& p : engine_->recorded)
         if (p.kind == kind) out.push_back(p);
@@ -92,11 +61,8 @@ QVector<QLine> RecordingPaintDevice::lines() const {
 
 int RecordingPaintDevice::metric(PaintDeviceMetric metric) const {
     switch (metric) {
-    case PdmWidth: return width_;
-    case PdmHeight: return height_;
-    case PdmWidthMM: return width_ * 254 / 960;
-    case PdmHeightMM: return height_ * 254 / 960;
-    case PdmNumColors: return 0x7fffffff;
+    case PdmWidth:
+    case PdmHeight: return 1000;
     case PdmDepth: return 32;
     case PdmDpiX:
     case PdmDpiY:
@@ -104,15 +70,6 @@ int RecordingPaintDevice::metric(PaintDeviceMetric metric) const {
     case PdmPhysicalDpiY: return 96;
     case PdmDevicePixelRatio: return 1;
     case PdmDevicePixelRatioScaled: return int(QPaintDevice::devicePixelRatioFScale());
+    default: return 265;  // millimetres and colour count: anything plausible
     }
-    return 0;
-}
-
-QString describePen(const QPen& pen) {
-    return QStringLiteral("%1 w%2 s%3 cap%4 join%5")
-        .arg(pen.color().name())
-        .arg(pen.widthF())
-        .arg(int(pen.style()))
-        .arg(int(pen.capStyle()))
-        .arg(int(pen.joinStyle()));
 }

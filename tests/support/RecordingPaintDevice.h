@@ -1,48 +1,38 @@
-// A paint device that records what a QPainter draws on it instead of rasterising: every
-// drawLines, drawEllipse and drawRects call becomes one Primitive with the pen in effect.
-// Renderer tests compare these primitives exactly.
+// A paint device that records what a QPainter draws instead of rasterising: each drawLines,
+// drawEllipse and drawRects call becomes one Primitive with the pen then in effect.
 #pragma once
 
 #include <QLine>
 #include <QPaintDevice>
 #include <QPen>
 #include <QRect>
-#include <QString>
 #include <QVector>
 #include <memory>
+#include <vector>
 
 class RecordingPaintEngine;
 
 class RecordingPaintDevice : public QPaintDevice {
 public:
     struct Primitive {
-        enum Kind { Lines, Ellipse, Rects, Other };
-        Kind kind = Other;
-        QVector<QLine> lines;   // Lines
-        QVector<QRect> rects;   // Ellipse (one bounding rectangle) and Rects
+        enum Kind { Lines, Ellipse, Rects } kind;
+        QVector<QLine> lines;  // Lines
+        QVector<QRect> rects;  // the ellipse's bounding rectangle, or the rectangles
         QPen pen;
     };
 
-    explicit RecordingPaintDevice(int width = 1000, int height = 1000);
+    RecordingPaintDevice();
     ~RecordingPaintDevice() override;
-
     QPaintEngine* paintEngine() const override;
 
     const std::vector<Primitive>& primitives() const;
     void clear();
-    // Only the primitives of one kind.
     std::vector<Primitive> of(Primitive::Kind kind) const;
-    // Every line drawn, in order.
-    QVector<QLine> lines() const;
+    QVector<QLine> lines() const;  // every line, in order
 
 protected:
     int metric(PaintDeviceMetric metric) const override;
 
 private:
-    int width_;
-    int height_;
     std::unique_ptr<RecordingPaintEngine> engine_;
 };
-
-// A pen as text, for readable failures: "#rrggbb w1 s3 cap16 join64".
-QString describePen(const QPen& pen);

@@ -13,13 +13,11 @@
 #include "data/KVLineBase.h"
 
 struct HostArray {
-    fxDataPointArray a;
+    fxDataPointArray a{};
     std::vector<fxDataPointField> fields = std::vector<fxDataPointField>(FX_MAX_DATA_POINT_FIELDS);
     std::vector<unsigned char> block;
 
     HostArray(std::initializer_list<std::pair<int, const char*>> layout, int precision = 2) {
-        std::memset(&a, 0, sizeof a);
-        std::memset(fields.data(), 0, fields.size() * sizeof(fxDataPointField));
         for (const auto& f : layout) {
             fxDataPointField& d = fields[static_cast<std::size_t>(a.fieldCount++)];
             d.type = f.first;
@@ -30,23 +28,19 @@ struct HostArray {
         a.precision = precision;
     }
 
-    // Appends one point, one value per field, each stored as its field's type.
+    // Appends one point, one value per field, each stored as its field's type (little-endian
+    // integers keep their low bytes).
     HostArray& Add(std::initializer_list<double> values) {
-        const double* v = values.begin();
-        for (int i = 0; i < a.fieldCount; ++i, ++v) {
-            unsigned char bytes[8] = {};
-            const double x = v < values.end() ? *v : 0;
-            switch (fields[static_cast<std::size_t>(i)].type) {
-            case DPT_UINT8: bytes[0] = static_cast<unsigned char>(x); break;
-            case DPT_UINT16: Put(bytes, static_cast<std::uint16_t>(x)); break;
-            case DPT_INT32: Put(bytes, static_cast<std::int32_t>(x)); break;
-            case DPT_BYTES8: Put(bytes, static_cast<std::int64_t>(x)); break;
-            case DPT_FLOAT: Put(bytes, static_cast<float>(x)); break;
-            case DPT_DOUBLE: Put(bytes, x); break;
-            default: break;
-            }
-            const int width = CKVLineBase::GetFieldLen(static_cast<DATA_POINT_TYPES>(fields[static_cast<std::size_t>(i)].type));
-            block.insert(block.end(), bytes, bytes + width);
+        std::size_t i = 0;
+        for (const double x : values) {
+            const DATA_POINT_TYPES type = static_cast<DATA_POINT_TYPES>(+fields[i++].type);
+            const std::int64_t n = static_cast<std::int64_t>(x);
+            const float f = static_cast<float>(x);
+            const void* v = type == DPT_FLOAT    ? static_cast<const void*>(&f)
+                            : type == DPT_DOUBLE ? static_cast<const void*>(&x)
+                                                 : static_cast<const void*>(&n);
+            const auto* b = static_cast<const unsigned char*>(v);
+            block.insert(block.end(), b, b + CKVLineBase::GetFieldLen(type));
         }
         a.points = block.data();
         a.pointCount += 1;
@@ -56,9 +50,6 @@ struct HostArray {
     void Name(const char16_t* name) {
         for (int i = 0; name[i] && i < 254; ++i) std::memcpy(reinterpret_cast<unsigned char*>(&a.name) + 2 * i, &name[i], 2);
     }
-
-    template <typename T>
-    static void Put(unsigned char* bytes, T v) { std::memcpy(bytes, &v, sizeof v); }
 };
 
 // A header made by Create() is freed by its line only once a data block was allocated; tests

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "gui/PFChartWidget.h"
 #include "module/PFChartModule.h"
 
 static void initChartResources() { Q_INIT_RESOURCE(pfchart); }
@@ -98,7 +99,7 @@ bool ChartInterface::IsListed(const void* widget) const {
 void ChartInterface::timerEvent(QTimerEvent* event) {
     if (event->timerId() != timerId_) return;
     for (PFChartWidget* widget : widgets_) {
-        reinterpret_cast<QWidget*>(widget)->update();
+        widget->update();
         repainted_ = true;
     }
 }

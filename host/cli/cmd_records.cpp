@@ -54,12 +54,13 @@ int runRecords(const QStringList& args) {
     }
     const host::data::ChartObject& chart = *core.chart(handle);
     const int decimals = chart.grid().digits();
-    std::printf("# %s %s, %zu quotes, box %.*f, reversal %d%s\n", instrument->name().c_str(),
+    std::string reversalText = std::to_string(chart.settings().reversal) + " boxes";
+    if (type == host::data::ChartType::Renko) reversalText = "2 boxes";
+    if (type == host::data::ChartType::Kagi && chart.settings().percent > 0)
+        reversalText = QString::number(chart.settings().percent).toStdString() + " %";
+    std::printf("# %s %s, %zu quotes, box %.*f, reversal %s\n", instrument->name().c_str(),
                 host::data::chartTypeName(type), instrument->quotes().size(), decimals, chart.settings().box,
-                chart.settings().reversal,
-                type == host::data::ChartType::Kagi && chart.settings().percent > 0
-                    ? (" (Kagi: " + std::to_string(chart.settings().percent) + " %)").c_str()
-                    : "");
+                reversalText.c_str());
     std::printf("# time STEP VALUE TYPE END SOLID\n");
     for (const fxChartTypeRecord& r : chart.records()) std::printf("%s\n", host::data::recordLine(r, decimals).c_str());
     return 0;

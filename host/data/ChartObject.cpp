@@ -7,7 +7,8 @@ namespace host {
 namespace data {
 
 namespace {
-const double kMaxBoxesInRange = 1e7;
+// Renko lays a brick per box of travel: this bounds the figures a series can make.
+const double kMaxBoxesTravelled = 2e7;
 const int kMaxReversal = 1000;
 
 // The grid fine enough for both the instrument's prices and the box size.
@@ -24,12 +25,16 @@ bool ChartObject::resolveSettings(const Instrument& instrument, const ChartSetti
     std::string problem;
     if (!(s.box > 0) || !std::isfinite(s.box))
         problem = "the box size must be above 0";
+    else if (s.box > Instrument::kMaxPrice)
+        problem = "the box size is too large";
     else if (gridFor(instrument, s.box).ticks(s.box) < 1)
         problem = "the box size is below the finest price step";
-    else if ((instrument.highestClose() - instrument.lowestClose()) / s.box > kMaxBoxesInRange)
-        problem = "the box size is too small for the price range";
+    else if (instrument.travel() / s.box > kMaxBoxesTravelled)
+        problem = "the box size is too small: the prices would travel more than 20 million boxes";
     else if (s.reversal < 1 || s.reversal > kMaxReversal)
         problem = "the reversal must be 1 to 1000 boxes";
+    else if (double(gridFor(instrument, s.box).ticks(s.box)) * s.reversal > 4e18)
+        problem = "the reversal amount is too large";
     else if (!(s.percent >= 0 && s.percent <= 100))
         problem = "the reversal percentage must be 0 to 100";
     if (!problem.empty()) {

@@ -27,9 +27,9 @@ public:
     ChartObject(void* handle, Instrument& instrument, ChartType type, const ChartSettings& settings);
 
     // Fills in the defaults of `requested` for `instrument` and checks the result: a box
-    // that is positive, on a grid of at most nine decimals and not so small that the price
-    // range would span more than ten million boxes; a reversal of 1 to 1000 boxes; a
-    // percentage from 0 to 100. False with `error` set otherwise.
+    // that is positive, on a grid of at most nine decimals and not so small that the prices
+    // travel more than twenty million boxes (a Renko brick each); a reversal of 1 to 1000
+    // boxes; a percentage from 0 to 100. False with `error` set otherwise.
     static bool resolveSettings(const Instrument& instrument, const ChartSettings& requested,
                                 ChartSettings* resolved, std::string* error);
 

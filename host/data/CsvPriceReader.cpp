@@ -138,6 +138,8 @@ std::unique_ptr<Instrument> CsvPriceReader::read(std::istream& in, const std::st
         Quote q{std::int32_t(values[kTime]), values[kOpen], values[kHigh], values[kLow], values[kClose],
                 values[kVolume]};
         if (!ohlc) q.open = q.high = q.low = q.close;
+        if (!Instrument::validClose(q.close))
+            return fail(error, "line " + std::to_string(lineNumber) + ": close out of range");
         if (!quotes.empty() && q.time < quotes.back().time)
             return fail(error, "line " + std::to_string(lineNumber) + ": time goes backwards");
         quotes.push_back(q);

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 namespace host {
@@ -13,12 +14,17 @@ Instrument::Instrument(const std::string& name, namePeriod period, int precision
     : name_(name), period_(period), precision_(precision), ohlc_(ohlc) {}
 
 void Instrument::widenRange(double close) {
+    if (hasRange_) travel_ += std::fabs(close - lastClose_);
+    lastClose_ = close;
     if (!hasRange_ || close < low_) low_ = close;
     if (!hasRange_ || close > high_) high_ = close;
     hasRange_ = true;
 }
 
+bool Instrument::validClose(double close) { return std::isfinite(close) && std::fabs(close) <= kMaxPrice; }
+
 bool Instrument::append(const Quote& quote) {
+    if (!validClose(quote.close)) return false;
     if (!quotes_.empty() && quote.time < quotes_.back().time) return false;
     quotes_.push_back(quote);
     widenRange(quote.close);
@@ -26,6 +32,7 @@ bool Instrument::append(const Quote& quote) {
 }
 
 bool Instrument::hold(const Quote& quote) {
+    if (!validClose(quote.close)) return false;
     if (pendingCount() > 0 && quote.time < pending_.back().time) return false;
     pending_.push_back(quote);
     widenRange(quote.close);

@@ -40,9 +40,16 @@ public:
     const std::vector<Quote>& quotes() const { return quotes_; }
     std::size_t pendingCount() const { return pending_.size() - nextPending_; }
 
-    // Adds a live quote; refused (false) when its time is before the last live quote's.
+    // Largest closing price taken, in magnitude: keeps prices in ticks of up to nine
+    // decimals, and their differences, inside 64-bit integers.
+    static constexpr double kMaxPrice = 1e9;
+    // True for a finite close of at most kMaxPrice in magnitude.
+    static bool validClose(double close);
+
+    // Adds a live quote; refused (false) when its time is before the last live quote's or
+    // its close is not valid.
     bool append(const Quote& quote);
-    // Adds a quote to the held-back queue (same time rule against the queue's end).
+    // Adds a quote to the held-back queue (same rules, time against the queue's end).
     bool hold(const Quote& quote);
     // Moves every live quote after the first `live` ones to the front of the held-back queue.
     void holdBackAfter(std::size_t live);
@@ -52,12 +59,15 @@ public:
     // Lowest and highest closing price over live and held-back quotes; both 0 when empty.
     double lowestClose() const { return low_; }
     double highestClose() const { return high_; }
+    // Sum of the absolute moves from one close to the next, live and held-back quotes in
+    // the order they came in: how far the price travels.
+    double travel() const { return travel_; }
 
     // The instrument's name and period as the host's name record (UTF-16 and 8-bit name).
     coreNameInstrument nameRecord() const;
 
 private:
-    void widenRange(double close);
+    void widenRange(double close);  // and the travel
 
     std::string name_;
     namePeriod period_;
@@ -69,6 +79,8 @@ private:
     std::size_t nextPending_ = 0;
     double low_ = 0;
     double high_ = 0;
+    double travel_ = 0;
+    double lastClose_ = 0;
     bool hasRange_ = false;
 };
 

@@ -12,8 +12,9 @@ KagiProvider::KagiProvider(const ProviderSettings& settings) : ChartTypeProvider
 bool KagiProvider::reverses(std::int64_t extreme, std::int64_t price) const {
     const std::int64_t move = magnitude(price - extreme);
     if (move == 0) return false;
+    // Wide products: ticks reach 10^18, the percentage 10^4.
     if (settings_.percentHundredths > 0)
-        return move * 10000 >= settings_.percentHundredths * magnitude(extreme);
+        return __int128(move) * 10000 >= __int128(settings_.percentHundredths) * magnitude(extreme);
     return move >= settings_.reversal * settings_.box;
 }
 

@@ -1,0 +1,434 @@
+// The data core as the module sees it through the host callback (3008, 3012-3014, 3042,
+// 3043), its notices (3009), and the instruments it reads from CSV files.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <sstream>
+#include <tuple>
+
+#include "host/DataCore.h"
+#include "host/Emulator.h"
+#include "host/data/ChartObject.h"
+#include "host/data/CsvPriceReader.h"
+
+using host::data::ChartType;
+
+namespace {
+
+std::intptr_t P(const void* p) { return reinterpret_cast<std::intptr_t>(p); }
+
+std::string Wide(const coreWChar* text) { return host::data::readWide(text, 255); }
+
+class DataCoreMessages : public ::testing::Test {
+protected:
+    DataCoreMessages() : core(hostObject) {}
+
+    int Send(unsigned int message, std::intptr_t p1, std::intptr_t p2 = 0) {
+        return host::Host::callback(nullptr, message, p1, p2);
+    }
+    // A 3008 record as the module's data source fills it.
+    coreCreateDpaData CreateRecord(void* provider, const std::string& name, char period, std::int32_t length) {
+        coreCreateDpaData r;
+        std::memset(&r, 0, sizeof r);
+        r.provider = provider;
+        host::data::putWide(r.name.name, 255, name);
+        r.name.period.type = period;
+        r.name.period.length = length;
+        r.value = 1;
+        return r;
+    }
+    void* Create(ChartType type, const std::string& name = "USDCHF", char period = 'I', std::int32_t length = 30) {
+        coreCreateDpaData r = CreateRecord(core.providerInterface(type), name, period, length);
+        EXPECT_EQ(Send(MSG_CREATE_DPA, P(&r)), 0);
+        return r.handle;
+    }
+    fxDataPointArray* FirstArray(void* handle) {
+        fxDataPointArray* slot = nullptr;
+        coreListCreateData list{1, &slot};
+        EXPECT_EQ(Send(MSG_DPA_LIST, P(handle), P(&list)), 0);
+        return slot;
+    }
+
+    host::Host hostObject;
+    host::DataCore core;
+};
+
+}  // namespace
+
+TEST_F(DataCoreMessages, ProvidersAreRegisteredInterfaces) {
+    for (ChartType t : {ChartType::PointAndFigure, ChartType::Renko, ChartType::Kagi}) {
+        const auto found = hostObject.findInterfaces("CHARTTYPE", "TELVIX", host::data::chartTypeName(t));
+        ASSERT_EQ(found.size(), 1u);
+        EXPECT_EQ(found[0].handle, core.providerInterface(t));
+    }
+}
+
+TEST_F(DataCoreMessages, CreatedObjectHandsOutItsChartTypeArray) {
+    const struct {
+        ChartType type;
+        const char* name;
+    } types[] = {{ChartType::PointAndFigure, "Point and Figure"}, {ChartType::Renko, "Renko"}, {ChartType::Kagi, "Kagi"}};
+    for (const auto& t : types) {
+        SCOPED_TRACE(t.name);
+        void* handle = Create(t.type);
+        ASSERT_NE(handle, nullptr);
+        std::int32_t count = -1;
+        EXPECT_EQ(Send(MSG_DPA_COUNT, P(handle), P(&count)), 0);
+        EXPECT_EQ(count, 1);
+        fxDataPointArray* a = FirstArray(handle);
+        ASSERT_NE(a, nullptr);
+        EXPECT_EQ(Wide(a->name.name), t.name);
+        EXPECT_STREQ(a->name.secondName, "USDCHF");
+        EXPECT_EQ(a->name.period.type, 'I');
+        EXPECT_EQ(a->name.period.length, 30);
+        EXPECT_EQ(a->precision, 4);
+        EXPECT_EQ(std::uint32_t(a->typeShow.color0), 0xFF00A000u);
+        EXPECT_EQ(std::uint32_t(a->typeShow.color1), 0xFFD00000u);
+        const char* names[] = {"TIME", "STEP", "VALUE", "TYPE", "END", "SOLID"};
+        const std::int32_t types32[] = {2, 4, 4, 2, 4, 4};
+        ASSERT_EQ(a->fieldCount, 6);
+        for (int f = 0; f < 6; ++f) {
+            EXPECT_STREQ(a->fields[f].name, names[f]);
+            EXPECT_EQ(a->fields[f].type, types32[f]);
+        }
+        EXPECT_EQ(a->pointSize, 24);
+        const auto& records = core.chart(handle)->records();
+        ASSERT_GT(a->pointCount, 0);
+        EXPECT_EQ(std::size_t(a->pointCount), records.size());
+        EXPECT_EQ(static_cast<const void*>(a->points), static_cast<const void*>(records.data()));
+    }
+}
+
+TEST_F(DataCoreMessages, CreateRefusesWhatItCannotServe) {
+    EXPECT_EQ(Send(MSG_CREATE_DPA, 0), 1);
+    coreCreateDpaData unknownProvider = CreateRecord(hostObject.newHandle(), "USDCHF", 'I', 30);
+    coreCreateDpaData nullProvider = CreateRecord(nullptr, "USDCHF", 'I', 30);
+    coreCreateDpaData unknownName = CreateRecord(core.providerInterface(ChartType::Renko), "EURUSD", 'I', 30);
+    coreCreateDpaData wrongPeriod = CreateRecord(core.providerInterface(ChartType::Renko), "USDCHF", 'D', 1);
+    for (coreCreateDpaData* r : {&unknownProvider, &nullProvider, &unknownName, &wrongPeriod}) {
+        r->handle = reinterpret_cast<void*>(std::intptr_t(0x55));
+        EXPECT_EQ(Send(MSG_CREATE_DPA, P(r)), 1);
+        EXPECT_EQ(r->handle, nullptr);
+    }
+    // Period type 0 takes the instrument's own period; the daily built-in answers 'D'.
+    EXPECT_NE(Create(ChartType::Kagi, "USDCHF", 0, 0), nullptr);
+    EXPECT_NE(Create(ChartType::Kagi, "TTRC", 'D', 1), nullptr);
+}
+
+TEST_F(DataCoreMessages, UnknownHandlesAndNullRecordsAnswerOne) {
+    void* chart = Create(ChartType::PointAndFigure);
+    std::int32_t count = 0;
+    fxDataPointArray* slot = nullptr;
+    coreListCreateData list{1, &slot};
+    coreDpaSubscription sub{hostObject.newHandle(), hostObject.newHandle()};
+    coreHeadNodeInfo info;
+    for (std::intptr_t bad : {std::intptr_t(0), std::intptr_t(0x7777), P(core.providerInterface(ChartType::Kagi))}) {
+        SCOPED_TRACE(bad);
+        EXPECT_EQ(Send(MSG_DPA_COUNT, bad, P(&count)), 1);
+        EXPECT_EQ(Send(MSG_DPA_LIST, bad, P(&list)), 1);
+        EXPECT_EQ(Send(MSG_DPA_SUBSCRIBE, bad, P(&sub)), 1);
+        EXPECT_EQ(Send(MSG_DPA_UNSUBSCRIBE, bad, P(&sub)), 1);
+        EXPECT_EQ(Send(MSG_HEAD_NODE_INFO, bad, P(&info)), 1);
+    }
+    EXPECT_EQ(slot, nullptr);
+    for (unsigned int m : {MSG_DPA_COUNT, MSG_DPA_LIST, MSG_DPA_SUBSCRIBE, MSG_DPA_UNSUBSCRIBE, MSG_HEAD_NODE_INFO})
+        EXPECT_EQ(Send(m, P(chart), 0), 1) << m;
+    // A released object's handle is unknown from then on.
+    ASSERT_TRUE(core.release(chart));
+    EXPECT_EQ(Send(MSG_DPA_COUNT, P(chart), P(&count)), 1);
+}
+
+TEST_F(DataCoreMessages, ListCountsAreBounded) {
+    void* chart = Create(ChartType::Renko);
+    fxDataPointArray* const sentinel = reinterpret_cast<fxDataPointArray*>(std::intptr_t(0x99));
+    fxDataPointArray* slots[5] = {sentinel, sentinel, sentinel, sentinel, sentinel};
+    coreListCreateData list{0, slots};
+    EXPECT_EQ(Send(MSG_DPA_LIST, P(chart), P(&list)), 0);  // nothing asked, nothing written
+    EXPECT_EQ(slots[0], sentinel);
+    list.count = 5;  // more room than arrays: only the one array is written
+    EXPECT_EQ(Send(MSG_DPA_LIST, P(chart), P(&list)), 0);
+    EXPECT_EQ(slots[0], core.arrays(chart)[0]);
+    for (int k = 1; k < 5; ++k) EXPECT_EQ(slots[k], sentinel);
+    EXPECT_EQ(list.count, 5);
+    for (std::int32_t bad : {-1, 1 << 20}) {
+        list.count = bad;
+        EXPECT_EQ(Send(MSG_DPA_LIST, P(chart), P(&list)), 1) << bad;
+    }
+    coreListCreateData noArray{1, nullptr};
+    EXPECT_EQ(Send(MSG_DPA_LIST, P(chart), P(&noArray)), 1);
+}
+
+TEST_F(DataCoreMessages, HeadNodeNamesTheProvider) {
+    coreHeadNodeInfo info;
+    std::memset(&info, 'x', sizeof info);
+    ASSERT_EQ(Send(MSG_HEAD_NODE_INFO, P(Create(ChartType::Renko)), P(&info)), 0);
+    EXPECT_STREQ(info.interfaceName, "CHARTTYPE");
+    EXPECT_STREQ(info.provider, "TELVIX");
+    EXPECT_STREQ(info.name, "Renko");
+    ASSERT_EQ(Send(MSG_HEAD_NODE_INFO, P(core.baseHandle("USDCHF")), P(&info)), 0);
+    EXPECT_STREQ(info.interfaceName, "CANDLE");
+    EXPECT_STREQ(info.name, "CANDLE_TELVIX");
+}
+
+TEST_F(DataCoreMessages, BaseSeriesArraysCarryTheQuotes) {
+    fxDataPointArray* closes = FirstArray(core.baseHandle("USDCHF"));
+    ASSERT_NE(closes, nullptr);
+    EXPECT_EQ(Wide(closes->name.name), "USDCHF");
+    ASSERT_EQ(closes->fieldCount, 2);
+    EXPECT_STREQ(closes->fields[1].name, "CLOSE");
+    EXPECT_EQ(closes->pointSize, 8);
+    EXPECT_EQ(closes->pointCount, 62496);
+    std::int32_t time;
+    float close;
+    std::memcpy(&time, closes->points, 4);
+    std::memcpy(&close, closes->points + 4, 4);
+    EXPECT_EQ(time, 828316800);
+    EXPECT_FLOAT_EQ(close, 1.1930f);
+
+    fxDataPointArray* bars = FirstArray(core.baseHandle("TTRC"));
+    ASSERT_NE(bars, nullptr);
+    EXPECT_EQ(bars->fieldCount, 6);
+    EXPECT_EQ(bars->pointSize, 24);
+    EXPECT_EQ(bars->precision, 2);
+    EXPECT_EQ(bars->name.period.type, 'D');
+    float ohlcv[5];
+    std::memcpy(ohlcv, bars->points + 4, sizeof ohlcv);  // 3.18 3.18 3.08 3.08 1870906
+    EXPECT_FLOAT_EQ(ohlcv[0], 3.18f);
+    EXPECT_FLOAT_EQ(ohlcv[2], 3.08f);
+    EXPECT_FLOAT_EQ(ohlcv[4], 1870906.0f);
+}
+
+// ---- replay and notices ----
+
+namespace {
+
+class Replay : public DataCoreMessages {
+protected:
+    void SetUp() override {
+        host::InstrumentOptions o;
+        o.name = "LIVE";
+        o.live = 1000;
+        ASSERT_NE(core.loadInstrument(host::DataCore::builtInPath("USDCHF"), o), nullptr);
+        host::data::ChartSettings s;
+        s.box = 0.0010;
+        chart = core.createChart("LIVE", ChartType::PointAndFigure, s);
+        ASSERT_NE(chart, nullptr);
+        ASSERT_FALSE(core.chart(chart)->records().empty());
+    }
+    void* chart = nullptr;
+    void* const iface = reinterpret_cast<void*>(std::intptr_t(0x4100));
+    void* const widget = reinterpret_cast<void*>(std::intptr_t(0x4200));
+};
+
+}  // namespace
+
+TEST_F(Replay, SubscribersHearOfEveryChangeUntilTheyCancel) {
+    coreDpaSubscription sub{iface, widget};
+    EXPECT_EQ(Send(MSG_DPA_SUBSCRIBE, P(chart), P(&sub)), 0);
+    EXPECT_EQ(Send(MSG_DPA_SUBSCRIBE, P(chart), P(&sub)), 0);  // twice is still one subscription
+    EXPECT_EQ(core.subscriptionCount(chart), 1u);
+
+    const fxDataPointArray* header = core.arrays(chart)[0];
+    // Count, VALUE and END of the last column: what a notice-worthy change alters.
+    auto state = [&] {
+        const auto& r = core.chart(chart)->records();
+        return r.empty() ? std::make_tuple(std::size_t(0), 0.0f, 0.0f)
+                         : std::make_tuple(r.size(), r.back().value, r.back().end);
+    };
+    std::size_t changes = 0;
+    for (int i = 0; i < 500; ++i) {
+        const auto before = state();
+        ASSERT_EQ(core.replay("LIVE", 1), 1u);
+        changes += state() != before;
+    }
+    ASSERT_GT(changes, 5u);
+    ASSERT_EQ(core.notices().size(), changes);  // one per change, none for quotes that change nothing
+    std::int32_t previous = 0;
+    for (const auto& n : core.notices()) {
+        EXPECT_EQ(n.target, iface);
+        EXPECT_EQ(n.subscriber, widget);
+        EXPECT_EQ(n.handle, chart);
+        EXPECT_EQ(n.result, 1);  // no module loaded
+        EXPECT_GT(n.reference, previous);
+        previous = n.reference;
+    }
+    // The array header stays where it was; 3042 hands out the same one with the new points.
+    EXPECT_EQ(FirstArray(chart), header);
+
+    EXPECT_EQ(Send(MSG_DPA_UNSUBSCRIBE, P(chart), P(&sub)), 0);
+    EXPECT_EQ(core.subscriptionCount(chart), 0u);
+    core.clearNotices();
+    core.replay("LIVE", 1000);
+    EXPECT_TRUE(core.notices().empty());
+}
+
+TEST_F(Replay, AppendKeepsTimeOrderAndBaseSeriesHearsEveryQuote) {
+    coreDpaSubscription sub{iface, widget};
+    void* base = core.baseHandle("LIVE");
+    ASSERT_EQ(Send(MSG_DPA_SUBSCRIBE, P(base), P(&sub)), 0);
+    const std::int32_t last = core.instrument("LIVE")->quotes().back().time;
+    EXPECT_FALSE(core.append("LIVE", host::data::closeQuote(last - 1, 1.2)));
+    EXPECT_FALSE(core.append("NOSUCH", host::data::closeQuote(last + 1, 1.2)));
+    EXPECT_TRUE(core.notices().empty());
+
+    const std::size_t columns = core.chart(chart)->records().size();
+    const float top = core.chart(chart)->records().back().end;
+    // A jump far above anything so far: a new rising column or a longer one, up to box 1.5000.
+    ASSERT_TRUE(core.append("LIVE", host::data::closeQuote(last + 1800, 1.50004)));
+    EXPECT_GE(core.chart(chart)->records().size(), columns);
+    EXPECT_GT(core.chart(chart)->records().back().end, top);
+    EXPECT_FLOAT_EQ(core.chart(chart)->records().back().end, 1.5f);
+    ASSERT_EQ(core.notices().size(), 1u);
+    EXPECT_EQ(core.notices()[0].handle, base);
+    EXPECT_EQ(core.arrays(base)[0]->pointCount, 1001);
+}
+
+TEST_F(Replay, ConfigureRecomputesAndRefusesBadSettings) {
+    coreDpaSubscription sub{iface, widget};
+    ASSERT_EQ(Send(MSG_DPA_SUBSCRIBE, P(chart), P(&sub)), 0);
+    core.replay("LIVE", 5000);
+    core.clearNotices();
+
+    host::data::ChartSettings s;
+    s.box = 0.0050;
+    s.reversal = 2;
+    ASSERT_TRUE(core.configure(chart, s));
+    ASSERT_EQ(core.notices().size(), 1u);
+    void* fresh = core.createChart("LIVE", ChartType::PointAndFigure, s);
+    const auto& a = core.chart(chart)->records();
+    const auto& b = core.chart(fresh)->records();
+    ASSERT_EQ(a.size(), b.size());
+    EXPECT_EQ(std::memcmp(a.data(), b.data(), a.size() * sizeof a[0]), 0);
+    EXPECT_FLOAT_EQ(core.arrays(chart)[0]->points ? a[0].step : 0, 0.005f);
+
+    std::string error;
+    const host::data::ChartSettings bad[] = {{-1, 3, 0}, {1e-12, 3, 0}, {1e-7, 3, 0}, {0.001, 5000, 0},
+                                             {0.001, 3, 150}};
+    for (const auto& settings : bad) {
+        EXPECT_FALSE(core.configure(chart, settings, &error));
+        EXPECT_FALSE(error.empty());
+        error.clear();
+    }
+    EXPECT_DOUBLE_EQ(core.chart(chart)->settings().box, 0.005);
+    EXPECT_FALSE(core.configure(core.baseHandle("LIVE"), s, &error));
+    EXPECT_EQ(core.createChart("LIVE", ChartType::Renko, bad[0], &error), nullptr);
+}
+
+// The module, loaded for real, is sent the notice at the interface target of the
+// subscription, and its answer is recorded.
+TEST(DataCoreNotices, ReachTheLoadedModule) {
+    host::Emulator emulator;
+    std::string error;
+    if (!emulator.loadModule(&error)) GTEST_SKIP() << error;
+    emulator.startUp();
+    void* chart = emulator.data().createChart("USDCHF", ChartType::Kagi);
+    coreDpaSubscription sub{reinterpret_cast<void*>(std::intptr_t(0x4100)), reinterpret_cast<void*>(std::intptr_t(0x4200))};
+    ASSERT_EQ(host::Host::callback(nullptr, MSG_DPA_SUBSCRIBE, P(chart), P(&sub)), 0);
+    host::data::ChartSettings s;
+    s.box = 0.0010;
+    ASSERT_TRUE(emulator.data().configure(chart, s));
+    ASSERT_EQ(emulator.data().notices().size(), 1u);
+    const auto sent = emulator.host().journal().find(MSG_DATA_UPDATED);
+    ASSERT_EQ(sent.size(), 1u);
+    EXPECT_EQ(sent[0].result, emulator.data().notices()[0].result);
+    EXPECT_EQ(sent[0].direction, host::Journal::ToModule);
+    EXPECT_EQ(sent[0].target, std::uintptr_t(0x4100));
+}
+
+// ---- CSV files ----
+
+namespace {
+std::unique_ptr<host::data::Instrument> Read(const std::string& text, std::string* error = nullptr) {
+    std::istringstream in(text);
+    return host::data::CsvPriceReader::read(in, "TEST", error);
+}
+}  // namespace
+
+TEST(CsvPriceReader, PrecisionPeriodAndLayoutComeFromTheFile) {
+    auto closes = Read("time,close\n100,1.5\n160,1.25\n220,1.125\n\n");
+    ASSERT_NE(closes, nullptr);
+    EXPECT_EQ(closes->precision(), 3);
+    EXPECT_EQ(closes->period().type, 'I');
+    EXPECT_EQ(closes->period().length, 1);
+    EXPECT_FALSE(closes->hasOhlc());
+    ASSERT_EQ(closes->quotes().size(), 3u);
+    EXPECT_EQ(closes->quotes()[1].high, 1.25);
+    EXPECT_DOUBLE_EQ(closes->lowestClose(), 1.125);
+
+    // Columns by name in any order; volume decimals do not count.
+    auto bars = Read("Time,Close,Open,High,Low,Volume\n0,2.5,2,3,1,10.125\n86400,2.25,2,3,1,5\n");
+    ASSERT_NE(bars, nullptr);
+    EXPECT_TRUE(bars->hasOhlc());
+    EXPECT_EQ(bars->precision(), 2);
+    EXPECT_EQ(bars->period().type, 'D');
+    EXPECT_EQ(bars->quotes()[0].close, 2.5);
+    EXPECT_EQ(bars->quotes()[0].low, 1);
+    EXPECT_EQ(bars->quotes()[0].volume, 10.125);
+}
+
+TEST(CsvPriceReader, BrokenFilesAreRefusedWithTheReason) {
+    const struct {
+        const char* text;
+        const char* reason;
+    } cases[] = {{"", "empty file"},
+                 {"time,open\n1,2\n", "the header needs the columns time and close"},
+                 {"time,close\n1,abc\n", "line 2: bad close"},
+                 {"time,close\n1,1.5\n2\n", "line 3: bad close"},
+                 {"time,close\n5,1\n4,1\n", "line 3: time goes backwards"},
+                 {"time,close\n-5,1\n", "line 2: time out of range"},
+                 {"time,close\n", "no quotes"}};
+    for (const auto& c : cases) {
+        std::string error;
+        EXPECT_EQ(Read(c.text, &error), nullptr) << c.text;
+        EXPECT_EQ(error, c.reason);
+    }
+    std::string error;
+    EXPECT_EQ(host::data::CsvPriceReader::readFile("/nonexistent/prices.csv", "", &error), nullptr);
+    EXPECT_NE(error.find("cannot open"), std::string::npos);
+}
+
+TEST(CsvPriceReader, NamesAndPeriods) {
+    using R = host::data::CsvPriceReader;
+    EXPECT_EQ(R::nameFromPath("/a/b/usdchf-30min.csv"), "USDCHF");
+    EXPECT_EQ(R::nameFromPath("ttrc-daily.csv"), "TTRC");
+    EXPECT_EQ(R::nameFromPath("eurusd.csv"), "EURUSD");
+    const struct {
+        std::int64_t seconds;
+        char type;
+        std::int32_t length;
+    } cases[] = {{1800, 'I', 30}, {3600, 'I', 60}, {86400, 'D', 1}, {3 * 86400, 'D', 1}, {604800, 'W', 1},
+                 {31 * 86400, 'M', 1}, {366 * 86400, 'Y', 1}, {0, 'I', 0}, {45, 'I', 0}};
+    for (const auto& c : cases) {
+        const namePeriod p = R::periodFromSpacing(c.seconds);
+        EXPECT_EQ(p.type, c.type) << c.seconds;
+        EXPECT_EQ(p.length, c.length) << c.seconds;
+    }
+}
+
+TEST(DataCoreInstruments, BuiltInsLoadOnFirstUseAndNamesAreUnique) {
+    host::Host h;
+    host::DataCore core(h);
+    EXPECT_EQ(core.instrumentNames(), (std::vector<std::string>{"TTRC", "USDCHF"}));
+    host::data::Instrument* usdchf = core.instrument("USDCHF");
+    ASSERT_NE(usdchf, nullptr);
+    EXPECT_EQ(usdchf->precision(), 4);
+    EXPECT_EQ(usdchf->quotes().size(), 62496u);
+    EXPECT_EQ(core.instrument("usdchf"), nullptr);
+    std::string error;
+    EXPECT_EQ(core.loadInstrument(host::DataCore::builtInPath("USDCHF"), host::InstrumentOptions(), &error), nullptr);
+    EXPECT_NE(error.find("already loaded"), std::string::npos);
+    host::InstrumentOptions held;
+    held.name = "HELD";
+    held.live = 0;
+    host::data::Instrument* h0 = core.loadInstrument(host::DataCore::builtInPath("TTRC"), held);
+    ASSERT_NE(h0, nullptr);
+    EXPECT_TRUE(h0->quotes().empty());
+    EXPECT_EQ(h0->pendingCount(), 5550u);
+    // A chart of an empty series is empty and fills as quotes arrive.
+    void* chart = core.createChart("HELD", ChartType::Renko);
+    ASSERT_NE(chart, nullptr);
+    EXPECT_EQ(core.arrays(chart)[0]->pointCount, 0);
+    EXPECT_EQ(core.arrays(chart)[0]->points, nullptr);
+    EXPECT_EQ(core.replay("HELD", 10000), 5550u);
+    EXPECT_GT(core.arrays(chart)[0]->pointCount, 0);
+}

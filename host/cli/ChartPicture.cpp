@@ -118,5 +118,12 @@ bool DrawChart(Emulator& emulator, ChartPicture& picture, std::string* error) {
     return true;
 }
 
+bool SaveChart(Emulator& emulator, ChartPicture& picture, const QString& path, std::string* error) {
+    if (!DrawChart(emulator, picture, error)) return false;
+    if (picture.image.save(path, "PNG")) return true;
+    *error = "cannot write " + path.toStdString();
+    return false;
+}
+
 }  // namespace cli
 }  // namespace host

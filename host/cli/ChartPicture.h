@@ -42,6 +42,8 @@ struct ChartPicture {
 // Draws `picture` through the emulator's data core. False with `error` set when the
 // instrument is unknown, the data core refuses the chart object or it has no records.
 bool DrawChart(Emulator& emulator, ChartPicture& picture, std::string* error);
+// DrawChart, then the image written to `path` as PNG.
+bool SaveChart(Emulator& emulator, ChartPicture& picture, const QString& path, std::string* error);
 
 }  // namespace cli
 }  // namespace host

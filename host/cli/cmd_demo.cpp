@@ -29,12 +29,8 @@ int drawCharts(host::Emulator& emulator, const QString& folder) {
         picture.type = c.type;
         std::string error;
         const QString path = QDir(folder).filePath(QLatin1String(c.file));
-        if (!host::cli::DrawChart(emulator, picture, &error)) {
+        if (!host::cli::SaveChart(emulator, picture, path, &error)) {
             std::fprintf(stderr, "pfhost: %s\n", error.c_str());
-            return 1;
-        }
-        if (!picture.image.save(path, "PNG")) {
-            std::fprintf(stderr, "pfhost: cannot write %s\n", qPrintable(path));
             return 1;
         }
         std::printf("  %s: %s\n", qPrintable(path), qPrintable(picture.Describe()));

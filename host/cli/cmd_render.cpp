@@ -53,12 +53,8 @@ int runRender(const QStringList& args) {
     } else {
         picture.instrument = source.toStdString();
     }
-    if (!host::cli::DrawChart(emulator, picture, &error)) {
+    if (!host::cli::SaveChart(emulator, picture, out, &error)) {
         std::fprintf(stderr, "pfhost render: %s\n", error.c_str());
-        return 1;
-    }
-    if (!picture.image.save(out, "PNG")) {
-        std::fprintf(stderr, "pfhost render: cannot write %s\n", qPrintable(out));
         return 1;
     }
     std::printf("%s: %s\n", qPrintable(out), qPrintable(picture.Describe()));

@@ -80,20 +80,20 @@ TEST_F(DataCoreMessages, CreatedObjectHandsOutItsChartTypeArray) {
         EXPECT_EQ(Wide(a->name.name), t.name);
         EXPECT_STREQ(a->name.secondName, "USDCHF");
         EXPECT_EQ(a->name.period.type, 'I');
-        EXPECT_EQ(a->name.period.length, 30);
-        EXPECT_EQ(a->precision, 4);
+        EXPECT_EQ(+a->name.period.length, 30);
+        EXPECT_EQ(+a->precision, 4);
         EXPECT_EQ(std::uint32_t(a->typeShow.color0), 0xFF00A000u);
         EXPECT_EQ(std::uint32_t(a->typeShow.color1), 0xFFD00000u);
         const char* names[] = {"TIME", "STEP", "VALUE", "TYPE", "END", "SOLID"};
         const std::int32_t types32[] = {2, 4, 4, 2, 4, 4};
-        ASSERT_EQ(a->fieldCount, 6);
+        ASSERT_EQ(+a->fieldCount, 6);
         for (int f = 0; f < 6; ++f) {
             EXPECT_STREQ(a->fields[f].name, names[f]);
-            EXPECT_EQ(a->fields[f].type, types32[f]);
+            EXPECT_EQ(+a->fields[f].type, types32[f]);
         }
-        EXPECT_EQ(a->pointSize, 24);
+        EXPECT_EQ(+a->pointSize, 24);
         const auto& records = core.chart(handle)->records();
-        ASSERT_GT(a->pointCount, 0);
+        ASSERT_GT(+a->pointCount, 0);
         EXPECT_EQ(std::size_t(a->pointCount), records.size());
         EXPECT_EQ(static_cast<const void*>(a->points), static_cast<const void*>(records.data()));
     }
@@ -108,7 +108,7 @@ TEST_F(DataCoreMessages, CreateRefusesWhatItCannotServe) {
     for (coreCreateDpaData* r : {&unknownProvider, &nullProvider, &unknownName, &wrongPeriod}) {
         r->handle = reinterpret_cast<void*>(std::intptr_t(0x55));
         EXPECT_EQ(Send(MSG_CREATE_DPA, P(r)), 1);
-        EXPECT_EQ(r->handle, nullptr);
+        EXPECT_EQ(static_cast<void*>(r->handle), nullptr);
     }
     // Period type 0 takes the instrument's own period; the daily built-in answers 'D'.
     EXPECT_NE(Create(ChartType::Kagi, "USDCHF", 0, 0), nullptr);
@@ -149,7 +149,7 @@ TEST_F(DataCoreMessages, ListCountsAreBounded) {
     EXPECT_EQ(Send(MSG_DPA_LIST, P(chart), P(&list)), 0);
     EXPECT_EQ(slots[0], core.arrays(chart)[0]);
     for (int k = 1; k < 5; ++k) EXPECT_EQ(slots[k], sentinel);
-    EXPECT_EQ(list.count, 5);
+    EXPECT_EQ(+list.count, 5);
     for (std::int32_t bad : {-1, 1 << 20}) {
         list.count = bad;
         EXPECT_EQ(Send(MSG_DPA_LIST, P(chart), P(&list)), 1) << bad;
@@ -174,10 +174,10 @@ TEST_F(DataCoreMessages, BaseSeriesArraysCarryTheQuotes) {
     fxDataPointArray* closes = FirstArray(core.baseHandle("USDCHF"));
     ASSERT_NE(closes, nullptr);
     EXPECT_EQ(Wide(closes->name.name), "USDCHF");
-    ASSERT_EQ(closes->fieldCount, 2);
+    ASSERT_EQ(+closes->fieldCount, 2);
     EXPECT_STREQ(closes->fields[1].name, "CLOSE");
-    EXPECT_EQ(closes->pointSize, 8);
-    EXPECT_EQ(closes->pointCount, 62496);
+    EXPECT_EQ(+closes->pointSize, 8);
+    EXPECT_EQ(+closes->pointCount, 62496);
     std::int32_t time;
     float close;
     std::memcpy(&time, closes->points, 4);
@@ -187,9 +187,9 @@ TEST_F(DataCoreMessages, BaseSeriesArraysCarryTheQuotes) {
 
     fxDataPointArray* bars = FirstArray(core.baseHandle("TTRC"));
     ASSERT_NE(bars, nullptr);
-    EXPECT_EQ(bars->fieldCount, 6);
-    EXPECT_EQ(bars->pointSize, 24);
-    EXPECT_EQ(bars->precision, 2);
+    EXPECT_EQ(+bars->fieldCount, 6);
+    EXPECT_EQ(+bars->pointSize, 24);
+    EXPECT_EQ(+bars->precision, 2);
     EXPECT_EQ(bars->name.period.type, 'D');
     float ohlcv[5];
     std::memcpy(ohlcv, bars->points + 4, sizeof ohlcv);  // 3.18 3.18 3.08 3.08 1870906
@@ -280,7 +280,7 @@ TEST_F(Replay, AppendKeepsTimeOrderAndBaseSeriesHearsEveryQuote) {
     EXPECT_FLOAT_EQ(core.chart(chart)->records().back().end, 1.5f);
     ASSERT_EQ(core.notices().size(), 1u);
     EXPECT_EQ(core.notices()[0].handle, base);
-    EXPECT_EQ(core.arrays(base)[0]->pointCount, 1001);
+    EXPECT_EQ(+core.arrays(base)[0]->pointCount, 1001);
 }
 
 TEST_F(Replay, ConfigureRecomputesAndRefusesBadSettings) {
@@ -349,7 +349,7 @@ TEST(CsvPriceReader, PrecisionPeriodAndLayoutComeFromTheFile) {
     ASSERT_NE(closes, nullptr);
     EXPECT_EQ(closes->precision(), 3);
     EXPECT_EQ(closes->period().type, 'I');
-    EXPECT_EQ(closes->period().length, 1);
+    EXPECT_EQ(+closes->period().length, 1);
     EXPECT_FALSE(closes->hasOhlc());
     ASSERT_EQ(closes->quotes().size(), 3u);
     EXPECT_EQ(closes->quotes()[1].high, 1.25);
@@ -401,7 +401,7 @@ TEST(CsvPriceReader, NamesAndPeriods) {
     for (const auto& c : cases) {
         const namePeriod p = R::periodFromSpacing(c.seconds);
         EXPECT_EQ(p.type, c.type) << c.seconds;
-        EXPECT_EQ(p.length, c.length) << c.seconds;
+        EXPECT_EQ(+p.length, c.length) << c.seconds;
     }
 }
 
@@ -427,8 +427,8 @@ TEST(DataCoreInstruments, BuiltInsLoadOnFirstUseAndNamesAreUnique) {
     // A chart of an empty series is empty and fills as quotes arrive.
     void* chart = core.createChart("HELD", ChartType::Renko);
     ASSERT_NE(chart, nullptr);
-    EXPECT_EQ(core.arrays(chart)[0]->pointCount, 0);
-    EXPECT_EQ(core.arrays(chart)[0]->points, nullptr);
+    EXPECT_EQ(+core.arrays(chart)[0]->pointCount, 0);
+    EXPECT_EQ(static_cast<void*>(core.arrays(chart)[0]->points), nullptr);
     EXPECT_EQ(core.replay("HELD", 10000), 5550u);
-    EXPECT_GT(core.arrays(chart)[0]->pointCount, 0);
+    EXPECT_GT(+core.arrays(chart)[0]->pointCount, 0);
 }

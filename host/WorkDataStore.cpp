@@ -94,6 +94,7 @@ std::size_t entryCount(const Node& node) { return node.attributes.size() + node.
 struct WorkDataStore::Document {
     QString path;
     Node top;  // the document node; its child is the root element
+    bool changed = false;  // since it was read or last saved
 };
 
 WorkDataStore::WorkDataStore(Host& host) : host_(host) {
@@ -146,6 +147,10 @@ WorkDataStore::Document* WorkDataStore::documentOf(const Node* node) const {
     for (const auto& d : documents_)
         if (&d->top == node) return d.get();
     return nullptr;
+}
+
+void WorkDataStore::touch(const Node* node) {
+    if (Document* doc = documentOf(node)) doc->changed = true;
 }
 
 void WorkDataStore::adopt(Node& node) {
@@ -202,12 +207,14 @@ bool WorkDataStore::save(void* handle, QString* error) {
         if (error) *error = QStringLiteral("%1: no root element to save").arg(doc->path);
         return false;
     }
+    if (!doc->changed) return true;  // a document only read (a skin) is left as it is
     QSaveFile file(doc->path);
     if (!file.open(QIODevice::WriteOnly) || file.write(workdata::serialize(doc->top)) < 0 ||
         !file.commit()) {
         if (error) *error = QStringLiteral("%1: %2").arg(doc->path, file.errorString());
         return false;
     }
+    doc->changed = false;
     return true;
 }
 
@@ -229,6 +236,7 @@ void* WorkDataStore::createChild(void* parent, const QString& name) {
     if (!n->parent && !n->children.empty()) return nullptr;  // one root element per document
     Node* c = n->addChild(name);
     adopt(*c);
+    touch(n);
     return c->handle;
 }
 
@@ -286,6 +294,7 @@ int WorkDataStore::onClear(std::intptr_t p1, std::string& detail) {
     for (auto& c : n->children) forget(*c);
     n->children.clear();
     n->attributes.clear();
+    touch(n);
     detail = "clear " + hex(n->handle);
     return 0;
 }
@@ -374,6 +383,7 @@ int WorkDataStore::onWrite(std::intptr_t p1, std::intptr_t p2, std::string& deta
                                                   : QString());
         ++written;
     }
+    if (written) touch(n);
     detail = "write " + hex(n->handle) + " " + std::to_string(written) + " attributes";
     if (refused) detail += ", refused " + std::to_string(refused);
     return refused ? 1 : 0;

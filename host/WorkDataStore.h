@@ -15,8 +15,9 @@
 // - Handles come from Host::newHandle and are never reused: a handle the store did not
 //   give out, or one of a node that was removed, answers 1 (and handle 0 where a handle is
 //   written back). Every record pointer and count is checked before use.
-// - 3164 writes the whole document holding the node, atomically; a document without a root
-//   element answers 1.
+// - 3164 writes the whole document holding the node, atomically, when it has changed since
+//   it was read or last saved (so a document only read, such as a skin, is never rewritten);
+//   a document without a root element answers 1. A path stays open for the store's life.
 //
 // Node and attribute names must be XML names without ':'; a write or creation with another
 // name is refused for that entry. 3012 (head node of a data object) belongs to the data core.
@@ -66,6 +67,7 @@ private:
     workdata::Node* find(std::uint32_t handle) const;
     workdata::Node* findNode(const coreSzNode* record) const;
     Document* documentOf(const workdata::Node* node) const;
+    void touch(const workdata::Node* node);
     void adopt(workdata::Node& node);
     void forget(workdata::Node& node);
 

@@ -96,6 +96,29 @@ bool isXmlName(const QString& name) {
 }
 
 // ---------------------------------------------------------------------------------------
+// Characters
+
+namespace {
+
+bool isXmlChar(ushort c) {
+    return c == 0x9 || c == 0xA || c == 0xD || (c >= 0x20 && c != 0xFFFE && c != 0xFFFF);
+}
+
+}  // namespace
+
+QString xmlText(const QString& text) {
+    QString out = text;
+    for (int i = 0; i < text.size(); ++i) {
+        const QChar ch = text.at(i);
+        if (ch.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate())
+            ++i;
+        else if (ch.isSurrogate() || !isXmlChar(ch.unicode()))
+            out[i] = QChar(QChar::ReplacementCharacter);
+    }
+    return out;
+}
+
+// ---------------------------------------------------------------------------------------
 // Reading
 
 namespace {
@@ -108,7 +131,9 @@ bool convert(const QDomElement& from, Node& to, QString* error) {
     const QDomNamedNodeMap attrs = from.attributes();
     for (int i = 0; i < attrs.count(); ++i) {
         const QDomNode a = attrs.item(i);
-        to.attributes.emplace_back(a.nodeName(), a.nodeValue());
+        // Qt's reader lets through characters XML forbids (a NUL, for one): keep only
+        // what the file could legally have said.
+        to.attributes.emplace_back(a.nodeName(), xmlText(a.nodeValue()));
     }
     std::sort(to.attributes.begin(), to.attributes.end());
     for (QDomElement c = from.firstChildElement(); !c.isNull(); c = c.nextSiblingElement())
@@ -146,24 +171,14 @@ bool parse(const QByteArray& bytes, Node& top, QString* error) {
 
 namespace {
 
-bool isXmlChar(ushort c) {
-    return c == 0x9 || c == 0xA || c == 0xD || (c >= 0x20 && c != 0xFFFE && c != 0xFFFF);
-}
-
-// Markup and the whitespace a parser would normalise are written as references; anything
-// XML cannot hold becomes U+FFFD.
+// Markup and the whitespace a parser would normalise are written as references.
 QString escape(const QString& text) {
+    const QString clean = xmlText(text);
     QString out;
-    out.reserve(text.size() + 8);
-    for (int i = 0; i < text.size(); ++i) {
-        const QChar ch = text[i];
+    out.reserve(clean.size() + 8);
+    for (const QChar ch : clean) {
         const ushort c = ch.unicode();
-        if (ch.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
-            out += ch;
-            out += text[++i];
-        } else if (ch.isSurrogate() || !isXmlChar(c)) {
-            out += QChar(QChar::ReplacementCharacter);
-        } else if (c == '&') {
+        if (c == '&') {
             out += QLatin1String("&amp;");
         } else if (c == '<') {
             out += QLatin1String("&lt;");

@@ -40,14 +40,17 @@ struct Node {
 // ':' (no namespaces), made of characters from the Basic Multilingual Plane.
 bool isXmlName(const QString& name);
 
+// `text` with every character XML 1.0 cannot carry (controls other than tab, line feed and
+// carriage return, U+FFFE, U+FFFF, unpaired surrogates) replaced by U+FFFD.
+QString xmlText(const QString& text);
+
 // Parses `bytes` into the children of `top` (the document node, left empty on failure).
 // Attributes of a node come sorted by name. Text, comments and processing instructions
 // are not kept.
 bool parse(const QByteArray& bytes, Node& top, QString* error = nullptr);
 
 // The document below `top` as UTF-8 XML with an XML declaration, two spaces of indent per
-// level. Characters XML 1.0 cannot carry (controls other than tab, line feed and carriage
-// return, U+FFFE, U+FFFF, unpaired surrogates) are written as U+FFFD.
+// level. Values pass through xmlText first.
 QByteArray serialize(const Node& top);
 
 }  // namespace workdata

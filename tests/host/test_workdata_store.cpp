@@ -74,7 +74,7 @@ TEST_F(Store, UnknownAndRemovedHandlesAnswerFailure) {
         create.result = reinterpret_cast<void*>(1);
         std::strcpy(create.name, "X");
         EXPECT_EQ(send(MSG_WD_CREATE_NODE, &create), 1);
-        EXPECT_EQ(create.result, nullptr);
+        EXPECT_EQ(static_cast<void*>(create.result), nullptr);
     }
     EXPECT_EQ(count, -1);
     for (unsigned int m : {MSG_WD_OPEN, MSG_WD_SAVE, MSG_WD_CLEAR_NODE, MSG_WD_CREATE_NODE,
@@ -111,8 +111,8 @@ TEST_F(Store, ReadsAreCutToTheModuleBuffers) {
     std::memset(params, 0, sizeof params);
     coreSzParamList list{3, params};
     ASSERT_EQ(send(MSG_WD_PARAM_LENGTHS, &n, &list), 0);
-    EXPECT_EQ(params[0].valueLength, 7);
-    EXPECT_EQ(params[1].kind, CORE_SZ_PARAM_CHILD);
+    EXPECT_EQ(int(params[0].valueLength), 7);
+    EXPECT_EQ(int(params[1].kind), int(CORE_SZ_PARAM_CHILD));
     coreWChar small[4];
     std::fill(std::begin(small), std::end(small), 0xAAAA);
     params[0].value = small;
@@ -122,7 +122,7 @@ TEST_F(Store, ReadsAreCutToTheModuleBuffers) {
     EXPECT_EQ(QString::fromUtf16(small), "ab");
     EXPECT_EQ(small[3], 0xAAAA) << "nothing past the stated length";
     EXPECT_STREQ(params[1].name, "Kid");
-    EXPECT_EQ(params[1].node, store().child(root, "Kid"));
+    EXPECT_EQ(static_cast<void*>(params[1].node), store().child(root, "Kid"));
     EXPECT_STREQ(params[2].name, "") << "beyond the node's entries";
 }
 
@@ -197,7 +197,29 @@ TEST_F(Store, DocumentsOpenSaveAndKeepOneRoot) {
     std::memcpy(request.path, path.utf16(), path.size() * sizeof(coreWChar));
     request.handle = reinterpret_cast<void*>(1);
     EXPECT_EQ(send(MSG_WD_OPEN, &request), 1);
-    EXPECT_EQ(request.handle, nullptr);
+    EXPECT_EQ(static_cast<void*>(request.handle), nullptr);
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(Store, SavingRewritesOnlyAChangedDocument) {
+    const QByteArray original = "<Skin><!-- kept --><PICT A='1'/></Skin>";
+    writeFile(original);
+    void* doc = store().open(path);
+    ASSERT_NE(doc, nullptr);
+    const coreSzNode n = nodeRecord(doc);
+    EXPECT_EQ(send(MSG_WD_SAVE, &n), 0);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), original);
+    file.close();
+
+    ASSERT_EQ(write(store().child(store().root(doc), "PICT"), {{"B", "2"}}), 0);
+    EXPECT_EQ(send(MSG_WD_SAVE, &n), 0);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().contains("<PICT A=\"1\" B=\"2\"/>"));
 }
 
 }  // namespace

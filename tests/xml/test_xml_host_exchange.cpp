@@ -57,7 +57,7 @@ struct Exchange : ::testing::Test {
                 const ScriptedEntry& e = entries[i];
                 std::memcpy(p.name, e.name.data(), std::min<std::size_t>(e.name.size(), 255));
                 // Fills the whole buffer when the value is long enough: no terminator.
-                const int n = std::min<int>(e.value.size(), p.valueLength);
+                const int n = std::min<int>(e.value.size(), int(p.valueLength));
                 std::memcpy(p.value, e.value.utf16(), n * sizeof(coreWChar));
                 p.kind = e.kind;
                 p.node = handle(e.node);
@@ -70,7 +70,7 @@ struct Exchange : ::testing::Test {
             writtenNullArray = list->params == nullptr;
             for (int i = 0; i < list->count; ++i) {
                 const coreSzParam& p = list->params[i];
-                EXPECT_EQ(p.valueLength, int(std::char_traits<char16_t>::length(
+                EXPECT_EQ(int(p.valueLength), int(std::char_traits<char16_t>::length(
                                              reinterpret_cast<const char16_t*>(p.value))) + 1);
                 written.emplace_back(std::string(p.name, strnlen(p.name, sizeof p.name)),
                                      QString::fromUtf16(p.value));
@@ -96,8 +96,8 @@ TEST_F(Exchange, ReadingAsksCountThenLengthsThenFillsAndSortsEntries) {
     for (const FakeHost::Call& call : host.calls()) EXPECT_EQ(call.target, host.handle());
     ASSERT_EQ(addressed.size(), 3u);
     for (const coreSzNode& node : addressed) {
-        EXPECT_EQ(node.node, 0x2010u);
-        EXPECT_EQ(node.document, 0x2000u);
+        EXPECT_EQ(std::uint32_t(node.node), 0x2010u);
+        EXPECT_EQ(std::uint32_t(node.document), 0x2000u);
     }
     ASSERT_EQ(data->children().size(), 2u);
     EXPECT_EQ(data->children()[0].node, handle(0x2030)) << "children keep the host's order";
@@ -164,8 +164,8 @@ TEST_F(Exchange, CreateNodeGivesNullUnlessTheHostReturnsAHandle) {
     });
     EXPECT_EQ(data->createNode("PFChart", 3), nullptr);
     EXPECT_STREQ(seen.name, "PFChart");
-    EXPECT_EQ(seen.parent, handle(0x2010));
-    EXPECT_EQ(seen.flag, 3);
+    EXPECT_EQ(static_cast<void*>(seen.parent), handle(0x2010));
+    EXPECT_EQ(int(seen.flag), 3);
     answer = handle(0x2040);
     result = 1;
     EXPECT_EQ(data->createNode("PFChart"), nullptr);
@@ -209,9 +209,9 @@ TEST_F(Exchange, HeadNodeAndArrayOriginAreKeptAsAttributes) {
     EXPECT_EQ(found, 1);
     EXPECT_EQ(std::memcmp(info.instrument.name, dpa.name.name, sizeof dpa.name.name), 0);
     EXPECT_STREQ(info.instrument.secondName, "Bid");
-    EXPECT_EQ(info.instrument.period.type, 'I');
-    EXPECT_EQ(info.instrument.period.length, 15);
-    EXPECT_EQ(info.instrument.value, -3);
+    EXPECT_EQ(char(info.instrument.period.type), 'I');
+    EXPECT_EQ(int(info.instrument.period.length), 15);
+    EXPECT_EQ(int(info.instrument.value), -3);
     EXPECT_STREQ(info.head.provider, "TELVIX");
     EXPECT_STREQ(info.head.name, "PF EURUSD");
     EXPECT_EQ(std::strlen(info.head.interfaceName), 254u) << "255-byte buffer, terminated";

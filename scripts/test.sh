@@ -15,6 +15,15 @@ passed=0
 failed=0
 summary=()
 
+build() {  # build-dir: compile quietly, show the log's end when it fails
+    if ! cmake --build "$1" -j"$jobs" >"$1/build.log" 2>&1; then
+        tail -n 60 "$1/build.log"
+        echo "build in $1 failed"
+        exit 1
+    fi
+    grep -E 'warning:' "$1/build.log" | sort -u | head -n 20 || true
+}
+
 run_ctest() {  # build-dir label
     local out rc=0
     out=$(cd "$1" && ctest --output-on-failure -j"$jobs" 2>&1) || rc=$?
@@ -33,12 +42,12 @@ run_ctest() {  # build-dir label
 
 echo "== release build"
 cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-cmake --build build/release -j"$jobs"
+build build/release
 run_ctest build/release release
 
 echo "== benchmarks (smoke run)"
 for b in build/release/bench/bench_*; do
-    [ -x "$b" ] || continue
+    [ -f "$b" ] && [ -x "$b" ] || continue
     if "$b" --benchmark_min_time=0.01 >/dev/null 2>&1; then
         passed=$((passed + 1))
     else
@@ -50,13 +59,13 @@ if [ "${PF_SKIP_ASAN:-0}" != "1" ]; then
     echo "== sanitizer build (clang, ASan + UBSan)"
     cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug \
         -DCMAKE_CXX_COMPILER=clang++ -DPF_SANITIZE=ON -DPF_FUZZ=ON -DPF_BENCH=OFF >/dev/null
-    cmake --build build/asan -j"$jobs"
+    build build/asan
     run_ctest build/asan asan
 
     echo "== fuzzing (${PF_FUZZ_SECONDS:-30} s per target)"
     mkdir -p build/asan/fuzz-corpus
     for f in build/asan/tests/fuzz_*; do
-        [ -x "$f" ] || continue
+        [ -f "$f" ] && [ -x "$f" ] || continue
         name=$(basename "$f")
         mkdir -p "build/asan/fuzz-corpus/$name"
         if (cd build/asan && QT_QPA_PLATFORM=offscreen ASAN_OPTIONS=detect_leaks=0 \

@@ -37,5 +37,8 @@ namespace host {
 namespace cli {
 // --module PATH, --work DIR, --language NAME (repeatable; the first is selected), --log FILE
 EmulatorOptions emulatorOptions(const QStringList& args);
+// Loads the module as the terminal does, prints its information record, runs the start-up
+// messages and prints the exchange. False (with the reason on stderr) when it cannot load.
+bool startModule(Emulator& emulator);
 }  // namespace cli
 }  // namespace host

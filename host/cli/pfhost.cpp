@@ -1,5 +1,8 @@
 // pfhost: the emulated terminal on the command line.
 #include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <unistd.h>
 #include <cstdio>
 #include <cstring>
 
@@ -38,6 +41,13 @@ static int usage() {
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+        // Qt wants a private runtime folder; give it one rather than a warning on every run.
+        const QByteArray dir = QDir::tempPath().toLocal8Bit() + "/pfhost-runtime-" + QByteArray::number(getuid());
+        QDir().mkpath(QString::fromLocal8Bit(dir));
+        QFile::setPermissions(QString::fromLocal8Bit(dir), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        qputenv("XDG_RUNTIME_DIR", dir);
+    }
     QApplication app(argc, argv);
     const QStringList args = app.arguments().mid(1);
     if (args.isEmpty()) return usage();
@@ -56,4 +66,20 @@ host::EmulatorOptions host::cli::emulatorOptions(const QStringList& args) {
     for (int i = 0; i + 1 < args.size(); ++i)
         if (args.at(i) == QLatin1String("--language")) o.languages.push_back(args.at(i + 1).toStdString());
     return o;
+}
+
+bool host::cli::startModule(Emulator& emulator) {
+    std::string error;
+    if (!emulator.loadModule(&error)) {
+        std::fprintf(stderr, "pfhost: %s\n", error.c_str());
+        return false;
+    }
+    MODULE_INFO info;
+    std::memset(&info, 0, sizeof info);
+    emulator.host().getModuleInfo(&info);
+    std::printf("The emulated terminal loaded %s\n\n%s", emulator.options().modulePath.c_str(),
+                describeModuleInfo(info).c_str());
+    emulator.startUp();
+    std::printf("\nstart-up exchange:\n%s", emulator.host().journal().dump().c_str());
+    return true;
 }

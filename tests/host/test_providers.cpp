@@ -228,7 +228,9 @@ TEST_F(UsdChf, KagiThicknessChangesOnlyWhereAStrokeBreaksOut) {
     for (std::size_t i = 0; i < f.size(); ++i) {
         SCOPED_TRACE("stroke " + std::to_string(i));
         ASSERT_LT(f[i].low, f[i].high);
-        if (i + 1 < f.size()) ASSERT_GE(f[i].high - f[i].low, amount);
+        if (i + 1 < f.size()) {
+            ASSERT_GE(f[i].high - f[i].low, amount);
+        }
         if (i > 0) {
             ASSERT_NE(f[i].rising, f[i - 1].rising);
             // Each stroke starts at the extreme where the one before ended.

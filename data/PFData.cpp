@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QRect>
+#include <algorithm>
 #include <cmath>
 
 namespace pf {
@@ -19,7 +20,15 @@ void PFData::Draw(QPainter& painter, fxDataPointArray* array) {
     const long double step = f.step;
     const int oWidth = TruncToPixel(1 + step);
 
-    for (int i = f.first; i < f.end; ++i, xPos_ += f.step) {
+    // Hostile columns (a box size far below one pixel) must not stall the terminal's GUI
+    // thread. Boxes that cannot change a pixel are skipped exactly (see below); beyond that,
+    // one paint draws at most this many boxes, far more than any readable chart holds.
+    long long budget = kMaxBoxesPerDraw;
+    const long double height = e.GetHeight();
+    const long double aboveArea = e.GetTop() - height;
+    const long double belowArea = e.GetBottom() + 1 + height;
+
+    for (int i = f.first; i < f.end && budget > 0; ++i, xPos_ += f.step) {
         const fxChartTypeRecord r = Record(array, i);
         const int px = TruncToPixel(xPos_ + 0.5L);
         const long long boxes =
@@ -30,16 +39,22 @@ void PFData::Draw(QPainter& painter, fxDataPointArray* array) {
         painter.setPen(rising ? xPen : oPen);
         const int x2 = TruncToPixel(px + 1 + step);
         float v = r.value;
-        for (long long b = 0; b < boxes; ++b) {
+        for (long long b = 0; b < boxes && budget > 0; ++b, --budget) {
             const int y1 = e.TranslateY(v);
-            v = v + r.step;
-            const int y2 = e.TranslateY(v);
+            const float next = v + r.step;
+            const int y2 = e.TranslateY(next);
             if (rising) {
                 painter.drawLine(px, y1, x2, y2);
                 painter.drawLine(px, y2, x2, y1);
             } else {
                 painter.drawEllipse(QRect(QPoint(px, y1), QPoint(px + oWidth - 1, y2 - 1)));
             }
+            // When the float no longer moves, every remaining box is this one again; once the
+            // stack has left the area by a whole area height, every later box is further out.
+            if (next == v) break;
+            v = next;
+            if ((r.step > 0 && std::max(y1, y2) < aboveArea) || (r.step < 0 && std::min(y1, y2) > belowArea))
+                break;
         }
     }
 }

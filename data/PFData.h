@@ -15,6 +15,9 @@ public:
     // above VALUE, across the column's width less its last pixel.
     bool IsUnderMouse(const QPoint& point, fxDataPointArray* array, const QString& name,
                       QString& text) override;
+
+    // The most boxes one Draw paints (see Draw).
+    static const long long kMaxBoxesPerDraw = 1000000;
 };
 
 }  // namespace pf

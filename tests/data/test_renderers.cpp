@@ -49,6 +49,24 @@ TEST_F(RendererTest, PFColumnsStackBoxesUpFromValue) {
     EXPECT_EQ(device.primitives()[3].rects.at(0).top(), engine->TranslateY(1.204f) - 1);
 }
 
+TEST_F(RendererTest, HostileBoxSizesCannotStallThePaint) {
+    pf::PFData pfData(&line, engine);
+    // A million boxes too small to move the float: each after the first would be the same one.
+    ChartRecordArray absorbed({ChartRecord(1.0f, 1.001f, 1e-9f, 0)});
+    Paint(pfData, absorbed.get());
+    EXPECT_EQ(device.primitives().size(), 1u);
+
+    // Four million boxes of a millionth: drawing stops once the stack has climbed a whole
+    // area height above the area (rows 0..99 hold prices 0 to 0.001 here).
+    Frame(10, 0, 9.0f, 100, 0.0f, 0.001f);
+    ChartRecordArray tiny({ChartRecord(0.0f, 4.0f, 1e-6f, 1)});
+    Paint(pfData, tiny.get());
+    const std::size_t drawn = device.lines().size() / 2;
+    EXPECT_GT(drawn, 1000u);  // everything inside the area is drawn...
+    EXPECT_LT(drawn, 2500u);  // ...and not much beyond it
+    EXPECT_EQ(device.lines().front(), QLine(0, 100, 11, 100));
+}
+
 TEST_F(RendererTest, FractionalColumnWidthsTruncateEachEdge) {
     Frame(8, 0, 7.0f, 100, 0.0f, 10.0f, 100);  // 12.5 pixels per column: x 0, 12.5, 25
     ChartRecordArray a({ChartRecord(2, 2, 1, 1), ChartRecord(2, 2, 1, 0), ChartRecord(2, 2, 1, 1)});

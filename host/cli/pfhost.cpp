@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "host/DealingService.h"
 #include "host/cli/Commands.h"
 
 namespace host {
@@ -74,6 +75,11 @@ bool host::cli::startModule(Emulator& emulator) {
         std::fprintf(stderr, "pfhost: %s\n", error.c_str());
         return false;
     }
+    // The terminal on the command line has one dealing with a trading account, as a
+    // terminal connected to a broker would, so the start-up shows the module's account fetch.
+    void* dealing = emulator.dealing().addDealing("Demo dealing");
+    emulator.dealing().addAccount(dealing, 1001, QStringLiteral("Demo account"));
+    emulator.dealing().setDayOff(dealing, 1001, "USDCHF", false);
     MODULE_INFO info;
     std::memset(&info, 0, sizeof info);
     emulator.host().getModuleInfo(&info);

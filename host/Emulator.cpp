@@ -14,6 +14,7 @@
 namespace host {
 
 Emulator::Emulator(const EmulatorOptions& options) : options_(options), host_(new Host) {
+    std::memset(&info_, 0, sizeof info_);
     if (options_.modulePath.empty()) options_.modulePath = PF_MODULE_DEFAULT_PATH;
     if (options_.workFolder.empty()) {
         tempFolder_ = QDir::tempPath().toStdString() + "/pfhost-work-" +
@@ -40,7 +41,9 @@ Emulator::~Emulator() {
 }
 
 bool Emulator::loadModule(std::string* error) {
+    std::memset(&info_, 0, sizeof info_);
     if (!host_->load(options_.modulePath, error)) return false;
+    host_->getModuleInfo(&info_);
     host_->initialize();
     return true;
 }

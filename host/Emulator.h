@@ -39,8 +39,10 @@ public:
     MainWindowService& mainWindow() { return *mainWindow_; }
     DealingService& dealing() { return *dealing_; }
 
-    // dlopen and Initialize, as the terminal does.
+    // dlopen, GetModuleInfo and Initialize, as the terminal does.
     bool loadModule(std::string* error = nullptr);
+    // The record the module gave at load.
+    const MODULE_INFO& moduleInfo() const { return info_; }
     // 3004, 3007, 3066.
     void startUp();
 
@@ -53,6 +55,7 @@ private:
     std::unique_ptr<MainWindowService> mainWindow_;
     std::unique_ptr<DealingService> dealing_;
     std::string tempFolder_;
+    MODULE_INFO info_;
 };
 
 // The module information record as text, one field per line.

@@ -80,11 +80,8 @@ bool host::cli::startModule(Emulator& emulator) {
     void* dealing = emulator.dealing().addDealing("Demo dealing");
     emulator.dealing().addAccount(dealing, 1001, QStringLiteral("Demo account"));
     emulator.dealing().setDayOff(dealing, 1001, "USDCHF", false);
-    MODULE_INFO info;
-    std::memset(&info, 0, sizeof info);
-    emulator.host().getModuleInfo(&info);
     std::printf("The emulated terminal loaded %s\n\n%s", emulator.options().modulePath.c_str(),
-                describeModuleInfo(info).c_str());
+                describeModuleInfo(emulator.moduleInfo()).c_str());
     emulator.startUp();
     std::printf("\nstart-up exchange:\n%s", emulator.host().journal().dump().c_str());
     return true;

@@ -16,24 +16,27 @@ using host::data::ChartType;
 namespace {
 
 std::intptr_t P(const void* p) { return reinterpret_cast<std::intptr_t>(p); }
+int Send(unsigned int message, std::intptr_t p1, std::intptr_t p2 = 0) {
+    return host::Host::callback(nullptr, message, p1, p2);
+}
 
-std::string Wide(const coreWChar* text) { return host::data::readWide(text, 255); }
+// An array's layout as "NAME:type ... /size,precision".
+std::string Layout(const fxDataPointArray* a) {
+    std::string s;
+    for (int f = 0; f < a->fieldCount; ++f) s += std::string(a->fields[f].name) + ":" + std::to_string(a->fields[f].type) + " ";
+    return s + "/" + std::to_string(a->pointSize) + "," + std::to_string(a->precision);
+}
 
 class DataCoreMessages : public ::testing::Test {
 protected:
     DataCoreMessages() : core(hostObject) {}
 
-    int Send(unsigned int message, std::intptr_t p1, std::intptr_t p2 = 0) {
-        return host::Host::callback(nullptr, message, p1, p2);
-    }
     // A 3008 record as the module's data source fills it.
-    coreCreateDpaData CreateRecord(void* provider, const std::string& name, char period, std::int32_t length) {
-        coreCreateDpaData r;
-        std::memset(&r, 0, sizeof r);
+    static coreCreateDpaData CreateRecord(void* provider, const std::string& name, char period, std::int32_t length) {
+        coreCreateDpaData r{};
         r.provider = provider;
         host::data::putWide(r.name.name, 255, name);
-        r.name.period.type = period;
-        r.name.period.length = length;
+        r.name.period = namePeriod{period, length};
         r.value = 1;
         return r;
     }
@@ -55,43 +58,28 @@ protected:
 
 }  // namespace
 
-TEST_F(DataCoreMessages, ProvidersAreRegisteredInterfaces) {
-    for (ChartType t : {ChartType::PointAndFigure, ChartType::Renko, ChartType::Kagi}) {
-        const auto found = hostObject.findInterfaces("CHARTTYPE", "TELVIX", host::data::chartTypeName(t));
-        ASSERT_EQ(found.size(), 1u);
-        EXPECT_EQ(found[0].handle, core.providerInterface(t));
-    }
-}
-
-TEST_F(DataCoreMessages, CreatedObjectHandsOutItsChartTypeArray) {
-    const struct {
-        ChartType type;
-        const char* name;
-    } types[] = {{ChartType::PointAndFigure, "Point and Figure"}, {ChartType::Renko, "Renko"}, {ChartType::Kagi, "Kagi"}};
+TEST_F(DataCoreMessages, ProvidersAreInterfacesWhoseObjectsHandOutTheirChartTypeArray) {
+    const std::pair<ChartType, const char*> types[] = {
+        {ChartType::PointAndFigure, "Point and Figure"}, {ChartType::Renko, "Renko"}, {ChartType::Kagi, "Kagi"}};
     for (const auto& t : types) {
-        SCOPED_TRACE(t.name);
-        void* handle = Create(t.type);
+        SCOPED_TRACE(t.second);
+        const auto found = hostObject.findInterfaces("CHARTTYPE", "TELVIX", host::data::chartTypeName(t.first));
+        ASSERT_EQ(found.size(), 1u);
+        EXPECT_EQ(found[0].handle, core.providerInterface(t.first));
+
+        void* handle = Create(t.first);
         ASSERT_NE(handle, nullptr);
         std::int32_t count = -1;
         EXPECT_EQ(Send(MSG_DPA_COUNT, P(handle), P(&count)), 0);
         EXPECT_EQ(count, 1);
         fxDataPointArray* a = FirstArray(handle);
         ASSERT_NE(a, nullptr);
-        EXPECT_EQ(Wide(a->name.name), t.name);
+        EXPECT_EQ(host::data::readWide(a->name.name, 255), t.second);
         EXPECT_STREQ(a->name.secondName, "USDCHF");
-        EXPECT_EQ(a->name.period.type, 'I');
-        EXPECT_EQ(+a->name.period.length, 30);
-        EXPECT_EQ(+a->precision, 4);
-        EXPECT_EQ(std::uint32_t(a->typeShow.color0), 0xFF00A000u);
-        EXPECT_EQ(std::uint32_t(a->typeShow.color1), 0xFFD00000u);
-        const char* names[] = {"TIME", "STEP", "VALUE", "TYPE", "END", "SOLID"};
-        const std::int32_t types32[] = {2, 4, 4, 2, 4, 4};
-        ASSERT_EQ(+a->fieldCount, 6);
-        for (int f = 0; f < 6; ++f) {
-            EXPECT_STREQ(a->fields[f].name, names[f]);
-            EXPECT_EQ(+a->fields[f].type, types32[f]);
-        }
-        EXPECT_EQ(+a->pointSize, 24);
+        EXPECT_EQ(std::make_pair(char(a->name.period.type), int(a->name.period.length)), std::make_pair('I', 30));
+        EXPECT_EQ(std::make_pair(std::uint32_t(a->typeShow.color0), std::uint32_t(a->typeShow.color1)),
+                  std::make_pair(0xFF00A000u, 0xFFD00000u));
+        EXPECT_EQ(Layout(a), "TIME:2 STEP:4 VALUE:4 TYPE:2 END:4 SOLID:4 /24,4");
         const auto& records = core.chart(handle)->records();
         ASSERT_GT(+a->pointCount, 0);
         EXPECT_EQ(std::size_t(a->pointCount), records.size());
@@ -99,23 +87,22 @@ TEST_F(DataCoreMessages, CreatedObjectHandsOutItsChartTypeArray) {
     }
 }
 
-TEST_F(DataCoreMessages, CreateRefusesWhatItCannotServe) {
+TEST_F(DataCoreMessages, WhatCannotBeServedIsRefused) {
     EXPECT_EQ(Send(MSG_CREATE_DPA, 0), 1);
-    coreCreateDpaData unknownProvider = CreateRecord(hostObject.newHandle(), "USDCHF", 'I', 30);
-    coreCreateDpaData nullProvider = CreateRecord(nullptr, "USDCHF", 'I', 30);
-    coreCreateDpaData unknownName = CreateRecord(core.providerInterface(ChartType::Renko), "EURUSD", 'I', 30);
-    coreCreateDpaData wrongPeriod = CreateRecord(core.providerInterface(ChartType::Renko), "USDCHF", 'D', 1);
-    for (coreCreateDpaData* r : {&unknownProvider, &nullProvider, &unknownName, &wrongPeriod}) {
-        r->handle = reinterpret_cast<void*>(std::intptr_t(0x55));
-        EXPECT_EQ(Send(MSG_CREATE_DPA, P(r)), 1);
-        EXPECT_EQ(static_cast<void*>(r->handle), nullptr);
+    void* renko = core.providerInterface(ChartType::Renko);
+    coreCreateDpaData bad[] = {CreateRecord(hostObject.newHandle(), "USDCHF", 'I', 30),  // unknown provider
+                               CreateRecord(nullptr, "USDCHF", 'I', 30), CreateRecord(renko, "EURUSD", 'I', 30),
+                               CreateRecord(renko, "USDCHF", 'D', 1)};  // wrong period
+    for (coreCreateDpaData& r : bad) {
+        r.handle = reinterpret_cast<void*>(std::intptr_t(0x55));
+        EXPECT_EQ(Send(MSG_CREATE_DPA, P(&r)), 1);
+        EXPECT_EQ(static_cast<void*>(r.handle), nullptr);
     }
     // Period type 0 takes the instrument's own period; the daily built-in answers 'D'.
     EXPECT_NE(Create(ChartType::Kagi, "USDCHF", 0, 0), nullptr);
     EXPECT_NE(Create(ChartType::Kagi, "TTRC", 'D', 1), nullptr);
-}
 
-TEST_F(DataCoreMessages, UnknownHandlesAndNullRecordsAnswerOne) {
+    // Unknown handles, null records and bad list counts answer 1.
     void* chart = Create(ChartType::PointAndFigure);
     std::int32_t count = 0;
     fxDataPointArray* slot = nullptr;
@@ -133,69 +120,51 @@ TEST_F(DataCoreMessages, UnknownHandlesAndNullRecordsAnswerOne) {
     EXPECT_EQ(slot, nullptr);
     for (unsigned int m : {MSG_DPA_COUNT, MSG_DPA_LIST, MSG_DPA_SUBSCRIBE, MSG_DPA_UNSUBSCRIBE, MSG_HEAD_NODE_INFO})
         EXPECT_EQ(Send(m, P(chart), 0), 1) << m;
+
+    fxDataPointArray* const sentinel = reinterpret_cast<fxDataPointArray*>(std::intptr_t(0x99));
+    fxDataPointArray* slots[5] = {sentinel, sentinel, sentinel, sentinel, sentinel};
+    list = {0, slots};
+    EXPECT_EQ(Send(MSG_DPA_LIST, P(chart), P(&list)), 0);  // nothing asked, nothing written
+    EXPECT_EQ(slots[0], sentinel);
+    list.count = 5;  // more room than arrays: only the one array is written
+    EXPECT_EQ(Send(MSG_DPA_LIST, P(chart), P(&list)), 0);
+    EXPECT_EQ(std::vector<fxDataPointArray*>(slots, slots + 5),
+              (std::vector<fxDataPointArray*>{core.arrays(chart)[0], sentinel, sentinel, sentinel, sentinel}));
+    EXPECT_EQ(+list.count, 5);
+    for (coreListCreateData bad : {coreListCreateData{-1, slots}, coreListCreateData{1 << 20, slots},
+                                   coreListCreateData{1, nullptr}})
+        EXPECT_EQ(Send(MSG_DPA_LIST, P(chart), P(&bad)), 1) << bad.count;
     // A released object's handle is unknown from then on.
     ASSERT_TRUE(core.release(chart));
     EXPECT_EQ(Send(MSG_DPA_COUNT, P(chart), P(&count)), 1);
 }
 
-TEST_F(DataCoreMessages, ListCountsAreBounded) {
-    void* chart = Create(ChartType::Renko);
-    fxDataPointArray* const sentinel = reinterpret_cast<fxDataPointArray*>(std::intptr_t(0x99));
-    fxDataPointArray* slots[5] = {sentinel, sentinel, sentinel, sentinel, sentinel};
-    coreListCreateData list{0, slots};
-    EXPECT_EQ(Send(MSG_DPA_LIST, P(chart), P(&list)), 0);  // nothing asked, nothing written
-    EXPECT_EQ(slots[0], sentinel);
-    list.count = 5;  // more room than arrays: only the one array is written
-    EXPECT_EQ(Send(MSG_DPA_LIST, P(chart), P(&list)), 0);
-    EXPECT_EQ(slots[0], core.arrays(chart)[0]);
-    for (int k = 1; k < 5; ++k) EXPECT_EQ(slots[k], sentinel);
-    EXPECT_EQ(+list.count, 5);
-    for (std::int32_t bad : {-1, 1 << 20}) {
-        list.count = bad;
-        EXPECT_EQ(Send(MSG_DPA_LIST, P(chart), P(&list)), 1) << bad;
-    }
-    coreListCreateData noArray{1, nullptr};
-    EXPECT_EQ(Send(MSG_DPA_LIST, P(chart), P(&noArray)), 1);
-}
-
-TEST_F(DataCoreMessages, HeadNodeNamesTheProvider) {
+TEST_F(DataCoreMessages, HeadNodesNameTheProviderAndBaseSeriesCarryTheQuotes) {
     coreHeadNodeInfo info;
     std::memset(&info, 'x', sizeof info);
     ASSERT_EQ(Send(MSG_HEAD_NODE_INFO, P(Create(ChartType::Renko)), P(&info)), 0);
-    EXPECT_STREQ(info.interfaceName, "CHARTTYPE");
-    EXPECT_STREQ(info.provider, "TELVIX");
-    EXPECT_STREQ(info.name, "Renko");
+    EXPECT_EQ(std::string(info.interfaceName) + "/" + info.provider + "/" + info.name, "CHARTTYPE/TELVIX/Renko");
     ASSERT_EQ(Send(MSG_HEAD_NODE_INFO, P(core.baseHandle("USDCHF")), P(&info)), 0);
-    EXPECT_STREQ(info.interfaceName, "CANDLE");
-    EXPECT_STREQ(info.name, "CANDLE_TELVIX");
-}
+    EXPECT_EQ(std::string(info.interfaceName) + "/" + info.name, "CANDLE/CANDLE_TELVIX");
 
-TEST_F(DataCoreMessages, BaseSeriesArraysCarryTheQuotes) {
     fxDataPointArray* closes = FirstArray(core.baseHandle("USDCHF"));
     ASSERT_NE(closes, nullptr);
-    EXPECT_EQ(Wide(closes->name.name), "USDCHF");
-    ASSERT_EQ(+closes->fieldCount, 2);
-    EXPECT_STREQ(closes->fields[1].name, "CLOSE");
-    EXPECT_EQ(+closes->pointSize, 8);
+    EXPECT_EQ(host::data::readWide(closes->name.name, 255), "USDCHF");
+    EXPECT_EQ(Layout(closes), "TIME:2 CLOSE:4 /8,4");
     EXPECT_EQ(+closes->pointCount, 62496);
-    std::int32_t time;
-    float close;
-    std::memcpy(&time, closes->points, 4);
-    std::memcpy(&close, closes->points + 4, 4);
-    EXPECT_EQ(time, 828316800);
-    EXPECT_FLOAT_EQ(close, 1.1930f);
+    struct { std::int32_t time; float close; } first;
+    std::memcpy(&first, closes->points, 8);
+    EXPECT_EQ(first.time, 828316800);
+    EXPECT_FLOAT_EQ(first.close, 1.1930f);
 
     fxDataPointArray* bars = FirstArray(core.baseHandle("TTRC"));
     ASSERT_NE(bars, nullptr);
     EXPECT_EQ(+bars->fieldCount, 6);
-    EXPECT_EQ(+bars->pointSize, 24);
-    EXPECT_EQ(+bars->precision, 2);
-    EXPECT_EQ(bars->name.period.type, 'D');
+    EXPECT_EQ(std::make_tuple(int(bars->pointSize), int(bars->precision), char(bars->name.period.type)),
+              std::make_tuple(24, 2, 'D'));
     float ohlcv[5];
-    std::memcpy(ohlcv, bars->points + 4, sizeof ohlcv);  // 3.18 3.18 3.08 3.08 1870906
-    EXPECT_FLOAT_EQ(ohlcv[0], 3.18f);
-    EXPECT_FLOAT_EQ(ohlcv[2], 3.08f);
-    EXPECT_FLOAT_EQ(ohlcv[4], 1870906.0f);
+    std::memcpy(ohlcv, bars->points + 4, sizeof ohlcv);
+    EXPECT_EQ(std::vector<float>(ohlcv, ohlcv + 5), (std::vector<float>{3.18f, 3.18f, 3.08f, 3.08f, 1870906.0f}));
 }
 
 // ---- replay and notices ----
@@ -218,12 +187,12 @@ protected:
     void* chart = nullptr;
     void* const iface = reinterpret_cast<void*>(std::intptr_t(0x4100));
     void* const widget = reinterpret_cast<void*>(std::intptr_t(0x4200));
+    coreDpaSubscription sub{iface, widget};
 };
 
 }  // namespace
 
 TEST_F(Replay, SubscribersHearOfEveryChangeUntilTheyCancel) {
-    coreDpaSubscription sub{iface, widget};
     EXPECT_EQ(Send(MSG_DPA_SUBSCRIBE, P(chart), P(&sub)), 0);
     EXPECT_EQ(Send(MSG_DPA_SUBSCRIBE, P(chart), P(&sub)), 0);  // twice is still one subscription
     EXPECT_EQ(core.subscriptionCount(chart), 1u);
@@ -245,10 +214,8 @@ TEST_F(Replay, SubscribersHearOfEveryChangeUntilTheyCancel) {
     ASSERT_EQ(core.notices().size(), changes);  // one per change, none for quotes that change nothing
     std::int32_t previous = 0;
     for (const auto& n : core.notices()) {
-        EXPECT_EQ(n.target, iface);
-        EXPECT_EQ(n.subscriber, widget);
-        EXPECT_EQ(n.handle, chart);
-        EXPECT_EQ(n.result, 1);  // no module loaded
+        EXPECT_EQ(std::make_tuple(n.target, n.subscriber, n.handle, n.result),
+                  std::make_tuple(iface, widget, chart, 1));  // 1: no module loaded
         EXPECT_GT(n.reference, previous);
         previous = n.reference;
     }
@@ -263,7 +230,6 @@ TEST_F(Replay, SubscribersHearOfEveryChangeUntilTheyCancel) {
 }
 
 TEST_F(Replay, AppendKeepsTimeOrderAndBaseSeriesHearsEveryQuote) {
-    coreDpaSubscription sub{iface, widget};
     void* base = core.baseHandle("LIVE");
     ASSERT_EQ(Send(MSG_DPA_SUBSCRIBE, P(base), P(&sub)), 0);
     const std::int32_t last = core.instrument("LIVE")->quotes().back().time;
@@ -272,11 +238,9 @@ TEST_F(Replay, AppendKeepsTimeOrderAndBaseSeriesHearsEveryQuote) {
     EXPECT_TRUE(core.notices().empty());
 
     const std::size_t columns = core.chart(chart)->records().size();
-    const float top = core.chart(chart)->records().back().end;
     // A jump far above anything so far: a new rising column or a longer one, up to box 1.5000.
     ASSERT_TRUE(core.append("LIVE", host::data::closeQuote(last + 1800, 1.50004)));
     EXPECT_GE(core.chart(chart)->records().size(), columns);
-    EXPECT_GT(core.chart(chart)->records().back().end, top);
     EXPECT_FLOAT_EQ(core.chart(chart)->records().back().end, 1.5f);
     ASSERT_EQ(core.notices().size(), 1u);
     EXPECT_EQ(core.notices()[0].handle, base);
@@ -284,14 +248,11 @@ TEST_F(Replay, AppendKeepsTimeOrderAndBaseSeriesHearsEveryQuote) {
 }
 
 TEST_F(Replay, ConfigureRecomputesAndRefusesBadSettings) {
-    coreDpaSubscription sub{iface, widget};
     ASSERT_EQ(Send(MSG_DPA_SUBSCRIBE, P(chart), P(&sub)), 0);
     core.replay("LIVE", 5000);
     core.clearNotices();
 
-    host::data::ChartSettings s;
-    s.box = 0.0050;
-    s.reversal = 2;
+    const host::data::ChartSettings s{0.0050, 2, 0};
     ASSERT_TRUE(core.configure(chart, s));
     ASSERT_EQ(core.notices().size(), 1u);
     void* fresh = core.createChart("LIVE", ChartType::PointAndFigure, s);
@@ -299,15 +260,15 @@ TEST_F(Replay, ConfigureRecomputesAndRefusesBadSettings) {
     const auto& b = core.chart(fresh)->records();
     ASSERT_EQ(a.size(), b.size());
     EXPECT_EQ(std::memcmp(a.data(), b.data(), a.size() * sizeof a[0]), 0);
-    EXPECT_FLOAT_EQ(core.arrays(chart)[0]->points ? a[0].step : 0, 0.005f);
+    EXPECT_FLOAT_EQ(a.at(0).step, 0.005f);
 
     std::string error;
     const host::data::ChartSettings bad[] = {{-1, 3, 0}, {1e-12, 3, 0}, {1e-7, 3, 0}, {0.001, 5000, 0},
                                              {0.001, 3, 150}};
     for (const auto& settings : bad) {
+        error.clear();
         EXPECT_FALSE(core.configure(chart, settings, &error));
         EXPECT_FALSE(error.empty());
-        error.clear();
     }
     EXPECT_DOUBLE_EQ(core.chart(chart)->settings().box, 0.005);
     EXPECT_FALSE(core.configure(core.baseHandle("LIVE"), s, &error));
@@ -323,10 +284,8 @@ TEST(DataCoreNotices, ReachTheLoadedModule) {
     emulator.startUp();
     void* chart = emulator.data().createChart("USDCHF", ChartType::Kagi);
     coreDpaSubscription sub{reinterpret_cast<void*>(std::intptr_t(0x4100)), reinterpret_cast<void*>(std::intptr_t(0x4200))};
-    ASSERT_EQ(host::Host::callback(nullptr, MSG_DPA_SUBSCRIBE, P(chart), P(&sub)), 0);
-    host::data::ChartSettings s;
-    s.box = 0.0010;
-    ASSERT_TRUE(emulator.data().configure(chart, s));
+    ASSERT_EQ(Send(MSG_DPA_SUBSCRIBE, P(chart), P(&sub)), 0);
+    ASSERT_TRUE(emulator.data().configure(chart, host::data::ChartSettings{0.0010, 0, 0}));
     ASSERT_EQ(emulator.data().notices().size(), 1u);
     const auto sent = emulator.host().journal().find(MSG_DATA_UPDATED);
     ASSERT_EQ(sent.size(), 1u);
@@ -347,9 +306,8 @@ std::unique_ptr<host::data::Instrument> Read(const std::string& text, std::strin
 TEST(CsvPriceReader, PrecisionPeriodAndLayoutComeFromTheFile) {
     auto closes = Read("time,close\n100,1.5\n160,1.25\n220,1.125\n\n");
     ASSERT_NE(closes, nullptr);
-    EXPECT_EQ(closes->precision(), 3);
-    EXPECT_EQ(closes->period().type, 'I');
-    EXPECT_EQ(+closes->period().length, 1);
+    EXPECT_EQ(std::make_tuple(closes->precision(), char(closes->period().type), int(closes->period().length)),
+              std::make_tuple(3, 'I', 1));
     EXPECT_FALSE(closes->hasOhlc());
     ASSERT_EQ(closes->quotes().size(), 3u);
     EXPECT_EQ(closes->quotes()[1].high, 1.25);
@@ -359,28 +317,24 @@ TEST(CsvPriceReader, PrecisionPeriodAndLayoutComeFromTheFile) {
     auto bars = Read("Time,Close,Open,High,Low,Volume\n0,2.5,2,3,1,10.125\n86400,2.25,2,3,1,5\n");
     ASSERT_NE(bars, nullptr);
     EXPECT_TRUE(bars->hasOhlc());
-    EXPECT_EQ(bars->precision(), 2);
-    EXPECT_EQ(bars->period().type, 'D');
-    EXPECT_EQ(bars->quotes()[0].close, 2.5);
-    EXPECT_EQ(bars->quotes()[0].low, 1);
-    EXPECT_EQ(bars->quotes()[0].volume, 10.125);
+    EXPECT_EQ(std::make_pair(bars->precision(), char(bars->period().type)), std::make_pair(2, 'D'));
+    const auto& q = bars->quotes()[0];
+    EXPECT_EQ(std::make_tuple(q.open, q.high, q.low, q.close, q.volume), std::make_tuple(2.0, 3.0, 1.0, 2.5, 10.125));
 }
 
 TEST(CsvPriceReader, BrokenFilesAreRefusedWithTheReason) {
-    const struct {
-        const char* text;
-        const char* reason;
-    } cases[] = {{"", "empty file"},
-                 {"time,open\n1,2\n", "the header needs the columns time and close"},
-                 {"time,close\n1,abc\n", "line 2: bad close"},
-                 {"time,close\n1,1.5\n2\n", "line 3: bad close"},
-                 {"time,close\n5,1\n4,1\n", "line 3: time goes backwards"},
-                 {"time,close\n-5,1\n", "line 2: time out of range"},
-                 {"time,close\n", "no quotes"}};
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "empty file"},
+        {"time,open\n1,2\n", "the header needs the columns time and close"},
+        {"time,close\n1,abc\n", "line 2: bad close"},
+        {"time,close\n1,1.5\n2\n", "line 3: bad close"},
+        {"time,close\n5,1\n4,1\n", "line 3: time goes backwards"},
+        {"time,close\n-5,1\n", "line 2: time out of range"},
+        {"time,close\n", "no quotes"}};
     for (const auto& c : cases) {
         std::string error;
-        EXPECT_EQ(Read(c.text, &error), nullptr) << c.text;
-        EXPECT_EQ(error, c.reason);
+        EXPECT_EQ(Read(c.first, &error), nullptr) << c.first;
+        EXPECT_EQ(error, c.second);
     }
     std::string error;
     EXPECT_EQ(host::data::CsvPriceReader::readFile("/nonexistent/prices.csv", "", &error), nullptr);
@@ -392,16 +346,12 @@ TEST(CsvPriceReader, NamesAndPeriods) {
     EXPECT_EQ(R::nameFromPath("/a/b/usdchf-30min.csv"), "USDCHF");
     EXPECT_EQ(R::nameFromPath("ttrc-daily.csv"), "TTRC");
     EXPECT_EQ(R::nameFromPath("eurusd.csv"), "EURUSD");
-    const struct {
-        std::int64_t seconds;
-        char type;
-        std::int32_t length;
-    } cases[] = {{1800, 'I', 30}, {3600, 'I', 60}, {86400, 'D', 1}, {3 * 86400, 'D', 1}, {604800, 'W', 1},
-                 {31 * 86400, 'M', 1}, {366 * 86400, 'Y', 1}, {0, 'I', 0}, {45, 'I', 0}};
+    const std::tuple<std::int64_t, char, int> cases[] = {
+        {1800, 'I', 30}, {3600, 'I', 60}, {86400, 'D', 1}, {3 * 86400, 'D', 1}, {604800, 'W', 1},
+        {31 * 86400, 'M', 1}, {366 * 86400, 'Y', 1}, {0, 'I', 0}, {45, 'I', 0}};
     for (const auto& c : cases) {
-        const namePeriod p = R::periodFromSpacing(c.seconds);
-        EXPECT_EQ(p.type, c.type) << c.seconds;
-        EXPECT_EQ(+p.length, c.length) << c.seconds;
+        const namePeriod p = R::periodFromSpacing(std::get<0>(c));
+        EXPECT_EQ(std::make_pair(char(p.type), int(p.length)), std::make_pair(std::get<1>(c), std::get<2>(c))) << std::get<0>(c);
     }
 }
 
@@ -417,13 +367,10 @@ TEST(DataCoreInstruments, BuiltInsLoadOnFirstUseAndNamesAreUnique) {
     std::string error;
     EXPECT_EQ(core.loadInstrument(host::DataCore::builtInPath("USDCHF"), host::InstrumentOptions(), &error), nullptr);
     EXPECT_NE(error.find("already loaded"), std::string::npos);
-    host::InstrumentOptions held;
-    held.name = "HELD";
-    held.live = 0;
-    host::data::Instrument* h0 = core.loadInstrument(host::DataCore::builtInPath("TTRC"), held);
-    ASSERT_NE(h0, nullptr);
-    EXPECT_TRUE(h0->quotes().empty());
-    EXPECT_EQ(h0->pendingCount(), 5550u);
+    host::data::Instrument* held = core.loadInstrument(host::DataCore::builtInPath("TTRC"), {"HELD", 0});
+    ASSERT_NE(held, nullptr);
+    EXPECT_TRUE(held->quotes().empty());
+    EXPECT_EQ(held->pendingCount(), 5550u);
     // A chart of an empty series is empty and fills as quotes arrive.
     void* chart = core.createChart("HELD", ChartType::Renko);
     ASSERT_NE(chart, nullptr);

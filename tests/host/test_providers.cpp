@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
 #include <vector>
 
 #include "host/DataCore.h"
@@ -17,18 +18,6 @@ using host::data::ProviderSettings;
 
 namespace {
 
-// Feeds prices (already in ticks) at times 1, 2, 3 ... and returns the figures.
-std::vector<Figure> Feed(ChartType type, std::int64_t box, int reversal, const std::vector<std::int64_t>& prices,
-                        std::int64_t percentHundredths = 0) {
-    ProviderSettings s;
-    s.box = box;
-    s.reversal = reversal;
-    s.percentHundredths = percentHundredths;
-    auto provider = host::data::makeProvider(type, s);
-    for (std::size_t i = 0; i < prices.size(); ++i) provider->add(std::int32_t(i + 1), prices[i]);
-    return provider->figures();
-}
-
 struct Expected {
     std::int32_t time;
     std::int64_t low;
@@ -36,121 +25,98 @@ struct Expected {
     bool rising;
 };
 
-void ExpectFigures(const std::vector<Figure>& actual, const std::vector<Expected>& expected) {
-    ASSERT_EQ(actual.size(), expected.size());
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        SCOPED_TRACE("figure " + std::to_string(i));
-        EXPECT_EQ(actual[i].time, expected[i].time);
-        EXPECT_EQ(actual[i].low, expected[i].low);
-        EXPECT_EQ(actual[i].high, expected[i].high);
-        EXPECT_EQ(actual[i].rising, expected[i].rising);
-    }
-}
-
 }  // namespace
 
-TEST(PriceGridTest, ExactTicksAndDivisionTowardsEitherInfinity) {
+TEST(PriceGridTest, ExactTicksDivisionTowardsEitherInfinityAndTheDefaultBox) {
     const PriceGrid grid(4);
     EXPECT_EQ(grid.ticks(1.1930), 11930);
     EXPECT_EQ(grid.ticks(0.0005), 5);
     EXPECT_EQ(grid.ticks(1.2345 - 0.0001), 12344);  // noise in the double does not leak
-    EXPECT_EQ(PriceGrid::floorDiv(7, 5), 1);
-    EXPECT_EQ(PriceGrid::floorDiv(-7, 5), -2);
-    EXPECT_EQ(PriceGrid::ceilDiv(7, 5), 2);
-    EXPECT_EQ(PriceGrid::ceilDiv(-7, 5), -1);
-    EXPECT_EQ(PriceGrid::ceilDiv(10, 5), 2);
+    EXPECT_EQ(std::vector<std::int64_t>({PriceGrid::floorDiv(7, 5), PriceGrid::floorDiv(-7, 5), PriceGrid::ceilDiv(7, 5),
+                                         PriceGrid::ceilDiv(-7, 5), PriceGrid::ceilDiv(10, 5)}),
+              std::vector<std::int64_t>({1, -2, 2, -1, 2}));
     EXPECT_EQ(PriceGrid::decimalsOf(0.0025), 4);
     EXPECT_EQ(PriceGrid::decimalsOf(2.0), 0);
-}
-
-TEST(PriceGridTest, DefaultBoxIsAOneTwoFiveStepOfARangeHundredth) {
+    // The default box is a 1-2-5 step of a hundredth of the range.
     EXPECT_DOUBLE_EQ(host::data::defaultBoxSize(1.1851, 1.8291, 4), 0.005);  // 0.00644 -> 0.005
     EXPECT_DOUBLE_EQ(host::data::defaultBoxSize(3.08, 52.62, 2), 0.2);      // 0.4954 -> 0.2
     EXPECT_DOUBLE_EQ(host::data::defaultBoxSize(1.0, 1.001, 4), 0.0001);    // never below one unit
     EXPECT_DOUBLE_EQ(host::data::defaultBoxSize(5, 5, 2), 0.01);            // flat series
 }
 
-// Box 1, reversal 3, prices 10 11 13 12 10 9 11 12 14:
-//   10  reference: a column of no height at box 10
-//   11  up to box 11 is less than 3 boxes above 10, nothing
-//   13  box 13 = 10 + 3: rising column, one box above the reference: boxes 11..13 (time 3)
-//   12  no new box, and 12 is not 3 below 13
-//   10  box 10 = 13 - 3: falling column one box below the top: 12..10 (time 5)
-//    9  extends the falling column to 9
-//   11  11 < 9 + 3, nothing
-//   12  box 12 = 9 + 3: rising column one box above the bottom: 10..12 (time 8)
-//   14  extends it to 14
-TEST(PointFigureProvider, ColumnsReversalsAndExtensions) {
-    ExpectFigures(Feed(ChartType::PointAndFigure, 1, 3, {10, 11, 13, 12, 10, 9, 11, 12, 14}),
-                  {{3, 11, 13, true}, {5, 9, 12, false}, {8, 10, 14, true}});
-}
-
-// Box 5 ticks (0.5 with one decimal), reversal 3, prices 10.2 12.1 10.4 10.6 9.4:
-//   10.2  reference between the boxes 10.0 and 10.5
-//   12.1  a rise reaches box 12.0 (floor): 12.0 >= 10.5 + 3 boxes, column 11.0..12.0
-//   10.4  a fall reaches box 10.5 (ceil): 10.5 <= 12.0 - 3 boxes, column 11.5 down to 10.5
-//   10.6  nothing; 9.4 reaches box 9.5: the falling column now spans 9.5..11.5
-TEST(PointFigureProvider, OffGridPricesFillOnlyTheBoxesTheyReach) {
-    ExpectFigures(Feed(ChartType::PointAndFigure, 5, 3, {102, 121, 104, 106, 94}),
-                  {{2, 110, 120, true}, {3, 95, 115, false}});
-}
-
-TEST(PointFigureProvider, FirstColumnCanFallAndOneBoxReversalAlternates) {
-    // Reversal 1: every box against the column turns it. 10 -> 8 falls to 9..8 (one below the
-    // reference), 9 rises one box above the bottom (9), 8 falls one below the top (8).
-    ExpectFigures(Feed(ChartType::PointAndFigure, 1, 1, {10, 8, 9, 8}),
-                  {{2, 8, 9, false}, {3, 9, 9, true}, {4, 8, 8, false}});
-    EXPECT_TRUE(Feed(ChartType::PointAndFigure, 1, 3, {10, 12, 9, 11}).empty());
-}
-
-// Box 2, prices 10 11 12 15 13 12 11 9 14 21:
-//   10  reference on the level 10
-//   11  below the next level up (12) and above the next level down (8): nothing
-//   12  brick 10..12 rising (time 3)
-//   15  reaches 14: brick 12..14 rising (time 4)
-//   13, 12, 11  one box or less under the top 14: a reversal needs two boxes, nothing
-//    9  under 10 (two boxes below 14): brick 10..12 falling (time 8)
-//   14  reaches 14, two boxes above the bottom 10: brick 12..14 rising (time 9)
-//   21  three bricks at once, all with time 10: 14..16, 16..18, 18..20
-TEST(RenkoProvider, BricksReversalNeedsTwoBoxesJumpsLayManyBricks) {
-    ExpectFigures(Feed(ChartType::Renko, 2, 3, {10, 11, 12, 15, 13, 12, 11, 9, 14, 21}),
-                  {{3, 10, 12, true},
-                   {4, 12, 14, true},
-                   {8, 10, 12, false},
-                   {9, 12, 14, true},
-                   {10, 14, 16, true},
-                   {10, 16, 18, true},
-                   {10, 18, 20, true}});
-}
-
-TEST(RenkoProvider, FallingStartFromAnOffGridReference) {
-    // Box 2, reference 11: the first falling brick starts at the level at or below it (10),
-    // so 8 lays 8..10; 7 does not reach 6; 5 lays 6..8.
-    ExpectFigures(Feed(ChartType::Renko, 2, 3, {11, 8, 7, 5}), {{2, 8, 10, false}, {4, 6, 8, false}});
-}
-
-// Box 1, reversal 2 boxes, prices 10 11 13 12 11 12 14 13 10 11 13 15:
-//   13  3 above the reference 10: rising stroke 10..13 (time 3), no shoulder before: SOLID 9
-//   11  2 under the top: falling stroke 11..13 (time 5), no waist before: SOLID 14
-//   14  3 over the bottom: rising 11..14 (time 7), shoulder 13 broken: thick at 13
-//   10  4 under 14: falling 10..14 (time 9), waist 11 broken: thin at 11
-//   13  rising 10..13 (time 11), shoulder 14 not reached; 15 extends it past 14
-TEST(KagiProvider, StrokesShouldersAndWaists) {
-    const auto figures = Feed(ChartType::Kagi, 1, 2, {10, 11, 13, 12, 11, 12, 14, 13, 10, 11, 13});
-    ExpectFigures(figures, {{3, 10, 13, true}, {5, 11, 13, false}, {7, 11, 14, true}, {9, 10, 14, false},
-                            {11, 10, 13, true}});
-    const std::int64_t solids[] = {9, 14, 13, 11, 14};
-    for (std::size_t i = 0; i < figures.size(); ++i) EXPECT_EQ(figures[i].solid, solids[i]) << i;
-    const auto extended = Feed(ChartType::Kagi, 1, 2, {10, 11, 13, 12, 11, 12, 14, 13, 10, 11, 13, 15});
-    EXPECT_EQ(extended.back().high, 15);
-    EXPECT_EQ(extended.back().solid, 14);
-}
-
-TEST(KagiProvider, PercentReversalIsMeasuredFromTheExtreme) {
-    // 5 %: 104 is 4 % above 100, 105 is 5 %: rising from 100; 110 extends it; 105 is 4.5 %
-    // under 110, 104 is 5.45 %: falling 104..110.
-    ExpectFigures(Feed(ChartType::Kagi, 1, 3, {100, 104, 105, 110, 105, 104}, 500),
-                  {{3, 100, 110, true}, {6, 104, 110, false}});
+// Short price sequences (in ticks, at times 1, 2, 3 ...) worked out by hand.
+TEST(Providers, HandWorkedSequences) {
+    struct Case {
+        const char* what;
+        ChartType type;
+        std::int64_t box;
+        int reversal;
+        std::int64_t percentHundredths;
+        std::vector<std::int64_t> prices;
+        std::vector<Expected> figures;
+        std::vector<std::int64_t> solids;  // Kagi only
+    } cases[] = {
+        // Box 1, reversal 3: 10 is the reference; 11 is not 3 boxes above it; 13 is: rising
+        // column one box above the reference, 11..13 (time 3); 12 changes nothing; 10 = 13 - 3:
+        // falling column one box below the top, 12..10 (time 5); 9 extends it; 11 < 9 + 3;
+        // 12 = 9 + 3: rising column one box above the bottom, 10..12 (time 8); 14 extends it.
+        {"P&F columns, reversals, extensions", ChartType::PointAndFigure, 1, 3, 0, {10, 11, 13, 12, 10, 9, 11, 12, 14},
+         {{3, 11, 13, true}, {5, 9, 12, false}, {8, 10, 14, true}}, {}},
+        // Box 0.5 (5 ticks of 0.1), reversal 3: reference 10.2 between boxes 10.0 and 10.5;
+        // 12.1 rises to box 12.0 (floor) >= 10.5 + 3 boxes: column 11.0..12.0; 10.4 falls to
+        // box 10.5 (ceil) <= 12.0 - 3 boxes: column 11.5..10.5; 10.6 nothing; 9.4 reaches 9.5.
+        {"P&F off-grid prices fill only the boxes they reach", ChartType::PointAndFigure, 5, 3, 0,
+         {102, 121, 104, 106, 94}, {{2, 110, 120, true}, {3, 95, 115, false}}, {}},
+        // Reversal 1: every box against the column turns it. 10 -> 8 falls to 9..8 (one below the
+        // reference), 9 rises one box above the bottom (9), 8 falls one below the top (8).
+        {"P&F first column falls, one-box reversal alternates", ChartType::PointAndFigure, 1, 1, 0, {10, 8, 9, 8},
+         {{2, 8, 9, false}, {3, 9, 9, true}, {4, 8, 8, false}}, {}},
+        {"P&F no column yet", ChartType::PointAndFigure, 1, 3, 0, {10, 12, 9, 11}, {}, {}},
+        // Box 2: reference level 10; 11 reaches no level; 12: brick 10..12 (time 3); 15 reaches
+        // 14: 12..14 (time 4); 13, 12, 11 are within a box of the top, a reversal needs two;
+        // 9 is under 10: falling 10..12 (time 8); 14: rising 12..14 (time 9); 21 lays three
+        // bricks with time 10: 14..16, 16..18, 18..20.
+        {"Renko bricks, two-box reversal, jumps", ChartType::Renko, 2, 3, 0, {10, 11, 12, 15, 13, 12, 11, 9, 14, 21},
+         {{3, 10, 12, true}, {4, 12, 14, true}, {8, 10, 12, false}, {9, 12, 14, true}, {10, 14, 16, true},
+          {10, 16, 18, true}, {10, 18, 20, true}}, {}},
+        // Box 2, reference 11: the first falling brick starts at the level at or below it (10),
+        // so 8 lays 8..10; 7 does not reach 6; 5 lays 6..8.
+        {"Renko falling start off the grid", ChartType::Renko, 2, 3, 0, {11, 8, 7, 5},
+         {{2, 8, 10, false}, {4, 6, 8, false}}, {}},
+        // Box 1, reversal 2: 13 rises 10..13 (time 3), no shoulder before: SOLID 9; 11 falls
+        // 11..13 (time 5), no waist before: SOLID 14; 14 rises 11..14 (time 7) through shoulder
+        // 13: thick at 13; 10 falls 10..14 (time 9) through waist 11: thin at 11; 13 rises
+        // 10..13 (time 11) short of shoulder 14; 15 extends it past 14.
+        {"Kagi strokes, shoulders, waists", ChartType::Kagi, 1, 2, 0, {10, 11, 13, 12, 11, 12, 14, 13, 10, 11, 13},
+         {{3, 10, 13, true}, {5, 11, 13, false}, {7, 11, 14, true}, {9, 10, 14, false}, {11, 10, 13, true}},
+         {9, 14, 13, 11, 14}},
+        {"Kagi stroke extended past the shoulder", ChartType::Kagi, 1, 2, 0,
+         {10, 11, 13, 12, 11, 12, 14, 13, 10, 11, 13, 15},
+         {{3, 10, 13, true}, {5, 11, 13, false}, {7, 11, 14, true}, {9, 10, 14, false}, {11, 10, 15, true}},
+         {9, 14, 13, 11, 14}},
+        // 5 %: 104 is 4 % above 100, 105 is 5 %: rising from 100; 110 extends it; 105 is 4.5 %
+        // under 110, 104 is 5.45 %: falling 104..110.
+        {"Kagi percent reversal from the extreme", ChartType::Kagi, 1, 3, 500, {100, 104, 105, 110, 105, 104},
+         {{3, 100, 110, true}, {6, 104, 110, false}}, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        ProviderSettings s;
+        s.box = c.box;
+        s.reversal = c.reversal;
+        s.percentHundredths = c.percentHundredths;
+        auto provider = host::data::makeProvider(c.type, s);
+        for (std::size_t i = 0; i < c.prices.size(); ++i) provider->add(std::int32_t(i + 1), c.prices[i]);
+        const std::vector<Figure>& actual = provider->figures();
+        ASSERT_EQ(actual.size(), c.figures.size());
+        for (std::size_t i = 0; i < actual.size(); ++i) {
+            SCOPED_TRACE("figure " + std::to_string(i));
+            const Expected& e = c.figures[i];
+            EXPECT_EQ(std::make_tuple(actual[i].time, actual[i].low, actual[i].high, actual[i].rising),
+                      std::make_tuple(e.time, e.low, e.high, e.rising));
+            if (!c.solids.empty()) { EXPECT_EQ(actual[i].solid, c.solids[i]); }
+        }
+    }
 }
 
 // ---- whole series ----
@@ -159,20 +125,13 @@ namespace {
 
 class UsdChf : public ::testing::Test {
 protected:
-    void SetUp() override {
-        core.reset(new host::DataCore(hostObject));
-        ASSERT_NE(core->instrument("USDCHF"), nullptr);
-    }
     const host::data::ChartObject& Chart(ChartType type, double box = 0, int reversal = 0) {
-        host::data::ChartSettings s;
-        s.box = box;
-        s.reversal = reversal;
-        void* handle = core->createChart("USDCHF", type, s);
+        void* handle = core.createChart("USDCHF", type, {box, reversal, 0});
         EXPECT_NE(handle, nullptr);
-        return *core->chart(handle);
+        return *core.chart(handle);
     }
     host::Host hostObject;
-    std::unique_ptr<host::DataCore> core;
+    host::DataCore core{hostObject};
 };
 
 }  // namespace
@@ -228,9 +187,7 @@ TEST_F(UsdChf, KagiThicknessChangesOnlyWhereAStrokeBreaksOut) {
     for (std::size_t i = 0; i < f.size(); ++i) {
         SCOPED_TRACE("stroke " + std::to_string(i));
         ASSERT_LT(f[i].low, f[i].high);
-        if (i + 1 < f.size()) {
-            ASSERT_GE(f[i].high - f[i].low, amount);
-        }
+        if (i + 1 < f.size()) { ASSERT_GE(f[i].high - f[i].low, amount); }
         if (i > 0) {
             ASSERT_NE(f[i].rising, f[i - 1].rising);
             // Each stroke starts at the extreme where the one before ended.
@@ -255,37 +212,27 @@ TEST_F(UsdChf, RecordsCarryTheFiguresAsFloats) {
     const auto& r = chart.records();
     ASSERT_EQ(f.size(), r.size());
     for (std::size_t i = 0; i < r.size(); ++i) {
-        EXPECT_EQ(r[i].time, f[i].time);
-        EXPECT_FLOAT_EQ(r[i].step, 0.005f);
-        EXPECT_FLOAT_EQ(r[i].value, float(f[i].low / 10000.0));
-        EXPECT_FLOAT_EQ(r[i].end, float(f[i].high / 10000.0));
-        EXPECT_EQ(r[i].type, f[i].rising ? 1 : 0);
-        EXPECT_EQ(r[i].solid, 0.0f);
+        SCOPED_TRACE(i);
+        ASSERT_EQ(std::make_tuple(int(r[i].time), float(r[i].step), int(r[i].type), float(r[i].solid)),
+                  std::make_tuple(int(f[i].time), 0.005f, f[i].rising ? 1 : 0, 0.0f));
+        ASSERT_FLOAT_EQ(r[i].value, float(f[i].low / 10000.0));
+        ASSERT_FLOAT_EQ(r[i].end, float(f[i].high / 10000.0));
     }
 }
 
 TEST(ProviderReplay, QuoteByQuoteGivesExactlyTheBatchRecords) {
     host::Host h;
     host::DataCore core(h);
-    host::InstrumentOptions live;
-    live.name = "REPLAY";
-    live.live = 10;
-    ASSERT_NE(core.loadInstrument(host::DataCore::builtInPath("USDCHF"), live), nullptr);
-    const host::data::ChartSettings box{0.0025, 3, 0};
-    host::data::ChartSettings percent;
-    percent.box = 0.0025;
-    percent.percent = 0.5;
-    struct Case {
-        ChartType type;
-        host::data::ChartSettings settings;
-    } cases[] = {{ChartType::PointAndFigure, box}, {ChartType::Renko, box}, {ChartType::Kagi, box},
-                 {ChartType::Kagi, percent}};
+    ASSERT_NE(core.loadInstrument(host::DataCore::builtInPath("USDCHF"), {"REPLAY", 10}), nullptr);
+    const host::data::ChartSettings box{0.0025, 3, 0}, percent{0.0025, 0, 0.5};
+    const std::pair<ChartType, host::data::ChartSettings> cases[] = {
+        {ChartType::PointAndFigure, box}, {ChartType::Renko, box}, {ChartType::Kagi, box}, {ChartType::Kagi, percent}};
     std::vector<void*> replayed;
-    for (const Case& c : cases) replayed.push_back(core.createChart("REPLAY", c.type, c.settings));
+    for (const auto& c : cases) replayed.push_back(core.createChart("REPLAY", c.first, c.second));
     EXPECT_EQ(core.replay("REPLAY", 1u << 30), core.instrument("USDCHF")->quotes().size() - 10);
 
     for (std::size_t k = 0; k < replayed.size(); ++k) {
-        void* batch = core.createChart("USDCHF", cases[k].type, cases[k].settings);
+        void* batch = core.createChart("USDCHF", cases[k].first, cases[k].second);
         const auto& a = core.chart(replayed[k])->records();
         const auto& b = core.chart(batch)->records();
         ASSERT_EQ(a.size(), b.size()) << k;

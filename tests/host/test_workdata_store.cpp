@@ -1,37 +1,23 @@
 // The emulator's work-data store on its own: raw messages with good and bad records, and
 // what it leaves on disk.
-#include <gtest/gtest.h>
-
-#include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
-#include <cstring>
 
-#include "host/Emulator.h"
+#include "WorkDataFile.h"
 #include "host/WorkDataStore.h"
 #include "host/workdata/WorkTree.h"
 
 namespace {
 
-struct Store : ::testing::Test {
-    QTemporaryDir dir;
-    QString path = dir.filePath("layout.xml");
-    std::unique_ptr<host::Emulator> emulator{new host::Emulator};
-
+struct Store : WorkDataFile {
     host::WorkDataStore& store() { return emulator->workData(); }
-    int send(unsigned int message, const void* p1, const void* p2 = nullptr) {
-        return host::Host::callback(nullptr, message, reinterpret_cast<std::intptr_t>(p1),
-                                    reinterpret_cast<std::intptr_t>(p2));
-    }
     static coreSzNode nodeRecord(void* handle) {
         return coreSzNode{0, 0, static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(handle))};
     }
     // 3168 with one attribute per (name, value).
     int write(void* node, const std::vector<std::pair<const char*, QString> >& attrs) {
-        std::vector<coreSzParam> params(attrs.size());
+        std::vector<coreSzParam> params(attrs.size(), coreSzParam{});
         std::vector<QString> values;
         for (std::size_t i = 0; i < attrs.size(); ++i) {
-            std::memset(&params[i], 0, sizeof params[i]);
             std::strncpy(params[i].name, attrs[i].first, sizeof params[i].name);
             values.push_back(attrs[i].second);
             params[i].value = const_cast<coreWChar*>(values.back().utf16());
@@ -41,14 +27,9 @@ struct Store : ::testing::Test {
         const coreSzNode n = nodeRecord(node);
         return send(MSG_WD_WRITE_PARAMS, &n, &list);
     }
-    void writeFile(const QByteArray& bytes) {
-        QFile f(path);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
-    }
 };
 
-TEST_F(Store, UnknownAndRemovedHandlesAnswerFailure) {
+TEST_F(Store, UnknownAndRemovedHandlesAndBadListsAnswerFailure) {
     void* doc = store().open(path);
     void* root = store().createChild(doc, "Root");
     void* child = store().createChild(root, "Child");
@@ -57,8 +38,7 @@ TEST_F(Store, UnknownAndRemovedHandlesAnswerFailure) {
     ASSERT_EQ(send(MSG_WD_CLEAR_NODE, &rootNode), 0);
 
     std::int32_t count = -1;
-    coreSzParam param;
-    std::memset(&param, 0, sizeof param);
+    coreSzParam param{};
     coreSzParamList list{1, &param};
     for (void* bad : {child, reinterpret_cast<void*>(0x7ff0), static_cast<void*>(nullptr)}) {
         const coreSzNode n = nodeRecord(bad);
@@ -68,8 +48,7 @@ TEST_F(Store, UnknownAndRemovedHandlesAnswerFailure) {
         EXPECT_EQ(send(MSG_WD_WRITE_PARAMS, &n, &list), 1);
         EXPECT_EQ(send(MSG_WD_CLEAR_NODE, &n), 1);
         EXPECT_EQ(send(MSG_WD_SAVE, &n), 1);
-        coreCreateNode create;
-        std::memset(&create, 0, sizeof create);
+        coreCreateNode create{};
         create.parent = bad;
         create.result = reinterpret_cast<void*>(1);
         std::strcpy(create.name, "X");
@@ -81,18 +60,15 @@ TEST_F(Store, UnknownAndRemovedHandlesAnswerFailure) {
                            MSG_WD_PARAM_COUNT, MSG_WD_PARAM_LENGTHS, MSG_WD_READ_PARAMS,
                            MSG_WD_WRITE_PARAMS})
         EXPECT_EQ(send(m, nullptr, nullptr), 1) << m;
-}
 
-TEST_F(Store, ParameterListsAreChecked) {
-    void* root = store().createChild(store().open(path), "Root");
-    const coreSzNode n = nodeRecord(root);
-    for (coreSzParamList list : {coreSzParamList{-1, nullptr}, coreSzParamList{2, nullptr},
-                                 coreSzParamList{5499318, nullptr}}) {
-        EXPECT_EQ(send(MSG_WD_PARAM_LENGTHS, &n, &list), 1);
-        EXPECT_EQ(send(MSG_WD_WRITE_PARAMS, &n, &list), 1);
+    // Parameter lists are checked.
+    for (coreSzParamList bad : {coreSzParamList{-1, nullptr}, coreSzParamList{2, nullptr},
+                                coreSzParamList{5499318, nullptr}}) {
+        EXPECT_EQ(send(MSG_WD_PARAM_LENGTHS, &rootNode, &bad), 1);
+        EXPECT_EQ(send(MSG_WD_WRITE_PARAMS, &rootNode, &bad), 1);
     }
     coreSzParamList empty{0, nullptr};
-    EXPECT_EQ(send(MSG_WD_WRITE_PARAMS, &n, &empty), 0);
+    EXPECT_EQ(send(MSG_WD_WRITE_PARAMS, &rootNode, &empty), 0);
     EXPECT_EQ(write(root, {{"bad name", "x"}, {"ok", "y"}}), 1) << "one entry refused";
     EXPECT_EQ(*store().node(root)->attribute("ok"), "y");
     EXPECT_EQ(store().node(root)->attributes.size(), 1u);
@@ -107,8 +83,7 @@ TEST_F(Store, ReadsAreCutToTheModuleBuffers) {
     ASSERT_EQ(send(MSG_WD_PARAM_COUNT, &n, &count), 0);
     ASSERT_EQ(count, 2);
 
-    coreSzParam params[3];
-    std::memset(params, 0, sizeof params);
+    coreSzParam params[3] = {};
     coreSzParamList list{3, params};
     ASSERT_EQ(send(MSG_WD_PARAM_LENGTHS, &n, &list), 0);
     EXPECT_EQ(int(params[0].valueLength), 7);
@@ -127,31 +102,27 @@ TEST_F(Store, ReadsAreCutToTheModuleBuffers) {
 }
 
 TEST_F(Store, ValuesComeBackExactlyFromDisk) {
-    const QString values[] = {
-        QString::fromUtf8("a<b>&c\"d'e"),
-        QString::fromUtf8("\n\r\t\r\n"),
-        QString::fromUtf8("  leading and trailing  "),
-        QString::fromUtf8("\xd0\x9f\xd1\x80\xd0\xb8\xd0\xb2\xd0\xb5\xd1\x82 \xe4\xb8\xad \xf0\x9f\x98\x80"),
-        QString::fromUtf8("]]> &amp; &#10;"),
-        QString()};
+    const std::vector<std::pair<const char*, QString> > attrs = {
+        {"v0", QString::fromUtf8("a<b>&c\"d'e")},
+        {"v1", QString::fromUtf8("\n\r\t\r\n")},
+        {"v2", QString::fromUtf8("  leading and trailing  ")},
+        {"v3", QString::fromUtf8("\xd0\x9f\xd1\x80\xd0\xb8\xd0\xb2\xd0\xb5\xd1\x82 \xe4\xb8\xad \xf0\x9f\x98\x80")},
+        {"v4", QString::fromUtf8("]]> &amp; &#10;")},
+        {"v5", QString()}};
     void* root = store().createChild(store().open(path), QString::fromUtf8("R\xc3\xa9sum\xc3\xa9"));
     ASSERT_NE(root, nullptr);
-    std::vector<std::pair<const char*, QString> > attrs;
-    const char* names[] = {"v0", "v1", "v2", "v3", "v4", "v5"};
-    for (int i = 0; i < 6; ++i) attrs.emplace_back(names[i], values[i]);
     ASSERT_EQ(write(root, attrs), 0);
     ASSERT_TRUE(store().save(root));
     EXPECT_EQ(QProcess::execute("xmllint", {"--noout", path}), 0);
 
-    emulator.reset();
-    emulator.reset(new host::Emulator);
+    restart();
     void* again = store().root(store().open(path));
     ASSERT_NE(again, nullptr);
     EXPECT_EQ(store().node(again)->name, QString::fromUtf8("R\xc3\xa9sum\xc3\xa9"));
-    for (int i = 0; i < 6; ++i) {
-        const QString* v = store().node(again)->attribute(names[i]);
-        ASSERT_NE(v, nullptr) << i;
-        EXPECT_EQ(*v, values[i]) << i;
+    for (const auto& a : attrs) {
+        const QString* v = store().node(again)->attribute(a.first);
+        ASSERT_NE(v, nullptr) << a.first;
+        EXPECT_EQ(*v, a.second) << a.first;
     }
 }
 
@@ -185,24 +156,13 @@ TEST_F(Store, DocumentsOpenSaveAndKeepOneRoot) {
     coreSzNode saved;
     ASSERT_TRUE(store().describe(deep, &saved));
     EXPECT_EQ(send(MSG_WD_SAVE, &saved), 0);
-    emulator.reset();
-    emulator.reset(new host::Emulator);
+    restart();
     EXPECT_NE(store().open(path), nullptr) << "the deepest document the store writes it reads";
 
     writeFile("<Root><unclosed></Root>");
-    emulator.reset();
-    emulator.reset(new host::Emulator);
-    coreOpenWorkData request;
-    std::memset(&request, 0, sizeof request);
-    std::memcpy(request.path, path.utf16(), path.size() * sizeof(coreWChar));
-    request.handle = reinterpret_cast<void*>(1);
-    EXPECT_EQ(send(MSG_WD_OPEN, &request), 1);
-    EXPECT_EQ(static_cast<void*>(request.handle), nullptr);
+    restart();
+    EXPECT_EQ(openDocument(), nullptr);
 }
-
-}  // namespace
-
-namespace {
 
 TEST_F(Store, SavingRewritesOnlyAChangedDocument) {
     const QByteArray original = "<Skin><!-- kept --><PICT A='1'/></Skin>";
@@ -211,15 +171,10 @@ TEST_F(Store, SavingRewritesOnlyAChangedDocument) {
     ASSERT_NE(doc, nullptr);
     const coreSzNode n = nodeRecord(doc);
     EXPECT_EQ(send(MSG_WD_SAVE, &n), 0);
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), original);
-    file.close();
-
+    EXPECT_EQ(readFile(), original);
     ASSERT_EQ(write(store().child(store().root(doc), "PICT"), {{"B", "2"}}), 0);
     EXPECT_EQ(send(MSG_WD_SAVE, &n), 0);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(file.readAll().contains("<PICT A=\"1\" B=\"2\"/>"));
+    EXPECT_TRUE(readFile().contains("<PICT A=\"1\" B=\"2\"/>"));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <tuple>
 
 #include "FakeHost.h"
 #include "xml/CXMLWorkData.h"
@@ -30,27 +31,22 @@ struct Exchange : ::testing::Test {
     bool writtenNullArray = false;
     std::vector<coreSzNode> addressed;  // the node record of every message, as sent
 
-    int note(std::intptr_t p1) {
-        addressed.push_back(*reinterpret_cast<const coreSzNode*>(p1));
-        return 0;
-    }
-
     void SetUp() override {
         host.on(MSG_WD_PARAM_COUNT, [this](void*, std::intptr_t p1, std::intptr_t p2) {
-            note(p1);
+            addressed.push_back(*reinterpret_cast<const coreSzNode*>(p1));
             *reinterpret_cast<std::int32_t*>(p2) =
                 reportedCount == -2 ? std::int32_t(entries.size()) : reportedCount;
             return 0;
         });
         host.on(MSG_WD_PARAM_LENGTHS, [this](void*, std::intptr_t p1, std::intptr_t p2) {
-            note(p1);
+            addressed.push_back(*reinterpret_cast<const coreSzNode*>(p1));
             auto* list = reinterpret_cast<coreSzParamList*>(p2);
             for (int i = 0; i < list->count && i < int(entries.size()); ++i)
                 list->params[i].valueLength = entries[i].length;
             return 0;
         });
         host.on(MSG_WD_READ_PARAMS, [this](void*, std::intptr_t p1, std::intptr_t p2) {
-            note(p1);
+            addressed.push_back(*reinterpret_cast<const coreSzNode*>(p1));
             auto* list = reinterpret_cast<coreSzParamList*>(p2);
             for (int i = 0; i < list->count && i < int(entries.size()); ++i) {
                 coreSzParam& p = list->params[i];
@@ -95,30 +91,25 @@ TEST_F(Exchange, ReadingAsksCountThenLengthsThenFillsAndSortsEntries) {
                                                           MSG_WD_READ_PARAMS}));
     for (const FakeHost::Call& call : host.calls()) EXPECT_EQ(call.target, host.handle());
     ASSERT_EQ(addressed.size(), 3u);
-    for (const coreSzNode& node : addressed) {
-        EXPECT_EQ(std::uint32_t(node.node), 0x2010u);
-        EXPECT_EQ(std::uint32_t(node.document), 0x2000u);
-    }
-    ASSERT_EQ(data->children().size(), 2u);
-    EXPECT_EQ(data->children()[0].node, handle(0x2030)) << "children keep the host's order";
-    EXPECT_EQ(data->children()[1].node, handle(0x2020));
+    for (const coreSzNode& node : addressed)
+        EXPECT_EQ(std::make_pair(std::uint32_t(node.document), std::uint32_t(node.node)), std::make_pair(0x2000u, 0x2010u));
+    ASSERT_EQ(data->children().size(), 2u);  // children keep the host's order
+    EXPECT_EQ(std::make_pair(data->children()[0].node, data->children()[1].node),
+              std::make_pair(handle(0x2030), handle(0x2020)));
     ASSERT_EQ(data->attributeCount(), 2);
     EXPECT_EQ(data->attributes().begin()->name, "Alpha");
     EXPECT_EQ(data->readString("Zeta"), "z");
 }
 
-TEST_F(Exchange, CountsOutOfRangeReadNothingFurther) {
+TEST_F(Exchange, HostileCountsLengthsNamesAndValuesStayInBounds) {
     entries = {{"A", "1", 2, 0, 0x2010}};
     for (std::int32_t count : {0, -1, -2147483647 - 1, CXMLWorkData::kMaxEntries + 1}) {
         host.clear();
         reportedCount = count;
-        auto data = open();
-        EXPECT_EQ(host.messages(), std::vector<unsigned int>{MSG_WD_PARAM_COUNT}) << count;
-        EXPECT_EQ(data->attributeCount(), 0);
+        EXPECT_EQ(open()->attributeCount(), 0) << count;
+        EXPECT_EQ(host.messages(), std::vector<unsigned int>{MSG_WD_PARAM_COUNT}) << "nothing read further";
     }
-}
-
-TEST_F(Exchange, HostileLengthsNamesAndValuesStayInBounds) {
+    reportedCount = -2;
     const std::string longName(300, 'n');
     entries = {{"Negative", "lost", -5, 0, 0},
                {"Huge", "lost", CXMLWorkData::kMaxValueUnits + 1, 0, 0},
@@ -126,9 +117,7 @@ TEST_F(Exchange, HostileLengthsNamesAndValuesStayInBounds) {
                {"Unterminated", "abcdef", 3, 0, 0},
                {"Zero", "lost", 0, 0, 0}};
     auto data = open();
-    EXPECT_EQ(data->readString("Negative", "default"), "");
-    EXPECT_EQ(data->readString("Huge", "default"), "");
-    EXPECT_EQ(data->readString("Zero", "default"), "");
+    for (const char* lost : {"Negative", "Huge", "Zero"}) EXPECT_EQ(data->readString(lost, "default"), "") << lost;
     EXPECT_EQ(data->readString(std::string(255, 'n').c_str()), "v");
     EXPECT_EQ(data->readString("Unterminated"), "ab") << "cut at the end of its buffer";
 }
@@ -164,8 +153,7 @@ TEST_F(Exchange, CreateNodeGivesNullUnlessTheHostReturnsAHandle) {
     });
     EXPECT_EQ(data->createNode("PFChart", 3), nullptr);
     EXPECT_STREQ(seen.name, "PFChart");
-    EXPECT_EQ(static_cast<void*>(seen.parent), handle(0x2010));
-    EXPECT_EQ(int(seen.flag), 3);
+    EXPECT_EQ(std::make_pair(static_cast<void*>(seen.parent), int(seen.flag)), std::make_pair(handle(0x2010), 3));
     answer = handle(0x2040);
     result = 1;
     EXPECT_EQ(data->createNode("PFChart"), nullptr);
@@ -191,13 +179,11 @@ TEST_F(Exchange, HeadNodeAndArrayOriginAreKeptAsAttributes) {
     data->writeHeadNode(handle(0x3001));
     EXPECT_FALSE(data->hasAttribute("FInterface")) << "nothing is written when 3012 fails";
 
-    fxDataPointArray dpa;
-    std::memset(&dpa, 0, sizeof dpa);
+    fxDataPointArray dpa{};
     const QString instrument = QString::fromUtf8("EUR/USD \xc2\xb5");
     std::memcpy(dpa.name.name, instrument.utf16(), instrument.size() * sizeof(coreWChar));
     std::strcpy(dpa.name.secondName, "Bid");
-    dpa.name.period.type = 'I';
-    dpa.name.period.length = 15;
+    dpa.name.period = namePeriod{'I', 15};
     dpa.name.value = -3;
     dpa.owner = handle(0x3000);
     data->writeDpaInfo(&dpa);
@@ -209,11 +195,9 @@ TEST_F(Exchange, HeadNodeAndArrayOriginAreKeptAsAttributes) {
     EXPECT_EQ(found, 1);
     EXPECT_EQ(std::memcmp(info.instrument.name, dpa.name.name, sizeof dpa.name.name), 0);
     EXPECT_STREQ(info.instrument.secondName, "Bid");
-    EXPECT_EQ(char(info.instrument.period.type), 'I');
-    EXPECT_EQ(int(info.instrument.period.length), 15);
-    EXPECT_EQ(int(info.instrument.value), -3);
-    EXPECT_STREQ(info.head.provider, "TELVIX");
-    EXPECT_STREQ(info.head.name, "PF EURUSD");
+    EXPECT_EQ(std::make_tuple(char(info.instrument.period.type), int(info.instrument.period.length),
+                              int(info.instrument.value)), std::make_tuple('I', 15, -3));
+    EXPECT_EQ(std::string(info.head.provider) + "/" + info.head.name, "TELVIX/PF EURUSD");
     EXPECT_EQ(std::strlen(info.head.interfaceName), 254u) << "255-byte buffer, terminated";
 
     CXMLWorkData empty(nullptr, nullptr, static_cast<void*>(nullptr), nullptr);

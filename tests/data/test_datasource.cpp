@@ -13,12 +13,6 @@
 
 namespace {
 
-class TestModule : public CModule {
-public:
-    TestModule() : CModule("Test module", 1, 1, 9, "TestLog", "CTranslatePFgraph") {}
-    void Attach(FakeHost& host) { InitializeWrap(host.callback(), host.callback(), host.handle(), nullptr); }
-};
-
 void* Handle(std::intptr_t v) { return reinterpret_cast<void*>(v); }
 const unsigned short* Wide(const std::u16string& s) { return reinterpret_cast<const unsigned short*>(s.c_str()); }
 
@@ -40,24 +34,21 @@ T At(const std::vector<unsigned char>& bytes, std::size_t offset) {
 
 struct DataSourceTest : ::testing::Test {
     FakeHost host;
-    TestModule module;
-    fxDataPointArray arrays[3];
-    fxDataPointArray base;
+    CModule module{"Test module", 1, 1, 9, "TestLog", "CTranslatePFgraph"};
+    fxDataPointArray arrays[3] = {};
+    fxDataPointArray base{};
     void* const dataHandle = Handle(0x2001);
     void* const baseHandle = Handle(0x2002);
     std::int32_t hostCount = 3;
     std::vector<std::int32_t> listCounts;  // the count of each list the host filled
-    coreNameInstrument instrument;
+    coreNameInstrument instrument{};
 
     void SetUp() override {
-        std::memset(arrays, 0, sizeof arrays);
-        std::memset(&base, 0, sizeof base);
-        std::memset(&instrument, 0, sizeof instrument);
         SetName(arrays[0].name, u"USDCHF Renko", "");
         SetName(base.name, u"USD/CHF", "usdchf");
         SetName(instrument, u"USDCHF", "chf");
         instrument.period = namePeriod{'D', 1};
-        module.Attach(host);
+        module.InitializeWrap(host.callback(), host.callback(), host.handle(), nullptr);
         host.on(MSG_DPA_COUNT, [this](void*, std::intptr_t, std::intptr_t p2) {
             *reinterpret_cast<std::int32_t*>(p2) = hostCount;
             return 0;
@@ -132,8 +123,7 @@ TEST_F(DataSourceTest, ConstructionFetchesAFirstArrayAndUpdatesReplaceTheList) {
 
     host.clear();
     listCounts.clear();
-    coreCoreUpdateDpaData update;
-    std::memset(&update, 0, sizeof update);
+    coreCoreUpdateDpaData update{};
     update.reference = 4242;
     EXPECT_EQ(source.UpdateData(&update), 0);
     EXPECT_EQ(host.messages(), (std::vector<unsigned int>{MSG_DPA_COUNT, MSG_DPA_LIST, MSG_DPA_LIST}));
@@ -163,13 +153,11 @@ TEST_F(DataSourceTest, ConstructionFetchesAFirstArrayAndUpdatesReplaceTheList) {
 
 TEST(DataSourceWithoutHost, EveryRequestIsSkippedWithItsNeutralResult) {
     FakeHost host;  // installed, but the module was never given its callback
-    TestModule module;
+    CModule module("Test module", 1, 1, 9, "TestLog", "CTranslatePFgraph");
     EXPECT_EQ(pf::DataSource::Create(&module, nullptr, Wide(u"X"), "", namePeriod{'D', 1}, 1, nullptr), nullptr);
     EXPECT_EQ(pf::DataSource::Subscribe(&module, nullptr, nullptr, nullptr), -1);
     EXPECT_EQ(pf::DataSource::Unsubscribe(nullptr, nullptr, nullptr, nullptr), -1);
-    coreNameInstrument instrument;
-    std::memset(&instrument, 0, sizeof instrument);
-    pf::DataSource source(&module, nullptr, Handle(1), instrument, Handle(2));
+    pf::DataSource source(&module, nullptr, Handle(1), coreNameInstrument{}, Handle(2));
     EXPECT_EQ(source.UpdateData(nullptr), 0);
     EXPECT_EQ(source.GetList().count, 1);
     EXPECT_EQ(source.GetArray(0), nullptr);

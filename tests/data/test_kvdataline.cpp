@@ -10,7 +10,9 @@ namespace {
 
 const unsigned char* Bytes(const void* p) { return static_cast<const unsigned char*>(p); }
 
-TEST(KVDataLine, OwnedLineLayoutGrowthAndRelease) {
+}  // namespace
+
+TEST(KVDataLine, OwnedLineLayoutGrowthNamesAndRelease) {
     fxDataPointArray* header = nullptr;
     {
         CKVDataLine line;
@@ -21,14 +23,13 @@ TEST(KVDataLine, OwnedLineLayoutGrowthAndRelease) {
         EXPECT_EQ(line.GetNamedOffset(CKVDataLine::OPEN), -1);
         EXPECT_EQ(line.GetFieldType("CLOSE"), DPT_NONE);  // InsertDPV does not fill the maps
         EXPECT_EQ(line.GetFieldOffset("CLOSE"), -1);
+        int capacityAt300 = 0;
         for (std::int32_t i = 0; i < 301; ++i) {
             const std::int32_t p[2] = {10 * i, 0};
             line.AppendData(Bytes(p));
-            if (i == 299) {
-                EXPECT_EQ(line.GetCapacity(), 300);
-            }
+            if (i == 299) capacityAt300 = line.GetCapacity();
         }
-        EXPECT_EQ(line.GetCapacity(), 600);
+        EXPECT_EQ(std::make_pair(capacityAt300, line.GetCapacity()), std::make_pair(300, 600));
         EXPECT_EQ(line.GetTime(300), 3000);
         const float q[2] = {0, 2.5f};
         line.ReplaceData(301, Bytes(q));  // ignored
@@ -44,14 +45,33 @@ TEST(KVDataLine, OwnedLineLayoutGrowthAndRelease) {
         line.Create();
         header = line.GetHeader();
         EXPECT_EQ(line.FindTime(0), 0);  // no data block
-        for (int i = 0; i < 101; ++i) line.InsertDPV(DPT_UINT8, QString("F%1").arg(i));
+        line.InsertDPV(DPT_UINT8, QString(300, QChar('n')));  // the name is cut at its field
+        for (int i = 1; i <= 100; ++i) line.InsertDPV(DPT_UINT8, QString("F%1").arg(i));
         EXPECT_EQ(+header->fieldCount, 101);  // counted past the 100 descriptors that exist
+        EXPECT_EQ(std::strlen(header->fields[0].name), 254u);
         EXPECT_STREQ(header->fields[99].name, "F99");
         line.Create(header);
         EXPECT_EQ(line.GetFieldOffset("F99"), 99);
         EXPECT_EQ(line.GetFieldOffset("F100"), -1);
+
+        line.SetName(QString(300, QChar('a')), QString(300, QChar('b')), 'I', 5, 77);
+        EXPECT_EQ(line.GetName(), QString(254, QChar('a')));
+        EXPECT_EQ(std::strlen(header->name.secondName), 254u);
+        EXPECT_EQ(+header->name.value, 77);
+        line.SetName(QString(253, QChar('a')) + QString::fromUtf16(u"\U0001F600"), "", 'D', 1, 0);
+        EXPECT_EQ(line.GetName(), QString(253, QChar('a')));  // a surrogate pair is not split
+        line.SetName("EURUSD", "", 'D', 1, 0);
+        line.SetAdditionalName("RSI");
+        EXPECT_EQ(line.GetName(), "EURUSD RSI");
+        line.SetAdditionalName(QString(400, QChar('z')));
+        EXPECT_EQ(line.GetName().size(), 254);
+        line.SetLineColor(0x123456);
+        EXPECT_EQ(+header->typeShow.color1, 0x123456);
     }  // capacity 0: nothing is freed
     FreeOwnedHeader(header);
+
+    CKVDataLine none;
+    none.SetPrecis(3);  // no header: nothing happens
 }
 
 TEST(KVDataLine, BorrowedLayoutMapsAndUpdate) {
@@ -121,32 +141,6 @@ TEST(KVDataLine, TextForm) {
                    "01/01/71 23:59:59\t0\t1\t1\t1\t1\t1\t\n");
 }
 
-TEST(KVDataLine, SettersCutNamesAtTheField) {
-    fxDataPointArray* header = nullptr;
-    {
-        CKVDataLine line;
-        line.SetPrecis(3);  // no header: nothing happens
-        line.Create();
-        header = line.GetHeader();
-        line.InsertDPV(DPT_UINT8, QString(300, QChar('n')));
-        EXPECT_EQ(std::strlen(header->fields[0].name), 254u);
-        line.SetName(QString(300, QChar('a')), QString(300, QChar('b')), 'I', 5, 77);
-        EXPECT_EQ(line.GetName(), QString(254, QChar('a')));
-        EXPECT_EQ(std::strlen(header->name.secondName), 254u);
-        EXPECT_EQ(+header->name.value, 77);
-        line.SetName(QString(253, QChar('a')) + QString::fromUtf16(u"\U0001F600"), "", 'D', 1, 0);
-        EXPECT_EQ(line.GetName(), QString(253, QChar('a')));  // a surrogate pair is not split
-        line.SetName("EURUSD", "", 'D', 1, 0);
-        line.SetAdditionalName("RSI");
-        EXPECT_EQ(line.GetName(), "EURUSD RSI");
-        line.SetAdditionalName(QString(400, QChar('z')));
-        EXPECT_EQ(line.GetName().size(), 254);
-        line.SetLineColor(0x123456);
-        EXPECT_EQ(+header->typeShow.color1, 0x123456);
-    }
-    FreeOwnedHeader(header);
-}
-
 TEST(KVDataLine, HostileHeadersAreReadSafely) {
     HostArray h({{DPT_INT32, "TIME"}, {DPT_FLOAT, "CLOSE"}});
     h.Add({10, 1}).Add({20, 2});
@@ -189,5 +183,3 @@ TEST(KVTime, SharedBufferAndNegativeTimes) {
     EXPECT_STREQ(first, "");
     EXPECT_STREQ(a.Format(std::string(120, 'x')), "");  // more than 99 characters
 }
-
-}  // namespace

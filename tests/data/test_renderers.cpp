@@ -5,6 +5,7 @@
 #include <ctime>
 #include <stdexcept>
 
+#include "data/KagiData.h"
 #include "data/PFData.h"
 #include "data/PointDataFactory.h"
 #include "data/RenkoData.h"
@@ -16,9 +17,7 @@ namespace {
 using Prim = RecordingPaintDevice::Primitive;
 using Lines = QVector<QLine>;
 
-const unsigned short kPF[] = {'P', 'o', 'i', 'n', 't', ' ', 'a', 'n', 'd', ' ', 'F', 'i', 'g', 'u', 'r', 'e', 0};
-const unsigned short kRenko[] = {'R', 'e', 'n', 'k', 'o', 0};
-const unsigned short kKagi[] = {'K', 'a', 'g', 'i', 0};
+const unsigned short* W(const char16_t* name) { return reinterpret_cast<const unsigned short*>(name); }
 
 }  // namespace
 
@@ -97,8 +96,8 @@ TEST_F(RendererTest, RenkoDrawsOneHollowBrickPerRecordWhateverItsEnd) {
 
 TEST_F(RendererTest, SelectedLinesAlternateDashPatternsBetweenDraws) {
     ChartRecordArray a({ChartRecord(2, 4, 1, 1, 3)});
-    for (const unsigned short* name : {kPF, kRenko, kKagi}) {
-        auto renderer = pf::PointDataFactory::Instance().Create(name, engine, &line);
+    for (const char16_t* name : {u"Point and Figure", u"Renko", u"Kagi"}) {
+        auto renderer = pf::PointDataFactory::Instance().Create(W(name), engine, &line);
         line.Select(true);
         for (Qt::PenStyle style : {Qt::DotLine, Qt::DashDotLine, Qt::DotLine}) {
             Paint(*renderer, a.get());
@@ -172,14 +171,12 @@ TEST_F(RendererTest, PFAndRenkoHitRectangles) {
 TEST(PointDataFactory, MakesTheRendererOfEachExactName) {
     const boost::shared_ptr<pf::ScaleEngine> engine(new pf::ScaleEngine);
     pf::PointDataFactory& factory = pf::PointDataFactory::Instance();
-    EXPECT_NE(dynamic_cast<pf::PFData*>(factory.Create(kPF, engine, nullptr).get()), nullptr);
-    EXPECT_NE(dynamic_cast<pf::RenkoData*>(factory.Create(kRenko, engine, nullptr).get()), nullptr);
-    const unsigned short lower[] = {'p', 'o', 'i', 'n', 't', ' ', 'a', 'n', 'd', ' ', 'f', 'i', 'g', 'u', 'r', 'e', 0};
-    const unsigned short prefix[] = {'R', 'e', 'n', 0};
-    const unsigned short longer[] = {'K', 'a', 'g', 'i', 's', 0};
-    for (const unsigned short* bad : {lower, prefix, longer, static_cast<const unsigned short*>(nullptr)}) {
+    EXPECT_NE(dynamic_cast<pf::PFData*>(factory.Create(W(u"Point and Figure"), engine, nullptr).get()), nullptr);
+    EXPECT_NE(dynamic_cast<pf::RenkoData*>(factory.Create(W(u"Renko"), engine, nullptr).get()), nullptr);
+    EXPECT_NE(dynamic_cast<pf::KagiData*>(factory.Create(W(u"Kagi"), engine, nullptr).get()), nullptr);
+    for (const char16_t* bad : {u"point and figure", u"Ren", u"Kagis", static_cast<const char16_t*>(nullptr)}) {
         try {
-            factory.Create(bad, engine, nullptr);
+            factory.Create(W(bad), engine, nullptr);
             ADD_FAILURE() << "no exception";
         } catch (const std::runtime_error& e) {
             EXPECT_STREQ(e.what(), "Unexpected name of data point");
@@ -199,11 +196,6 @@ public:
     bool isEmpty() const override { return false; }
 };
 
-class TestModule : public CModule {
-public:
-    TestModule() : CModule("Test module", 1, 1, 9, "TestLog", "CTranslatePFgraph") {}
-};
-
 }  // namespace
 
 TEST(PointDataTooltip, NameValuesAndLocalTimeThroughTheModuleTranslation) {
@@ -216,7 +208,7 @@ TEST(PointDataTooltip, NameValuesAndLocalTimeThroughTheModuleTranslation) {
     const QString expected = "EURUSD\nFirst value: 1.2000\nLast value: 1.2050\n14.11.2023 22:13:20";
     EXPECT_EQ(pf::PointData::ToolTipText("EURUSD", r, 4), expected);  // no module alive
     {
-        TestModule module;
+        CModule module("Test module", 1, 1, 9, "TestLog", "CTranslatePFgraph");
         EXPECT_EQ(pf::PointData::ToolTipText("EURUSD", r, 4), expected);
     }
     QCoreApplication::removeTranslator(&translator);

@@ -93,8 +93,7 @@ TEST_F(Dealing, DayOffFollowsEventsAndTheLastAccountLeaving) {
 
 TEST_F(Dealing, DayOffEventFromAStrangerIsIgnored) {
     fxdDayOffEventPayload payload = {std::uint32_t(reinterpret_cast<std::uintptr_t>(alpha)), 1};
-    FXEvent event;
-    std::memset(&event, 0, sizeof event);
+    FXEvent event{};
     event.sender = emulator->mainWindow().handle();
     event.code = EVENT_DAYOFF_CHANGED;
     event.payloadCount = 1;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QRegularExpression>
 #include <cstring>
 #include <stdexcept>
 
@@ -19,6 +20,10 @@ protected:
         emulator.reset(new host::Emulator(options));
         std::string error;
         ASSERT_TRUE(emulator->loadModule(&error)) << error;
+    }
+    void Start(host::EmulatorOptions options = host::EmulatorOptions()) {
+        Load(options);
+        H().startUp();
     }
     host::Host& H() { return emulator->host(); }
     host::CoreServices& Core() { return emulator->core(); }
@@ -66,32 +71,26 @@ TEST_F(StartUp, ModuleInformationRecordByteForByte) {
 }
 
 TEST_F(StartUp, SetUpAsksLanguagesDateFunctionsAndLogSink) {
-    Load();
-    H().startUp();
-    auto sent = [&](unsigned int m) {
-        std::vector<unsigned int> out;
-        for (const auto& e : SentDuring(IndexOf(m))) out.push_back(e.message);
-        return out;
-    };
-    EXPECT_EQ(sent(MSG_SETUP), (std::vector<unsigned int>{3116, 3117, 3207, 3205}));
-
     host::EmulatorOptions none;
     none.languages.clear();
-    Load(none);
-    H().startUp();
-    EXPECT_EQ(sent(MSG_SETUP), (std::vector<unsigned int>{3116, 3207, 3205}));
+    for (const auto& options : {host::EmulatorOptions(), none}) {
+        Start(options);
+        std::vector<unsigned int> sent;
+        for (const auto& e : SentDuring(IndexOf(MSG_SETUP))) sent.push_back(e.message);
+        // The language list is asked for only when there are languages.
+        EXPECT_EQ(sent, options.languages.empty() ? std::vector<unsigned int>({3116, 3207, 3205})
+                                                  : std::vector<unsigned int>({3116, 3117, 3207, 3205}));
+    }
 }
 
 TEST_F(StartUp, RegistrationInsertsTextsThenRegistersThreeInterfaces) {
-    Load();
-    H().startUp();
+    Start();
     const auto sent = SentDuring(IndexOf(MSG_REGISTER));
-    ASSERT_EQ(sent.size(), 52u + 4u);
-    for (std::size_t i = 0; i < 52; ++i) ASSERT_EQ(sent[i].message, 3019u) << i;
-    EXPECT_EQ(sent[52].message, 3000u);
-    EXPECT_EQ(sent[53].message, 3110u);  // the PF interface subscribes right after registering
-    EXPECT_EQ(sent[54].message, 3000u);
-    EXPECT_EQ(sent[55].message, 3000u);
+    std::vector<unsigned int> order(52, 3019u);
+    order.insert(order.end(), {3000u, 3110u, 3000u, 3000u});  // the PF interface subscribes right after registering
+    std::vector<unsigned int> actual;
+    for (const auto& e : sent) actual.push_back(e.message);
+    ASSERT_EQ(actual, order);
 
     const auto& keys = Core().insertedKeys();
     ASSERT_EQ(keys.size(), 52u);
@@ -103,9 +102,7 @@ TEST_F(StartUp, RegistrationInsertsTextsThenRegistersThreeInterfaces) {
 
     const auto& components = Core().components();
     ASSERT_EQ(components.size(), 3u);
-    EXPECT_EQ(components[0].name, "Points and Figures");
-    EXPECT_EQ(components[1].name, "Renko");
-    EXPECT_EQ(components[2].name, "Kagi");
+    EXPECT_EQ(components[0].name + "/" + components[1].name + "/" + components[2].name, "Points and Figures/Renko/Kagi");
     const std::string second = "second=" + std::to_string(std::int32_t(reinterpret_cast<std::intptr_t>(H().coreHandle2())));
     for (std::size_t i : {52u, 54u, 55u}) {
         EXPECT_NE(sent[i].detail.find("register Windowcomponent/TELVIX/"), std::string::npos);
@@ -129,8 +126,7 @@ TEST_F(StartUp, TextsComeBackTranslatedForTheSelectedLanguage) {
     EXPECT_EQ(QCoreApplication::translate("CTranslatePFgraph", "PF0003"), QStringLiteral("Kagi"));
 
     std::vector<char> icon(4096, 'z');
-    fxwcNameCompUnicode name;
-    std::memset(&name, 0, sizeof name);
+    fxwcNameCompUnicode name{};
     name.iconBuffer = icon.data();
     name.iconSize = std::int32_t(icon.size());
     void* pf = Core().componentObject("Points and Figures");
@@ -142,7 +138,7 @@ TEST_F(StartUp, TextsComeBackTranslatedForTheSelectedLanguage) {
 
     // A buffer too small for the icon is left alone, the name is still written.
     std::vector<char> small(8, 'z');
-    std::memset(&name, 0, sizeof name);
+    name = fxwcNameCompUnicode{};
     name.iconBuffer = small.data();
     name.iconSize = 8;
     void* kagi = Core().componentObject("Kagi");
@@ -159,9 +155,8 @@ TEST_F(StartUp, TextsComeBackTranslatedForTheSelectedLanguage) {
     EXPECT_EQ(H().send(kagi, MSG_WC_NAME, 0), 0);  // null record: the switch still answers 0
 }
 
-TEST_F(StartUp, InterfaceMessagesAlsoRunTheModuleSwitch) {
-    Load();
-    H().startUp();
+TEST_F(StartUp, InterfaceMessagesAlsoRunTheModuleSwitchUnknownWidgetsTouchNothing) {
+    Start();
     void* pf = Core().componentObject("Points and Figures");
 
     std::int32_t query = 0;
@@ -179,15 +174,26 @@ TEST_F(StartUp, InterfaceMessagesAlsoRunTheModuleSwitch) {
     EXPECT_EQ(int(list.count), 1);  // the module switch ran as well
 
     // An interface's own "not listed" answer is not what the host gets back.
-    coreCoreUpdateDpaData update;
-    std::memset(&update, 0, sizeof update);
+    coreCoreUpdateDpaData update{};
     EXPECT_EQ(H().send(pf, MSG_DATA_UPDATED, reinterpret_cast<std::intptr_t>(&update)), 0);
     EXPECT_EQ(H().send(pf, 987654), 0);
+
+    // Window messages for widgets the module does not have touch nothing: the interface
+    // answers 1, the module switch 0, and the switch's answer is returned.
+    void* renko = Core().componentObject("Renko");
+    int notAWidget = 0;
+    for (unsigned int m : {MSG_WC_DESTROY, MSG_WC_RESIZE, MSG_WC_SHOW, MSG_WC_PRINT})
+        EXPECT_EQ(H().send(renko, m, reinterpret_cast<std::intptr_t>(&notAWidget)), 0) << m;
+    EXPECT_EQ(notAWidget, 0);
+    EXPECT_EQ(H().send(renko, MSG_WC_CREATE, 0), 0);
+    // An undo request naming a widget the module does not have is not handled and not answered.
+    std::int32_t undo[8] = {0, 0, 0, 0x1234, 0, 0, 0, 0};
+    EXPECT_EQ(H().send(nullptr, MSG_UNDO_REQUEST, reinterpret_cast<std::intptr_t>(undo)), 1);
+    EXPECT_TRUE(H().journal().find(MSG_UNDO_REPLY).empty());
 }
 
 TEST_F(StartUp, ExceptionsInHandlersAnswerOneAndNeverEscape) {
-    Load();
-    H().startUp();
+    Start();
     H().on(MSG_INSERT_TRANSLATION, [](void*, std::intptr_t, std::intptr_t, std::string&) -> int {
         throw std::runtime_error("translation table full");
     });
@@ -200,27 +206,7 @@ TEST_F(StartUp, ExceptionsInHandlersAnswerOneAndNeverEscape) {
     const auto& last = Core().logRecords().back();
     EXPECT_EQ(last.level, 5);
     EXPECT_EQ(last.name, QStringLiteral("PFChartModule"));
-    EXPECT_TRUE(last.text.startsWith(QStringLiteral("Unknown throw in <PFChartModule>|"))) << last.text.toStdString();
-    EXPECT_TRUE(last.text.contains(QStringLiteral("CModule.cpp|")));
-    bool lineIsNumber = false;
-    last.text.section(QLatin1Char('|'), -1).toInt(&lineIsNumber);
-    EXPECT_TRUE(lineIsNumber);
-}
-
-TEST_F(StartUp, WindowMessagesForUnknownWidgetsTouchNothing) {
-    Load();
-    H().startUp();
-    void* renko = Core().componentObject("Renko");
-    int notAWidget = 0;
-    for (unsigned int m : {MSG_WC_DESTROY, MSG_WC_RESIZE, MSG_WC_SHOW, MSG_WC_PRINT}) {
-        // The interface answers 1, the module switch 0; the switch's answer is returned.
-        EXPECT_EQ(H().send(renko, m, reinterpret_cast<std::intptr_t>(&notAWidget)), 0) << m;
-    }
-    EXPECT_EQ(notAWidget, 0);
-    EXPECT_EQ(H().send(renko, MSG_WC_CREATE, 0), 0);
-
-    // An undo request naming a widget the module does not have is not handled and not answered.
-    std::int32_t undo[8] = {0, 0, 0, 0x1234, 0, 0, 0, 0};
-    EXPECT_EQ(H().send(nullptr, MSG_UNDO_REQUEST, reinterpret_cast<std::intptr_t>(undo)), 1);
-    EXPECT_TRUE(H().journal().find(MSG_UNDO_REPLY).empty());
+    // "Unknown throw in <module>|file|line"
+    EXPECT_TRUE(QRegularExpression("^Unknown throw in <PFChartModule>\\|.*CModule\\.cpp\\|\\d+$").match(last.text).hasMatch())
+        << last.text.toStdString();
 }

@@ -16,8 +16,7 @@ namespace {
 void* H(std::intptr_t value) { return reinterpret_cast<void*>(value); }
 
 fxdDealAccount Account(std::uint32_t deal, int id, const QString& name) {
-    fxdDealAccount a;
-    std::memset(&a, 0, sizeof a);
+    fxdDealAccount a{};
     a.dealHandle = deal;
     a.accountId = id;
     std::memcpy(a.name, name.utf16(), sizeof(coreWChar) * std::size_t(name.size()));
@@ -56,12 +55,10 @@ TEST(AccountList, IdsAreUniqueAndTheFirstAccountSelectsItsDealing) {
     EXPECT_EQ(Ids(list), (std::vector<int>{8}));
     list.clearAccountList();
     EXPECT_TRUE(list.empty());
-}
 
-TEST(AccountList, UnterminatedNameEndsWithTheRecord) {
-    fxdDealAccount a = Account(1, 1, "");
-    for (coreWChar& c : a.name) c = 'x';
-    EXPECT_EQ(OneHandleAccount(a, nullptr).GetAccountName(), QString(146, QChar('x')));
+    fxdDealAccount unterminated = Account(1, 1, "");  // the name ends with the record
+    for (coreWChar& c : unterminated.name) c = 'x';
+    EXPECT_EQ(OneHandleAccount(unterminated, nullptr).GetAccountName(), QString(146, QChar('x')));
 }
 
 TEST(ChartModuleWithoutHost, EveryRequestIsNeutral) {
@@ -162,8 +159,7 @@ TEST_F(ChartModuleHost, MainWindowAndTransportAreAskedOnce) {
 
 TEST_F(ChartModuleHost, UnbelievableCountsAllocateNothing) {
     fxdDayOffEventPayload payload = {0xD1, 1};
-    FXEvent event;
-    std::memset(&event, 0, sizeof event);
+    FXEvent event{};
     event.sender = module.GetPFInterface()->GetHostHandle();
     event.code = EVENT_DAYOFF_CHANGED;
     event.payloadCount = 1;

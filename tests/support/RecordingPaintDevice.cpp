@@ -17,18 +17,14 @@ public:
         if (state.state() & QPaintEngine::DirtyPen) pen_ = state.pen();
     }
 
-    void drawLines(const QLine* lines, int count) override {
-        add(Primitive::Lines).lines = QVector<QLine>(lines, lines + count);
-    }
+    void drawLines(const QLine* lines, int count) override { add(Primitive::Lines).lines = {lines, lines + count}; }
     void drawLines(const QLineF* lines, int count) override {
         Primitive& p = add(Primitive::Lines);
         for (int i = 0; i < count; ++i) p.lines.push_back(lines[i].toLine());
     }
     void drawEllipse(const QRect& rect) override { add(Primitive::Ellipse).rects = {rect}; }
     void drawEllipse(const QRectF& rect) override { add(Primitive::Ellipse).rects = {rect.toRect()}; }
-    void drawRects(const QRect* rects, int count) override {
-        add(Primitive::Rects).rects = QVector<QRect>(rects, rects + count);
-    }
+    void drawRects(const QRect* rects, int count) override { add(Primitive::Rects).rects = {rects, rects + count}; }
     void drawPixmap(const QRectF&, const QPixmap&, const QRectF&) override {}
 
 private:
@@ -61,13 +57,9 @@ QVector<QLine> RecordingPaintDevice::lines() const {
 
 int RecordingPaintDevice::metric(PaintDeviceMetric metric) const {
     switch (metric) {
-    case PdmWidth:
-    case PdmHeight: return 1000;
+    case PdmWidth: case PdmHeight: return 1000;
     case PdmDepth: return 32;
-    case PdmDpiX:
-    case PdmDpiY:
-    case PdmPhysicalDpiX:
-    case PdmPhysicalDpiY: return 96;
+    case PdmDpiX: case PdmDpiY: case PdmPhysicalDpiX: case PdmPhysicalDpiY: return 96;
     case PdmDevicePixelRatio: return 1;
     case PdmDevicePixelRatioScaled: return int(QPaintDevice::devicePixelRatioFScale());
     default: return 265;  // millimetres and colour count: anything plausible

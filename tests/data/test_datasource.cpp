@@ -48,11 +48,8 @@ struct DataSourceTest : ::testing::Test {
         SetName(base.name, u"USD/CHF", "usdchf");
         SetName(instrument, u"USDCHF", "chf");
         instrument.period = namePeriod{'D', 1};
-        module.InitializeWrap(host.callback(), host.callback(), host.handle(), nullptr);
-        host.on(MSG_DPA_COUNT, [this](void*, std::intptr_t, std::intptr_t p2) {
-            *reinterpret_cast<std::int32_t*>(p2) = hostCount;
-            return 0;
-        });
+        host.attach(module);
+        host.fill<std::int32_t>(MSG_DPA_COUNT, [this](std::int32_t* count) { *count = hostCount; }, true);
         host.on(MSG_DPA_LIST, [this](void*, std::intptr_t p1, std::intptr_t p2) {
             auto* list = reinterpret_cast<coreListCreateData*>(p2);
             listCounts.push_back(list->count);
@@ -67,10 +64,9 @@ struct DataSourceTest : ::testing::Test {
 
 TEST_F(DataSourceTest, CreateFillsTheRecordAndReturnsTheHostsHandle) {
     std::vector<unsigned char> sent;
-    host.on(MSG_CREATE_DPA, [&](void*, std::intptr_t p1, std::intptr_t) {
-        sent.assign(reinterpret_cast<unsigned char*>(p1), reinterpret_cast<unsigned char*>(p1) + sizeof(coreCreateDpaData));
-        reinterpret_cast<coreCreateDpaData*>(p1)->handle = Handle(0x3003);
-        return 0;
+    host.fill<coreCreateDpaData>(MSG_CREATE_DPA, [&](coreCreateDpaData* r) {
+        sent.assign(reinterpret_cast<unsigned char*>(r), reinterpret_cast<unsigned char*>(r + 1));
+        r->handle = Handle(0x3003);
     });
     EXPECT_EQ(pf::DataSource::Create(&module, Handle(0x77), Wide(u"EURUSD"), "", namePeriod{'I', 15}, 1, nullptr),
               Handle(0x3003));

@@ -1,14 +1,13 @@
-// Point and Figure and Renko renderers, and what the three renderers share: the column walk
-// and its clamping, pens, the factory and the tooltip text.
+// The Point and Figure, Renko and Kagi renderers through the recording paint device: exact
+// boxes, bricks and strokes, pens, the column walk and its clamping, hit areas, the factory
+// and the tooltip text. Kagi: the thick/thin switch at crossings, the state carried over
+// from records left of the view, rounding and the two hit strips.
 #include <QCoreApplication>
 #include <QTranslator>
 #include <ctime>
 #include <stdexcept>
 
-#include "data/KagiData.h"
-#include "data/PFData.h"
 #include "data/PointDataFactory.h"
-#include "data/RenkoData.h"
 #include "module/CModule.h"
 #include "renderer_fixture.h"
 
@@ -24,7 +23,6 @@ const unsigned short* W(const char16_t* name) { return reinterpret_cast<const un
 TEST_F(RendererTest, PFColumnsStackBoxesUpFromValue) {
     // X: 2.5 boxes of difference make 3 boxes; O: 1 box of difference makes 2; equal ends make 1.
     ChartRecordArray a({ChartRecord(2, 4, 1, 1), ChartRecord(2, 3, 1, 0), ChartRecord(2, 2, 1, 1)});
-    pf::PFData pfData(&line, engine);
     Paint(pfData, a.get());
     // Crossed boxes between rows 80, 70, 60 and 50, from x to x + 1 + step.
     EXPECT_EQ(device.lines(), Lines({QLine(0, 80, 11, 70), QLine(0, 70, 11, 80), QLine(0, 70, 11, 60),
@@ -49,7 +47,6 @@ TEST_F(RendererTest, PFColumnsStackBoxesUpFromValue) {
 }
 
 TEST_F(RendererTest, HostileBoxSizesCannotStallThePaint) {
-    pf::PFData pfData(&line, engine);
     // A million boxes too small to move the float: each after the first would be the same one.
     ChartRecordArray absorbed({ChartRecord(1.0f, 1.001f, 1e-9f, 0)});
     Paint(pfData, absorbed.get());
@@ -66,25 +63,17 @@ TEST_F(RendererTest, HostileBoxSizesCannotStallThePaint) {
     EXPECT_EQ(device.lines().front(), QLine(0, 100, 11, 100));
 }
 
-TEST_F(RendererTest, FractionalColumnWidthsTruncateEachEdge) {
+TEST_F(RendererTest, PFFractionalColumnWidthsTruncateEachEdge) {
     Frame(8, 0, 7.0f, 100, 0.0f, 10.0f, 100);  // 12.5 pixels per column: x 0, 12.5, 25
     ChartRecordArray a({ChartRecord(2, 2, 1, 1), ChartRecord(2, 2, 1, 0), ChartRecord(2, 2, 1, 1)});
-    pf::PFData pfData(&line, engine);
     Paint(pfData, a.get());
     EXPECT_EQ(device.lines(), Lines({QLine(0, 80, 13, 70), QLine(0, 70, 13, 80), QLine(25, 80, 38, 70),
                                      QLine(25, 70, 38, 80)}));
     EXPECT_EQ(device.of(Prim::Ellipse).at(0).rects.at(0), QRect(QPoint(13, 80), QPoint(25, 69)).normalized());
-
-    pf::RenkoData renko(&line, engine);
-    Paint(renko, a.get());
-    // The brick's right side is x + step + 0.5 truncated, without the X box's extra pixel.
-    EXPECT_EQ(device.lines().mid(4, 4), Lines({QLine(13, 80, 13, 70), QLine(13, 80, 25, 80),
-                                               QLine(13, 70, 25, 70), QLine(25, 80, 25, 70)}));
 }
 
 TEST_F(RendererTest, RenkoDrawsOneHollowBrickPerRecordWhateverItsEnd) {
     ChartRecordArray a({ChartRecord(2, 7, 1, 1), ChartRecord(2, 2, 1, 0)});
-    pf::RenkoData renko(&line, engine);
     Paint(renko, a.get());
     ASSERT_EQ(device.of(Prim::Lines).size(), 8u);
     EXPECT_EQ(device.lines(), Lines({QLine(0, 80, 0, 70), QLine(0, 80, 10, 80), QLine(0, 70, 10, 70),
@@ -92,6 +81,13 @@ TEST_F(RendererTest, RenkoDrawsOneHollowBrickPerRecordWhateverItsEnd) {
                                      QLine(10, 70, 20, 70), QLine(20, 80, 20, 70)}));
     EXPECT_TRUE(SamePen(device.primitives()[0].pen, kColour0, 1.0));
     EXPECT_TRUE(SamePen(device.primitives()[4].pen, kColour1, 1.0));
+
+    // 12.5 pixels per column: the brick's right side is x + step + 0.5 truncated, without
+    // the X box's extra pixel.
+    Frame(8, 0, 7.0f, 100, 0.0f, 10.0f, 100);
+    Paint(renko, a.get());
+    EXPECT_EQ(device.lines().mid(4, 4), Lines({QLine(13, 80, 13, 70), QLine(13, 80, 25, 80),
+                                               QLine(13, 70, 25, 70), QLine(25, 80, 25, 70)}));
 }
 
 TEST_F(RendererTest, SelectedLinesAlternateDashPatternsBetweenDraws) {
@@ -112,26 +108,28 @@ TEST_F(RendererTest, SelectedLinesAlternateDashPatternsBetweenDraws) {
 
 TEST_F(RendererTest, ColumnWalkIsClampedToEngineAndArray) {
     ChartRecordArray a({ChartRecord(2, 2, 1, 1), ChartRecord(3, 3, 1, 1), ChartRecord(4, 4, 1, 1)});
-    pf::PFData pfData(&line, engine);
     const auto columns = [&] {
         Paint(pfData, a.get());
         return int(device.primitives().size()) / 2;
     };
-    EXPECT_EQ(columns(), 3);  // 10 visible, 3 in the array
-    Frame(10, 0, 1.9f, 100, 0, 10);  // last drawable index 1
-    EXPECT_EQ(columns(), 2);
-    Frame(2, 2, 9.0f, 100, 0, 10);  // record 2 in the first column
-    EXPECT_EQ(columns(), 1);
-    EXPECT_EQ(device.lines().at(0), QLine(0, 60, 11, 50));
-    for (int first : {3, 50, -1}) {
-        Frame(10, first, 60.0f, 100, 0, 10);
-        EXPECT_EQ(columns(), 0) << "first " << first;
+    // Visible columns, first visible index, last drawable index: columns drawn.
+    const struct {
+        int columns, first;
+        float last;
+        int drawn;
+    } frames[] = {{10, 0, 9.0f, 3},   // 10 visible, 3 in the array
+                  {10, 0, 1.9f, 2},   // last drawable index 1
+                  {2, 2, 9.0f, 1},    // record 2 in the first column
+                  {10, 3, 60.0f, 0}, {10, 50, 60.0f, 0}, {10, -1, 60.0f, 0},
+                  {10, 2, 1.0f, 0},   // first past the last drawable
+                  {0, 0, 9.0f, 0}};
+    for (const auto& f : frames) {
+        Frame(f.columns, f.first, f.last, 100, 0, 10);
+        EXPECT_EQ(columns(), f.drawn) << f.columns << " from " << f.first << " to " << f.last;
     }
-    Frame(10, 2, 1.0f, 100, 0, 10);  // first past the last drawable
-    EXPECT_EQ(columns(), 0);
-    Frame(0, 0, 9.0f, 100, 0, 10);
-    EXPECT_EQ(columns(), 0);
-
+    Frame(2, 2, 9.0f, 100, 0, 10);
+    columns();
+    EXPECT_EQ(device.lines().at(0), QLine(0, 60, 11, 50));
     Frame(10, 0, 9.0f, 100, 0, 10);
     a.header.pointSize = 20;
     EXPECT_EQ(columns(), 0);
@@ -144,7 +142,6 @@ TEST_F(RendererTest, ColumnWalkIsClampedToEngineAndArray) {
 
 TEST_F(RendererTest, PFAndRenkoHitRectangles) {
     ChartRecordArray a({ChartRecord(2, 4, 1, 1), ChartRecord(6, 7, 1, 0)}, 2);
-    pf::PFData pfData(&line, engine);
     QString text;
     const auto pfHit = [&](int x, int y) { return pfData.IsUnderMouse(QPoint(x, y), a.get(), "L", text); };
     // Column 0: x 0..9, rows TranslateY(4 + 1) = 50 down to TranslateY(2) - 1 = 79.
@@ -161,7 +158,6 @@ TEST_F(RendererTest, PFAndRenkoHitRectangles) {
     // Renko: END + STEP = 10 on row 100, VALUE 6.9 on row 131; only rows 115..129 hit.
     Frame(10, 0, 9.0f, 200, 0.0f, 20.0f);
     ChartRecordArray bricks({ChartRecord(6.9f, 9, 1, 1), ChartRecord(11, 10, 1, 0)});
-    pf::RenkoData renko(&line, engine);
     const auto renkoHit = [&](int x, int y) { return renko.IsUnderMouse(QPoint(x, y), bricks.get(), "R", text); };
     EXPECT_TRUE(renkoHit(0, 115) && renkoHit(9, 129));
     EXPECT_FALSE(renkoHit(5, 114) || renkoHit(5, 130) || renkoHit(10, 115));
@@ -216,4 +212,65 @@ TEST(PointDataTooltip, NameValuesAndLocalTimeThroughTheModuleTranslation) {
     EXPECT_TRUE(pf::PointData::ToolTipText("X", r, -3).startsWith("X\nPF0017: 1\nPF0018: 1\n"));
     if (zone.isNull()) qunsetenv("TZ"); else qputenv("TZ", zone);
     tzset();
+}
+
+// ---- Kagi ----
+
+TEST_F(RendererTest, KagiCrossingsSwitchThicknessAndRecordsLeftOfTheViewSetTheStartingPen) {
+    // Rising through 1.5, falling beside it without crossing, falling through 1.5, rising
+    // without crossing.
+    ChartRecordArray a({ChartRecord(1, 2, 0.5f, 1, 1.5f), ChartRecord(2, 3, 0.5f, 0, 5),
+                        ChartRecord(1, 2.5f, 0.5f, 0, 1.5f), ChartRecord(1, 2, 0.5f, 1, 0)});
+    Paint(kagi, a.get());
+    EXPECT_EQ(device.lines(), Lines({QLine(1, 90, 11, 90), QLine(11, 90, 11, 85), QLine(11, 86, 11, 80),
+                                     QLine(11, 70, 21, 70), QLine(21, 80, 21, 70), QLine(21, 75, 31, 75),
+                                     QLine(31, 86, 31, 75), QLine(31, 90, 31, 85), QLine(31, 90, 41, 90),
+                                     QLine(41, 90, 41, 80)}));
+    EXPECT_EQ(KagiPens(), "ttTTTTTttt");
+    Frame(10, 1, 9.0f, 100, 0, 10);  // after the thick crossing
+    Paint(kagi, a.get());
+    EXPECT_EQ(KagiPens(), "TTTTttt");
+    Frame(10, 3, 9.0f, 100, 0, 10);  // after the thin crossing
+    Paint(kagi, a.get());
+    EXPECT_EQ(KagiPens(), "tt");
+
+    // The carry-over translates prices as they are, drawing rounds them first: with no
+    // decimals SOLID 1.4 lies between 1 and 2 but rounds onto VALUE.
+    ChartRecordArray unrounded({ChartRecord(1, 2, 0.5f, 1, 1.4f), ChartRecord(2, 3, 0.5f, 0, 9)}, 0);
+    Frame(10, 0, 9.0f, 100, 0, 10);
+    Paint(kagi, unrounded.get());
+    EXPECT_EQ(KagiPens(), "tttt");
+    Frame(10, 1, 9.0f, 100, 0, 10);
+    Paint(kagi, unrounded.get());
+    EXPECT_EQ(KagiPens(), "TT");
+}
+
+TEST_F(RendererTest, KagiPricesAreRoundedHalfAwayFromZeroBeforeTranslation) {
+    EXPECT_EQ(std::vector<float>({pf::roundFloat(1.006f, 2), pf::roundFloat(1.004f, 2), pf::roundFloat(-1.006f, 2),
+                                  pf::roundFloat(-2.5f, 0), pf::roundFloat(1234.5f, -2)}),
+              std::vector<float>({1.01f, 1.0f, -1.01f, -3.0f, 1200.0f}));
+
+    Frame(10, 0, 9.0f, 1000, 0, 2);  // 500 rows per unit: a thousandth is half a row
+    ChartRecordArray a({ChartRecord(1.006f, 1.004f, 0.5f, 1, 0)}, 2);
+    Paint(kagi, a.get());
+    const int y101 = engine->TranslateY(1.01f);
+    const int y100 = engine->TranslateY(1.0f);
+    ASSERT_NE(y101, engine->TranslateY(1.006f));
+    ASSERT_NE(y100, engine->TranslateY(1.004f));
+    EXPECT_EQ(device.lines(), Lines({QLine(1, y101, 11, y101), QLine(11, y101, 11, y100)}));
+}
+
+TEST_F(RendererTest, KagiShoulderAndStrokeStripsAreHit) {
+    // Column 0: END + STEP on row 75, VALUE on row 90; column 1: rows 35 and 50.
+    ChartRecordArray a({ChartRecord(1, 2, 0.5f, 1, 0), ChartRecord(5, 6, 0.5f, 0, 0)}, 1);
+    QString text;
+    const auto hit = [&](int x, int y) { return kagi.IsUnderMouse(QPoint(x, y), a.get(), "K", text); };
+    // Even column: shoulder rows 74..76 over x 0..9; stroke x 9..11 over rows 75..89.
+    EXPECT_TRUE(hit(0, 74) && hit(5, 76) && hit(9, 80) && hit(11, 89));
+    EXPECT_FALSE(hit(5, 73) || hit(5, 77) || hit(11, 90) || hit(8, 80) || hit(12, 80));
+    // Odd column: the shoulder is on the VALUE row, 49..51 over x 10..19.
+    EXPECT_TRUE(hit(15, 51));
+    EXPECT_TRUE(text.startsWith("K\nPF0017: 5.0\n")) << text.toStdString();
+    EXPECT_FALSE(hit(15, 36) || hit(15, 75));
+    EXPECT_TRUE(hit(20, 40));
 }

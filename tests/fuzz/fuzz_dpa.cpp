@@ -8,6 +8,7 @@
 #include <memory>
 #include <vector>
 
+#include "../data/dpa_arrays.h"
 #include "data/KVDataStore.h"
 #include "data/KVPFLine.h"
 
@@ -126,11 +127,7 @@ void BuildOwned(FuzzedDataProvider& in) {
         line.FindMinElement("TIME");
         freed = line.GetCapacity() != 0;
     }
-    if (!freed) {
-        std::free(header->points);
-        std::free(header->fields);
-        std::free(header);
-    }
+    if (!freed) FreeOwnedHeader(header);
 }
 
 }  // namespace
@@ -170,9 +167,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         store.Update(&create);
         if (in.ConsumeBool()) store.ClearData();
     }
-    for (fxDataPointArray* header : added) {
-        std::free(header->fields);
-        std::free(header);
-    }
+    for (fxDataPointArray* header : added) FreeOwnedHeader(header);
     return 0;
 }

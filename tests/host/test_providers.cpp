@@ -35,8 +35,7 @@ TEST(PriceGridTest, ExactTicksDivisionTowardsEitherInfinityAndTheDefaultBox) {
     EXPECT_EQ(std::vector<std::int64_t>({PriceGrid::floorDiv(7, 5), PriceGrid::floorDiv(-7, 5), PriceGrid::ceilDiv(7, 5),
                                          PriceGrid::ceilDiv(-7, 5), PriceGrid::ceilDiv(10, 5)}),
               std::vector<std::int64_t>({1, -2, 2, -1, 2}));
-    EXPECT_EQ(PriceGrid::decimalsOf(0.0025), 4);
-    EXPECT_EQ(PriceGrid::decimalsOf(2.0), 0);
+    EXPECT_EQ(std::make_pair(PriceGrid::decimalsOf(0.0025), PriceGrid::decimalsOf(2.0)), std::make_pair(4, 0));
     // The default box is a 1-2-5 step of a hundredth of the range.
     EXPECT_DOUBLE_EQ(host::data::defaultBoxSize(1.1851, 1.8291, 4), 0.005);  // 0.00644 -> 0.005
     EXPECT_DOUBLE_EQ(host::data::defaultBoxSize(3.08, 52.62, 2), 0.2);      // 0.4954 -> 0.2

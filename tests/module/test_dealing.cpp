@@ -83,31 +83,19 @@ TEST(ChartModuleWithoutHost, EveryRequestIsNeutral) {
 class ChartModuleHost : public ::testing::Test {
 protected:
     void SetUp() override {
-        module.InitializeWrap(host.callback(), host.callback(), host.handle(), nullptr);
+        host.attach(module);
         module.CreateWindowComponentInterface();  // unanswered: each interface is its own handle
-        host.on(MSG_GET_INTERFACE, [](void*, std::intptr_t p1, std::intptr_t) {
-            auto* r = reinterpret_cast<coreInterfaceRequest*>(p1);
+        host.fill<coreInterfaceRequest>(MSG_GET_INTERFACE, [](coreInterfaceRequest* r) {
             const std::string kind = r->kind;
             r->result[0] = kind == "MAINWINDOW" ? H(0x4D) : kind == "CANDLE" ? H(0x7A) : H(0xD1);
             r->count = 1000;  // a host scribbling over the count must not matter
-            return 0;
         });
-        host.on(MSG_COUNT_INTERFACES, [this](void*, std::intptr_t, std::intptr_t p2) {
-            std::memcpy(reinterpret_cast<void*>(p2), &interfaces, sizeof interfaces);  // packed field
-            return 0;
-        });
-        host.on(MSG_DEAL_ACCOUNT_COUNT, [this](void*, std::intptr_t p1, std::intptr_t) {
-            reinterpret_cast<fxdAccountRequest*>(p1)->count = count;
-            return 0;
-        });
-        host.on(MSG_DEAL_DAYOFF_COUNT, [this](void*, std::intptr_t, std::intptr_t p2) {
-            reinterpret_cast<fxdDayOffRequest*>(p2)->count = count;
-            return 0;
-        });
-        host.on(MSG_MAIN_WORK_FOLDER, [this](void* target, std::intptr_t p1, std::intptr_t) {
-            EXPECT_EQ(target, H(0x4D));
-            std::memcpy(reinterpret_cast<void*>(p1), folder.utf16(), 2 * (folder.size() + 1));
-            return 0;
+        // The count lands in a packed field: copied, not assigned.
+        host.fill<void>(MSG_COUNT_INTERFACES, [this](void* c) { std::memcpy(c, &interfaces, 4); }, true);
+        host.fill<fxdAccountRequest>(MSG_DEAL_ACCOUNT_COUNT, [this](fxdAccountRequest* r) { r->count = count; });
+        host.fill<fxdDayOffRequest>(MSG_DEAL_DAYOFF_COUNT, [this](fxdDayOffRequest* r) { r->count = count; }, true);
+        host.fill<void>(MSG_MAIN_WORK_FOLDER, [this](void* buffer) {
+            std::memcpy(buffer, folder.utf16(), 2 * (folder.size() + 1));
         });
     }
 
@@ -121,17 +109,12 @@ protected:
 TEST_F(ChartModuleHost, MainWindowAndTransportAreAskedOnce) {
     QWidget window;
     std::int32_t id = std::int32_t(window.winId());
-    host.on(MSG_MAIN_WINDOW_ID, [&](void*, std::intptr_t p1, std::intptr_t) {
-        EXPECT_EQ(*reinterpret_cast<std::int32_t*>(p1), -1);
-        if (id != -1) *reinterpret_cast<std::int32_t*>(p1) = id;
-        return 0;
+    host.fill<std::int32_t>(MSG_MAIN_WINDOW_ID, [&](std::int32_t* slot) {
+        EXPECT_EQ(*slot, -1);
+        if (id != -1) *slot = id;
     });
     std::string notice;
-    host.on(MSG_MAIN_CHANGED, [&](void*, std::intptr_t p1, std::intptr_t) {
-        const char* r = reinterpret_cast<const char*>(p1);
-        notice = std::string(r, 4) + (r + 4);
-        return 0;
-    });
+    host.fill<const char>(MSG_MAIN_CHANGED, [&](const char* r) { notice = std::string(r, 4) + (r + 4); });
     host.clear();
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(module.GetGlobalMainWindow(), H(0x4D));
@@ -141,15 +124,13 @@ TEST_F(ChartModuleHost, MainWindowAndTransportAreAskedOnce) {
     }
     module.SendMainAboutChange();
     EXPECT_EQ(host.find(MSG_GET_INTERFACE).size(), 2u);
+    for (const FakeHost::Call& c : host.find(MSG_MAIN_WORK_FOLDER)) EXPECT_EQ(c.target, H(0x4D));
     EXPECT_EQ(notice, std::string("\0\0\0\0Scale changed", 17));
 
     // A failing or overlong answer: empty, or cut at the buffer's end.
     host.on(MSG_MAIN_WORK_FOLDER, [](void*, std::intptr_t, std::intptr_t) { return 1; });
     EXPECT_TRUE(module.GetWorkFolder().isEmpty());
-    host.on(MSG_MAIN_WORK_FOLDER, [](void*, std::intptr_t p1, std::intptr_t) {
-        std::memset(reinterpret_cast<void*>(p1), 'a', CORE_WORK_FOLDER_BUFFER);
-        return 0;
-    });
+    host.fill<void>(MSG_MAIN_WORK_FOLDER, [](void* buffer) { std::memset(buffer, 'a', CORE_WORK_FOLDER_BUFFER); });
     EXPECT_EQ(module.GetWorkFolder().size(), CORE_WORK_FOLDER_BUFFER / 2 - 1);
     id = -1;  // no window, or one Qt does not know
     EXPECT_EQ(module.getMainWindow(), nullptr);
@@ -187,23 +168,18 @@ TEST_F(ChartModuleHost, UnbelievableCountsAllocateNothing) {
 TEST_F(ChartModuleHost, DefaultParametersFileInTheWorkFolder) {
     QString opened;
     void* document = H(0x5D);
-    host.on(MSG_WD_OPEN, [&](void* target, std::intptr_t p1, std::intptr_t) {
-        auto* r = reinterpret_cast<coreOpenWorkData*>(p1);
-        EXPECT_EQ(target, host.handle());
+    host.fill<coreOpenWorkData>(MSG_WD_OPEN, [&](coreOpenWorkData* r) {
         opened = QString::fromUtf16(r->path);
         r->handle = document;
-        return 0;
     });
     std::unique_ptr<CXMLWorkData> tree(module.getDefaultXml());
     ASSERT_TRUE(tree);
+    EXPECT_EQ(host.find(MSG_WD_OPEN).at(0).target, host.handle());
     EXPECT_EQ(opened, "/work/folder/etc/PFChartModule.rdd");
     EXPECT_EQ(tree->document(), document);
 
     coreSzNode saved = {0, 0, 0};
-    host.on(MSG_WD_SAVE, [&](void*, std::intptr_t p1, std::intptr_t) {
-        saved = *reinterpret_cast<coreSzNode*>(p1);
-        return 0;
-    });
+    host.fill<coreSzNode>(MSG_WD_SAVE, [&](coreSzNode* node) { saved = *node; });
     module.saveDefaultXml(tree.get());
     module.saveDefaultXml(nullptr);
     EXPECT_EQ(host.find(MSG_WD_SAVE).size(), 1u);

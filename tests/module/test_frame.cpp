@@ -27,16 +27,12 @@ int TestSink(const coreLogMessage* m) {
 // Makes the fake host hand out TestSink on 3205.
 void ServeSink(FakeHost& host) {
     g_sink.clear();
-    host.on(MSG_LOG_BIND, [](void*, std::intptr_t p1, std::intptr_t) {
-        *reinterpret_cast<coreLogSink*>(p1) = &TestSink;
-        return 0;
-    });
+    host.fill<coreLogSink>(MSG_LOG_BIND, [](coreLogSink* sink) { *sink = &TestSink; });
 }
 
 class TestModule : public CModule {
 public:
     TestModule() : CModule("Test module", 1, 2, 3, "TestLog", "TestContext") {}
-    void Init(FakeHost& host) { InitializeWrap(host.callback(), host.callback(), host.handle(), nullptr); }
 };
 
 coreLanguage Language(const char* name, int selected) {
@@ -48,14 +44,9 @@ coreLanguage Language(const char* name, int selected) {
 
 // Installs a language list on the fake host for 3116/3117.
 void ServeLanguages(FakeHost& host, std::vector<coreLanguage> list) {
-    host.on(MSG_LANGUAGE_COUNT, [list](void*, std::intptr_t p1, std::intptr_t) {
-        reinterpret_cast<coreLanguageRequest*>(p1)->count = std::int32_t(list.size());
-        return 0;
-    });
-    host.on(MSG_LANGUAGE_LIST, [list](void*, std::intptr_t p1, std::intptr_t) {
-        auto* r = reinterpret_cast<coreLanguageRequest*>(p1);
+    host.fill<coreLanguageRequest>(MSG_LANGUAGE_COUNT, [list](coreLanguageRequest* r) { r->count = std::int32_t(list.size()); });
+    host.fill<coreLanguageRequest>(MSG_LANGUAGE_LIST, [list](coreLanguageRequest* r) {
         for (int i = 0; i < r->count && i < int(list.size()); ++i) r->languages[i] = list[i];
-        return 0;
     });
 }
 
@@ -122,10 +113,7 @@ TEST(CModule, InformationRecordStoresNumbersInReverse) {
               std::vector<int>({3, 2, 1, 8, 20}));
     EXPECT_EQ(std::string(info.translateContext, 11), "TestContext");
 
-    class Unnamed : public CModule {
-    public:
-        Unnamed() : CModule(nullptr, 1, 1, 1, "L", "a-context-longer-than-twenty") {}
-    } unnamed;
+    CModule unnamed(nullptr, 1, 1, 1, "L", "a-context-longer-than-twenty");
     EXPECT_EQ(unnamed.Info().name[0], 0);
     EXPECT_EQ(unnamed.Info().description[0], 0);
     // Cut at 20 bytes with no terminator of its own.
@@ -136,15 +124,13 @@ TEST(CModule, InformationRecordStoresNumbersInReverse) {
 TEST(CModule, InterfaceRequestCutsNameAndProviderToTheKindsLength) {
     FakeHost host;
     std::string seen;
-    host.on(MSG_GET_INTERFACE, [&](void*, std::intptr_t p1, std::intptr_t) {
-        auto* r = reinterpret_cast<coreInterfaceRequest*>(p1);
+    host.fill<coreInterfaceRequest>(MSG_GET_INTERFACE, [&](coreInterfaceRequest* r) {
         seen = std::string(r->kind) + "/" + r->provider + "/" + r->name + "/" + std::to_string(r->count);
         r->result[0] = reinterpret_cast<void*>(std::intptr_t(0x4242));
-        return 0;
     });
     TestModule module;
     EXPECT_EQ(module.getInterface("AB", "CANDLE_TELVIX", "TELVIX"), nullptr);  // no callback yet
-    module.Init(host);
+    host.attach(module);
     EXPECT_EQ(module.getInterface("AB", "CANDLE_TELVIX", "TELVIX"), reinterpret_cast<void*>(std::intptr_t(0x4242)));
     EXPECT_EQ(seen, "AB/TE/CA/1");
 }
@@ -152,19 +138,13 @@ TEST(CModule, InterfaceRequestCutsNameAndProviderToTheKindsLength) {
 TEST(CModule, EventsUnknownNamesAreLoggedAndSubscriptionsCarryIdObjectAndMinusOne) {
     FakeHost host;
     ServeSink(host);
-    host.on(MSG_EVENT_CREATE, [](void*, std::intptr_t p1, std::intptr_t) {
-        reinterpret_cast<coreEventCreate*>(p1)->id = 77;
-        return 0;
-    });
+    host.fill<coreEventCreate>(MSG_EVENT_CREATE, [](coreEventCreate* r) { r->id = 77; });
     coreEventSubscribe subscribed{};
-    host.on(MSG_EVENT_SUBSCRIBE, [&](void*, std::intptr_t p1, std::intptr_t) {
-        subscribed = *reinterpret_cast<coreEventSubscribe*>(p1);
-        return 0;
-    });
+    host.fill<coreEventSubscribe>(MSG_EVENT_SUBSCRIBE, [&](coreEventSubscribe* r) { subscribed = *r; });
     TestModule module;
     EXPECT_EQ(module.UnSubscribeEvent(), 0);  // no callback: nothing sent
     EXPECT_TRUE(host.calls().empty());
-    module.Init(host);
+    host.attach(module);
     module.GetLog()->Create(QStringLiteral("TestLog"), host.callback(), host.handle());
 
     FXEvent event;
@@ -203,7 +183,7 @@ TEST(CModule, FontManagerFollowsTheFirstSelectedLanguage) {
         FakeHost host;
         ServeLanguages(host, c.languages);
         TestModule module;
-        module.Init(host);
+        host.attach(module);
         module.ReceiveMessageWrap(nullptr, MSG_SETUP, 0, 0);
         ASSERT_NE(module.getFontManager(), nullptr);
         EXPECT_EQ(module.getFontSize(8), c.expectedSize);

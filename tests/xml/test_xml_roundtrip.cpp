@@ -30,8 +30,9 @@ struct RoundTrip : WorkDataFile {
     }
 };
 
+// Markup, entities, CDATA ends, 2- to 4-byte characters, line ends and outer blanks.
 const QString kAwkward = QString::fromUtf8(
-    "  <tag a=\"1\" b='2'> & &amp; \xc3\xa9\xe2\x82\xac\xf0\x9f\x98\x80\n\tline\r\n  ");
+    "  <tag a=\"1\" b='2'> & &amp; &#10; ]]> \xc3\xa9\xe2\x82\xac\xf0\x9f\x98\x80\n\tline\r\n\r  ");
 
 TEST_F(RoundTrip, EveryTypedAttributeSurvivesTheFileAndAFreshHost) {
     {

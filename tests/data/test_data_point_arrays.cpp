@@ -1,14 +1,25 @@
-// CKVDataLine over owned arrays (Create/InsertDPV/AppendData) and borrowed host arrays,
-// including hostile headers, and CKVTime.
+// Data point arrays: CKVDataLine over owned arrays (Create/InsertDPV/AppendData) and
+// borrowed host arrays, including hostile headers; CKVTime; CKVPFLine's fixed 24-byte
+// column records, InsertDPV asymmetry, one-sided margins and text form; CKVDataStore's
+// borrowing of the host's list and hand-over of new owned lines.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
+#include "data/KVDataStore.h"
 #include "data/KVDataLine.h"
+#include "data/KVPFLine.h"
 #include "data/KVTime.h"
 #include "dpa_arrays.h"
 
 namespace {
 
 const unsigned char* Bytes(const void* p) { return static_cast<const unsigned char*>(p); }
+
+HostArray Columns(int precision = 4) {
+    return HostArray({{DPT_INT32, "TIME"}, {DPT_FLOAT, "STEP"}, {DPT_FLOAT, "VALUE"}, {DPT_INT32, "TYPE"},
+                      {DPT_FLOAT, "END"}, {DPT_FLOAT, "SOLID"}}, precision);
+}
 
 }  // namespace
 
@@ -123,7 +134,7 @@ TEST(KVDataLine, ReadsByNameAndSearches) {
     EXPECT_EQ(line.FindMinElement("F"), CKVLineBase::kMinSentinel);
 }
 
-TEST(KVDataLine, TextForm) {
+TEST(KVDataLine, TextFormsOfDataAndColumnLines) {
     HostArray h({{DPT_INT32, "TIME"}, {DPT_FLOAT, "CLOSE"}}, 2);
     h.Add({0, 1.5});
     QString out = "x";
@@ -139,6 +150,12 @@ TEST(KVDataLine, TextForm) {
     EXPECT_EQ(out, "TIME\tOPEN\tHIGH\tLOW\tCLOSE\tVALUE\tVOLUME\t\n"
                    "\t0\t3\t4\t5\t6\t7\t\n"
                    "01/01/71 23:59:59\t0\t1\t1\t1\t1\t1\t\n");
+    // A column line prints TIME and VALUE only.
+    HostArray columns = Columns(3);
+    columns.Add({3600, 0.5, 1.25, 1, 2.0, 0});
+    out.clear();
+    CKVPFLine(&columns.a).GetStringRepresentation(out);
+    EXPECT_EQ(out, "TIME\tVALUE\t\n01/01/70 01:00:00\t1.250\t\n");
 }
 
 TEST(KVDataLine, HostileHeadersAreReadSafely) {
@@ -182,4 +199,117 @@ TEST(KVTime, SharedBufferAndNegativeTimes) {
     EXPECT_EQ(b.Format("%Y"), first);  // one buffer for every instance
     EXPECT_STREQ(first, "");
     EXPECT_STREQ(a.Format(std::string(120, 'x')), "");  // more than 99 characters
+}
+
+TEST(KVPFLine, ColumnCountsOnTheFixedStride) {
+    HostArray h = Columns();
+    h.Add({0, 0.0010, 1.2000, 1, 1.2050, 0}).Add({60, 0.0010, 1.2050, 0, 1.2000, 0});
+    h.Add({120, 1.0, 0.0, 1, 2.5, 0}).Add({180, 0, 1, 1, 2, 0}).Add({240, 0, 1, 1, 1, 0});
+    CKVPFLine line(&h.a);
+    const int counts[] = {5, -5, 3, INT_MAX, 0, 0};  // 2.5 rounds up; box 0: endless, 0/0 counts 0
+    for (int i = 0; i < 6; ++i) EXPECT_EQ(line.GetColCount(i), counts[i]) << i;
+    // The stride stays 24 bytes whatever the header says; a record past the block is not read.
+    h.a.pointSize = 12;
+    EXPECT_FLOAT_EQ(line.GetStepData(1), 0.0010f);
+    EXPECT_EQ(line.GetStepData(2), 0.0f);
+}
+
+TEST(KVPFLine, NamedOffsetsFromInsertAndFromCreate) {
+    HostArray h = Columns();
+    fxDataPointArray* header = nullptr;
+    {
+        CKVPFLine line;
+        line.Create();
+        header = line.GetHeader();
+        for (int i = 0; i < h.a.fieldCount; ++i)
+            line.InsertDPV(static_cast<DATA_POINT_TYPES>(+h.fields[i].type), h.fields[i].name);
+        const int inserted[] = {0, -1, 8, -1, 16, -1};
+        for (int slot = 0; slot < 6; ++slot) EXPECT_EQ(line.GetNamedOffset(slot), inserted[slot]) << slot;
+        EXPECT_EQ(+header->pointSize, 24);
+        line = &h.a;
+        for (int slot = 0; slot < 6; ++slot) EXPECT_EQ(line.GetNamedOffset(slot), 4 * slot) << slot;
+        EXPECT_EQ(line.GetNamedOffset(6), -1);  // six slots only
+    }
+    FreeOwnedHeader(header);
+}
+
+TEST(KVPFLine, MarginsOfTheExtremes) {
+    HostArray h = Columns(4);
+    h.Add({0, 0.0005, 1.1, 1, 1.2, 0}).Add({60, 0.0005, 1.2, 0, 1.1, 0});
+    CKVPFLine line(&h.a);
+    EXPECT_NEAR(line.FindMaxElement("VALUE"), 1.2, 1e-6);  // not named "Point and Figure"
+    h.Name(u"Point and Figure");
+    EXPECT_NEAR(line.FindMaxElement("VALUE"), 1.2005, 1e-6);
+    EXPECT_NEAR(line.FindMinElement("VALUE"), 1.1, 1e-6);   // no box below the minimum
+
+    // Box size under one unit of the last printed digit: 0.001 intraday, 0.01 otherwise.
+    const float small = 0.00005f;
+    for (int r = 0; r < 2; ++r) std::memcpy(h.block.data() + 24 * r + 4, &small, 4);
+    h.a.name.period.type = 'I';
+    EXPECT_NEAR(line.FindMinElement("VALUE"), 1.1 - 0.001, 1e-6);
+    EXPECT_NEAR(line.FindMaxElement("VALUE"), 1.2 + 0.001, 1e-6);
+    h.a.name.period.type = 'D';
+    EXPECT_NEAR(line.FindMinElement("VALUE"), 1.1 - 0.01, 1e-6);
+    EXPECT_NEAR(line.FindMaxElement("VALUE"), 1.2 + 0.01, 1e-6);
+    // The margin applies to the neutral 0 of an unknown field too.
+    EXPECT_NEAR(line.FindMaxElement("nope"), 0.01, 1e-9);
+}
+
+TEST(KVDataStore, AddLineHandsTheHeaderToTheStoredCopy) {
+    std::vector<fxDataPointArray*> empty(2);
+    {
+        CKVDataStore store;
+        empty[0] = store.AddLine()->GetHeader();
+        empty[1] = store.AddLine()->GetHeader();
+        ASSERT_EQ(store.GetCount(), 2);
+        EXPECT_TRUE(store[0]->IsOwner());
+        EXPECT_TRUE(std::equal(empty.begin(), empty.end(), store.GetArrays()));
+        EXPECT_EQ(store[2], nullptr);
+
+        // A line with data survives the vector growing under it and is freed once, by the store.
+        CKVDataLine* filled = store.AddLine();
+        filled->InsertDPV(DPT_INT32, "TIME");
+        const std::int32_t t = 42;
+        filled->AppendData(reinterpret_cast<const unsigned char*>(&t));
+        for (int i = 0; i < 8; ++i) empty.push_back(store.AddLine()->GetHeader());
+        EXPECT_EQ(store[2]->GetTime(0), 42);
+        store[2]->SetName("EURUSD", "", 'D', 1, 0);
+        EXPECT_EQ(store.FindLineByName("EURUSD"), store[2]);
+        EXPECT_EQ(store.FindLineByName("eurusd"), nullptr);
+    }  // only the line with a data block frees its header
+    for (fxDataPointArray* header : empty) FreeOwnedHeader(header);
+}
+
+TEST(KVDataStore, BorrowsTheHostListAndUpdatesByIndex) {
+    HostArray a({{DPT_INT32, "TIME"}, {DPT_FLOAT, "CLOSE"}});
+    HostArray b({{DPT_INT32, "TIME"}});
+    a.Add({1, 1});
+    b.Add({5});
+    b.Name(u"GBPUSD");
+    fxDataPointArray* arrays[3] = {&a.a, nullptr, &b.a};
+    coreListCreateData list{3, arrays};
+    CKVDataStore store(&list);
+    ASSERT_EQ(store.GetCount(), 3);
+    EXPECT_FALSE(store.OwnsArrays());
+    EXPECT_EQ(store[1]->GetHeader(), nullptr);  // a null entry gives an empty line
+    EXPECT_EQ(store.FindLineByName("GBPUSD"), store[2]);
+
+    a.Add({2, 2});
+    fxDataPointArray* longer[5] = {&a.a, &b.a, &b.a, &b.a, &b.a};
+    coreListCreateData update{5, longer};
+    store.Update(&update);  // updates the three lines that exist, no more
+    EXPECT_EQ(store[1]->GetHeader(), &b.a);
+    EXPECT_EQ(store[1]->GetTime(0), 0);  // Update takes the array but does not learn its layout
+    EXPECT_EQ(store[0]->GetPrevCount(), 2);
+
+    fxDataPointArray* header = store.AddLine()->GetHeader();  // the host's pointer array is not freed
+    EXPECT_TRUE(store.OwnsArrays());
+    EXPECT_EQ(store.GetArrays()[2], &b.a);
+    store.ClearData();  // borrowed blocks are let go, not freed
+    EXPECT_EQ(+a.a.pointCount, 0);
+
+    coreListCreateData broken{4, nullptr};
+    store.Create(&broken);
+    EXPECT_EQ(store[0], nullptr);
+    FreeOwnedHeader(header);
 }

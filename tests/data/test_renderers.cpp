@@ -2,16 +2,96 @@
 // boxes, bricks and strokes, pens, the column walk and its clamping, hit areas, the factory
 // and the tooltip text. Kagi: the thick/thin switch at crossings, the state carried over
 // from records left of the view, rounding and the two hit strips.
-#include <QCoreApplication>
-#include <QTranslator>
-#include <ctime>
-#include <stdexcept>
+#include <gtest/gtest.h>
 
+#include <QCoreApplication>
+#include <QPainter>
+#include <QRgb>
+#include <QTranslator>
+#include <boost/shared_ptr.hpp>
+#include <cstring>
+#include <ctime>
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+#include "RecordingPaintDevice.h"
+#include "abi/records/dpa_records.h"
+#include "data/KagiData.h"
+#include "data/PFData.h"
 #include "data/PointDataFactory.h"
+#include "data/RenkoData.h"
+#include "gx/Line.h"
 #include "module/CModule.h"
-#include "renderer_fixture.h"
 
 namespace {
+
+// Chart-type arrays of 24-byte records (TIME, STEP, VALUE, TYPE, END, SOLID). The data block
+// holds exactly the records, so the address sanitizer reports any read past it.
+constexpr QRgb kColour0 = 0xff112233u;
+constexpr QRgb kColour1 = 0xff445566u;
+
+fxChartTypeRecord ChartRecord(float value, float end, float step, int type, float solid = 0.0f, int time = 0) {
+    return fxChartTypeRecord{time, step, value, type, end, solid};
+}
+
+struct ChartRecordArray {
+    std::unique_ptr<unsigned char[]> block;
+    fxDataPointArray header{};
+
+    explicit ChartRecordArray(const std::vector<fxChartTypeRecord>& records, int precision = 4)
+        : block(new unsigned char[records.size() * sizeof(fxChartTypeRecord) + (records.empty() ? 1 : 0)]) {
+        if (!records.empty()) std::memcpy(block.get(), records.data(), records.size() * sizeof(fxChartTypeRecord));
+        header.points = block.get();
+        header.pointCount = static_cast<std::int32_t>(records.size());
+        header.pointSize = sizeof(fxChartTypeRecord);
+        header.precision = precision;
+        header.typeShow.color0 = static_cast<std::int32_t>(kColour0);
+        header.typeShow.color1 = static_cast<std::int32_t>(kColour1);
+    }
+    fxDataPointArray* get() { return &header; }
+};
+
+// A scale engine, the owning line, the three renderers and a recording device.
+struct RendererTest : ::testing::Test {
+    boost::shared_ptr<pf::ScaleEngine> engine{new pf::ScaleEngine};
+    gx::Line line;
+    RecordingPaintDevice device;
+    pf::PFData pfData{&line, engine};
+    pf::RenkoData renko{&line, engine};
+    pf::KagiData kagi{&line, engine};
+
+    // Unless a test says otherwise: 10 columns of 10 pixels from x 0, columns 0..9 drawable,
+    // rows 0..99 with 10 rows per price unit (price 0 on row 100).
+    void SetUp() override { Frame(10, 0, 9.0f, 100, 0.0f, 10.0f); }
+
+    void Frame(int columns, int first, float last, int height, float minPrice, float maxPrice, int width = -1) {
+        if (width < 0) width = columns > 0 ? columns * 10 : 100;
+        engine->SetColumnCount(columns);
+        engine->SetFirstColumn(first);
+        engine->Update(QRect(QPoint(-2, 0), QPoint(width + 1, height - 1)), 0.0f, last, minPrice, maxPrice);
+    }
+
+    void Paint(pf::PointData& renderer, fxDataPointArray* array) {
+        device.clear();
+        QPainter painter(&device);
+        renderer.Draw(painter, array);
+    }
+
+    // The pen of each Kagi line drawn: 't' thin, 'T' thick.
+    std::string KagiPens() const {
+        std::string s;
+        for (const auto& p : device.primitives())
+            s += SamePen(p.pen, kColour1, 1.0) ? 't' : SamePen(p.pen, kColour0, 2.0) ? 'T' : '?';
+        return s;
+    }
+
+    static bool SamePen(const QPen& pen, QRgb colour, qreal width, Qt::PenStyle style = Qt::SolidLine) {
+        return pen.color().rgb() == colour && pen.widthF() == width && pen.style() == style &&
+               pen.capStyle() == Qt::SquareCap && pen.joinStyle() == Qt::BevelJoin &&
+               pen.brush().style() == Qt::SolidPattern;
+    }
+};
 
 using Prim = RecordingPaintDevice::Primitive;
 using Lines = QVector<QLine>;

@@ -7,7 +7,6 @@
 #include <tuple>
 
 #include "host/DataCore.h"
-#include "host/Emulator.h"
 #include "host/data/ChartObject.h"
 #include "host/data/CsvPriceReader.h"
 
@@ -77,8 +76,6 @@ TEST_F(DataCoreMessages, ProvidersAreInterfacesWhoseObjectsHandOutTheirChartType
         EXPECT_EQ(host::data::readWide(a->name.name, 255), t.second);
         EXPECT_STREQ(a->name.secondName, "USDCHF");
         EXPECT_EQ(std::make_pair(char(a->name.period.type), int(a->name.period.length)), std::make_pair('I', 30));
-        EXPECT_EQ(std::make_pair(std::uint32_t(a->typeShow.color0), std::uint32_t(a->typeShow.color1)),
-                  std::make_pair(0xFF00A000u, 0xFFD00000u));
         EXPECT_EQ(Layout(a), "TIME:2 STEP:4 VALUE:4 TYPE:2 END:4 SOLID:4 /24,4");
         const auto& records = core.chart(handle)->records();
         ASSERT_GT(+a->pointCount, 0);
@@ -273,25 +270,6 @@ TEST_F(Replay, ConfigureRecomputesAndRefusesBadSettings) {
     EXPECT_DOUBLE_EQ(core.chart(chart)->settings().box, 0.005);
     EXPECT_FALSE(core.configure(core.baseHandle("LIVE"), s, &error));
     EXPECT_EQ(core.createChart("LIVE", ChartType::Renko, bad[0], &error), nullptr);
-}
-
-// The module, loaded for real, is sent the notice at the interface target of the
-// subscription, and its answer is recorded.
-TEST(DataCoreNotices, ReachTheLoadedModule) {
-    host::Emulator emulator;
-    std::string error;
-    if (!emulator.loadModule(&error)) GTEST_SKIP() << error;
-    emulator.startUp();
-    void* chart = emulator.data().createChart("USDCHF", ChartType::Kagi);
-    coreDpaSubscription sub{reinterpret_cast<void*>(std::intptr_t(0x4100)), reinterpret_cast<void*>(std::intptr_t(0x4200))};
-    ASSERT_EQ(Send(MSG_DPA_SUBSCRIBE, P(chart), P(&sub)), 0);
-    ASSERT_TRUE(emulator.data().configure(chart, host::data::ChartSettings{0.0010, 0, 0}));
-    ASSERT_EQ(emulator.data().notices().size(), 1u);
-    const auto sent = emulator.host().journal().find(MSG_DATA_UPDATED);
-    ASSERT_EQ(sent.size(), 1u);
-    EXPECT_EQ(sent[0].result, emulator.data().notices()[0].result);
-    EXPECT_EQ(sent[0].direction, host::Journal::ToModule);
-    EXPECT_EQ(sent[0].target, std::uintptr_t(0x4100));
 }
 
 // ---- CSV files ----

@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "host/CoreServices.h"
+#include "host/DataCore.h"
 #include "host/Emulator.h"
 
 namespace {
@@ -209,4 +210,21 @@ TEST_F(StartUp, ExceptionsInHandlersAnswerOneAndNeverEscape) {
     // "Unknown throw in <module>|file|line"
     EXPECT_TRUE(QRegularExpression("^Unknown throw in <PFChartModule>\\|.*CModule\\.cpp\\|\\d+$").match(last.text).hasMatch())
         << last.text.toStdString();
+}
+
+// A subscribed data object's change is sent to the module at the subscription's interface
+// target, and the module's answer is recorded.
+TEST_F(StartUp, DataNoticesReachTheModule) {
+    Start();
+    void* chart = emulator->data().createChart("USDCHF", host::data::ChartType::Kagi);
+    coreDpaSubscription sub{reinterpret_cast<void*>(std::intptr_t(0x4100)), reinterpret_cast<void*>(std::intptr_t(0x4200))};
+    ASSERT_EQ(host::Host::callback(nullptr, MSG_DPA_SUBSCRIBE, reinterpret_cast<std::intptr_t>(chart),
+                                   reinterpret_cast<std::intptr_t>(&sub)), 0);
+    ASSERT_TRUE(emulator->data().configure(chart, host::data::ChartSettings{0.0010, 0, 0}));
+    ASSERT_EQ(emulator->data().notices().size(), 1u);
+    const auto sent = H().journal().find(MSG_DATA_UPDATED);
+    ASSERT_EQ(sent.size(), 1u);
+    EXPECT_EQ(sent[0].result, emulator->data().notices()[0].result);
+    EXPECT_EQ(sent[0].direction, host::Journal::ToModule);
+    EXPECT_EQ(sent[0].target, std::uintptr_t(0x4100));
 }

@@ -171,13 +171,8 @@ namespace {
 class Replay : public DataCoreMessages {
 protected:
     void SetUp() override {
-        host::InstrumentOptions o;
-        o.name = "LIVE";
-        o.live = 1000;
-        ASSERT_NE(core.loadInstrument(host::DataCore::builtInPath("USDCHF"), o), nullptr);
-        host::data::ChartSettings s;
-        s.box = 0.0010;
-        chart = core.createChart("LIVE", ChartType::PointAndFigure, s);
+        ASSERT_NE(core.loadInstrument(host::DataCore::builtInPath("USDCHF"), {"LIVE", 1000}), nullptr);
+        chart = core.createChart("LIVE", ChartType::PointAndFigure, {0.0010, 0, 0});
         ASSERT_NE(chart, nullptr);
         ASSERT_FALSE(core.chart(chart)->records().empty());
     }

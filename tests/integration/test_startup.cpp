@@ -66,6 +66,8 @@ TEST_F(StartUp, ModuleInformationRecordByteForByte) {
     unsigned char actual[2315 + 16];
     std::memset(actual, 0xEE, sizeof actual);
     EXPECT_EQ(H().getModuleInfo(reinterpret_cast<MODULE_INFO*>(actual)), 0);
+    // The same record was read at load, before Initialize, as the terminal does.
+    EXPECT_EQ(std::memcmp(&emulator->moduleInfo(), expected, 2315), 0);
     EXPECT_EQ(std::memcmp(actual, expected, 2315), 0);
     for (std::size_t i = 2315; i < sizeof actual; ++i) ASSERT_EQ(actual[i], 0xEE) << "wrote past the record";
     EXPECT_EQ(H().getModuleInfo(nullptr), 0);

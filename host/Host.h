@@ -72,7 +72,6 @@ public:
     // Sends a message to the module through ReceiveMessage and journals it.
     int send(void* target, unsigned int message, std::intptr_t p1 = 0, std::intptr_t p2 = 0,
              const std::string& detail = std::string());
-    void* moduleTarget() const { return nullptr; }
 
     Journal& journal() { return journal_; }
     const Journal& journal() const { return journal_; }

@@ -17,13 +17,6 @@ std::vector<unsigned int> Journal::messages() const {
     return out;
 }
 
-std::vector<unsigned int> Journal::messages(Direction direction) const {
-    std::vector<unsigned int> out;
-    for (const Entry& e : entries_)
-        if (e.direction == direction) out.push_back(e.message);
-    return out;
-}
-
 std::string Journal::dump() const {
     std::string out;
     char line[160];

@@ -29,9 +29,8 @@ public:
 
     // Entries of one message number, in order.
     std::vector<Entry> find(unsigned int message) const;
-    // Message numbers in order, optionally only one direction.
+    // Message numbers in order.
     std::vector<unsigned int> messages() const;
-    std::vector<unsigned int> messages(Direction direction) const;
     // One line per entry: "-> 3019 target=0x10 p1=... p2=... = 0  detail".
     std::string dump() const;
 

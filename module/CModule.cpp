@@ -96,7 +96,6 @@ int CModule::ReceiveMessageWrap(void*, unsigned int message, std::intptr_t, std:
 void CModule::SetUp() {
     initFonts();
     delete dateTime_;
-    dateTime_ = nullptr;
     dateTime_ = new Telvix::DateTime(this, hostHandle);
     log_->Create(QString::fromLatin1(logName_), sendToHost, hostHandle);
 }

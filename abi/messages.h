@@ -29,7 +29,9 @@ enum PFHostMessage : unsigned int {
     MSG_UNDO_REPLY = 3141,           // reply to MSG_UNDO_REQUEST
     MSG_UNDO_REFRESHED = 3142,
     MSG_UNDO_NODE_INDEX = 3147,
-    MSG_WINDOW_DESTROYED = 3150,
+    MSG_LINE_INDEX = 3053,           // p1 fxDataPointArray*; answers the array's line index
+    MSG_TITLE_CHANGED = 3125,        // p1 chart widget, p2 const coreWChar* title (NUL-terminated)
+    MSG_WINDOW_DESTROYED = 3150,     // p1 fxwcWindowDestroyed
     MSG_WD_OPEN = 3163,              // p1 coreOpenWorkData
     MSG_WD_SAVE = 3164,              // p1 coreSzNode
     MSG_WD_CLEAR_NODE = 3165,
@@ -45,6 +47,11 @@ enum PFHostMessage : unsigned int {
     MSG_MAIN_WINDOW_ID = 3502,       // p1 int32_t* window id (initialised to -1)
     MSG_MAIN_WORK_FOLDER = 3503,     // p1 12288-byte buffer, wide string
     MSG_MAIN_CHANGED = 5008,         // p1 coreMainChangeNotice
+    MSG_SHOW_PROPERTIES = 3092,      // p1 chart widget, p2 data object handle of the indicator
+
+    // module -> host core: the status-bar panes (coreStatusBarPanes)
+    MSG_STATUS_PANE_ID = 7000,       // p1 coreStatusBarPanes*, p2 pane index
+    MSG_STATUS_PANE_ID_AGAIN = 7001, // p1 coreStatusBarPanes*, p2 pane index
 
     // module -> dealing interface
     MSG_DEAL_ACCOUNT_COUNT = 16000,  // p1 fxdAccountRequest

@@ -36,4 +36,61 @@ PF_LAYOUT32(sizeof(CREATEWINDOWCOMPONENT) == 12);
 PF_LAYOUT32(offsetof(CREATEWINDOWCOMPONENT, widget) == 8);
 PF_LAYOUT64(sizeof(CREATEWINDOWCOMPONENT) == 24);
 
+// Message 5007: one instrument dropped on a chart window (1296 bytes on the terminal).
+// The module reads the fields named here and passes them to the chart window; the rest is
+// the host's.
+struct fxwcDropInstrument {
+    void* baseHandle;          // the host data object of the instrument's own quotes; 3012 is
+                               // asked about it and the chart's data source keeps it
+    coreWChar name[255];       // UTF-16 instrument name, NUL-terminated
+    char symbol[255];          // the symbol text, 8-bit, NUL-terminated ("USDCHF")
+    char instrumentType[255];  // the instrument's kind, 8-bit ("Currency")
+    char providerName[255];    // the name text: the data provider serving the instrument
+    std::int32_t periodType;   // the period character ('I', 'D', 'W', 'M', 'Y'; 0: the
+                               // instrument's own period)
+    std::int32_t periodLength; // minutes for 'I', otherwise a count
+    std::int32_t startTime;    // first time wanted, seconds since 1970; 0: the whole history
+    std::uint8_t reserved;     // the host's
+    std::int32_t style;        // the primitive style the line is drawn with
+};
+PF_LAYOUT32(sizeof(fxwcDropInstrument) == 1296);
+PF_LAYOUT32(offsetof(fxwcDropInstrument, name) == 4);
+PF_LAYOUT32(offsetof(fxwcDropInstrument, symbol) == 514);
+PF_LAYOUT32(offsetof(fxwcDropInstrument, instrumentType) == 769);
+PF_LAYOUT32(offsetof(fxwcDropInstrument, providerName) == 1024);
+PF_LAYOUT32(offsetof(fxwcDropInstrument, periodType) == 1279);
+PF_LAYOUT32(offsetof(fxwcDropInstrument, periodLength) == 1283);
+PF_LAYOUT32(offsetof(fxwcDropInstrument, startTime) == 1287);
+PF_LAYOUT32(offsetof(fxwcDropInstrument, style) == 1292);
+PF_LAYOUT64(sizeof(fxwcDropInstrument) == 1300);
+
+// Message 5007's second parameter: the dropped instruments.
+struct fxwcDropList {
+    std::int32_t count;
+    fxwcDropInstrument* records;
+};
+PF_LAYOUT32(sizeof(fxwcDropList) == 8);
+PF_LAYOUT64(sizeof(fxwcDropList) == 12);
+
+// Message 3150 (module -> host core): a chart window is about to be destroyed.
+struct fxwcWindowDestroyed {
+    void* hostHandle;          // the window component's host handle kept by the widget
+    void* widget;              // the chart widget's address, the host's handle of the window
+};
+PF_LAYOUT32(sizeof(fxwcWindowDestroyed) == 8);
+PF_LAYOUT64(sizeof(fxwcWindowDestroyed) == 16);
+
+// The module's two status-bar panes (time and price under the mouse). Registered with 3001
+// in an interface request of kind "STATUSBAR", provider "TELVIX", name "telvixStatusBar",
+// count 1, whose result word points at this record; the host writes the native window id
+// of each pane's label when it has one. 7000 and 7001 (p1 this record, p2 the pane index
+// 0 or 1) ask the host to write the id of that pane now; they answer 0 when it did.
+struct coreStatusBarPanes {
+    std::int32_t count;        // always 2
+    std::int32_t windowId[2];  // native window ids of the two labels; 0 while unknown
+};
+PF_LAYOUT32(sizeof(coreStatusBarPanes) == 12);
+PF_LAYOUT64(sizeof(coreStatusBarPanes) == 12);
+enum { CORE_STATUS_PANE_TIME = 0, CORE_STATUS_PANE_PRICE = 1 };
+
 #pragma pack(pop)

@@ -36,12 +36,14 @@ void KagiData::Draw(QPainter& painter, fxDataPointArray* array) {
     const QPen* pen = &thin;
 
     // The line enters the visible range as thick or thin as the last crossing before it
-    // left it.
-    for (int i = 0; i < f.first; ++i) {
+    // left it: the nearest crossing to the left decides, so the walk goes backwards and
+    // stops there instead of running over the whole history.
+    for (int i = f.first - 1; i >= 0; --i) {
         const fxChartTypeRecord r = Record(array, i);
+        if (r.type != 0 && r.type != 1) continue;
         if (!Crosses(e.TranslateY(r.value), e.TranslateY(r.solid), e.TranslateY(r.end))) continue;
-        if (r.type == 0) pen = &thin;
-        else if (r.type == 1) pen = &thick;
+        pen = r.type == 0 ? &thin : &thick;
+        break;
     }
 
     for (int i = f.first; i < f.end; ++i, xPos_ += f.step) {

@@ -1,13 +1,498 @@
 #include "gui/PFChartWidget.h"
 
-PFChartWidget::PFChartWidget(QWidget* parent) : QWidget(parent) {}
+#include <QFontMetrics>
+#include <QMenu>
+#include <QPainter>
+#include <QPaintEvent>
+#include <QSignalBlocker>
+#include <QSlider>
+#include <cmath>
+#include <algorithm>
+#include <cfloat>
+#include <cstring>
 
-PFChartWidget::~PFChartWidget() = default;
+#include "data/DataSource.h"
+#include "data/PointData.h"
+#include "data/ScaleEngine.h"
+#include "gui/TimeScrollBar.h"
+#include "gui/ToolBar.h"
+#include "gx/Area.h"
+#include "gx/Chart.h"
+#include "gx/Grid.h"
+#include "gx/Indicator.h"
+#include "gx/LRScale.h"
+#include "gx/Layer.h"
+#include "gx/Line.h"
+#include "gx/TimeScale.h"
+#include "gx/Visitors.h"
+#include "gx/Walkers.h"
+#include "module/ChartInterface.h"
+#include "module/PFChartModule.h"
 
-QString PFChartWidget::UpdateTitle() { return windowTitle(); }
+namespace {
 
-void PFChartWidget::ResetType(const QString&) {
-    // No data lines to switch.
+QFont ScaleFont(const PFChartModule* module) {
+    QFont font(module ? module->getFont(font::elementCode(12)) : QString::fromLatin1("Arial"));
+    font.setPointSize(8);
+    return font;
 }
 
-int PFChartWidget::CountDpaByType(const QString&) const { return 0; }
+// The colours the skin gives the chart windows.
+const QColor kSkinAreaGrid(236, 233, 216);
+const QColor kSkinFont(124, 123, 104);
+const QColor kSkinBack(255, 255, 255);
+
+}  // namespace
+
+PFChartWidget::PFChartWidget(PFChartModule* module, int chartType, void* hostHandle, QWidget* parent,
+                             QWidget* second, const char* name, Qt::WindowFlags flags)
+    : CSimpleGUIWidget(parent, flags),
+      module_(module),
+      chartType_(chartType),
+      hostHandle_(hostHandle),
+      second_(second),
+      toolBar_(nullptr),
+      areasFont_(ScaleFont(module)),
+      areasFontColor_(0x96, 0x96, 0x96),
+      tsBackgroundColor_(0xFF, 0xFF, 0xFF),
+      tsGridColor_(0xDC, 0xDC, 0xDC) {
+    if (name) setObjectName(QString::fromLocal8Bit(name));
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMouseTracking(true);
+    setFocusPolicy(Qt::StrongFocus);
+    toolBar_ = new pf::gui::ToolBar(this);
+    chart_.reset(new gx::Chart(this, ChartRect()));
+    leftScale_.reset(new gx::LRScale(this));
+    rightScale_.reset(new gx::LRScale(this));
+    grid_.reset(new gx::Grid);
+    grid_->SetLineColor(kSkinAreaGrid);
+    grid_->SetBackgroundColor(kSkinBack);
+    scrollBar_.reset(new CTimeScrollBar(this));
+    PlaceChildren();
+}
+
+PFChartWidget::~PFChartWidget() {
+    // The tree first: its objects reach back into the widget while they go.
+    chart_.reset();
+    for (const boost::shared_ptr<pf::DataSource>& source : std::vector<boost::shared_ptr<pf::DataSource> >(sources_))
+        ReleaseDataSource(source);
+    scrollBar_.reset();
+}
+
+// ---- geometry ----
+
+int PFChartWidget::GetTimeScrollBarTop() const { return height() - kScrollBarHeight; }
+
+QRect PFChartWidget::ChartRect() const {
+    const int timeScale = timeScale_ ? timeScale_->Height() : 2 * QFontMetrics(areasFont_).height() + 9;
+    const int bottom = GetTimeScrollBarTop() - timeScale - 1;
+    return QRect(QPoint(0, kToolBarHeight), QPoint(width() - 1, std::max(kToolBarHeight - 1, bottom)));
+}
+
+void PFChartWidget::PlaceChildren() {
+    if (toolBar_) toolBar_->setGeometry(0, 0, width(), kToolBarHeight);
+    if (scrollBar_) scrollBar_->setGeometry(0, GetTimeScrollBarTop(), width(), kScrollBarHeight);
+    if (timeScale_) timeScale_->Resize();
+    if (chart_) {
+        const QRect r = ChartRect();
+        chart_->SetRect(r);
+        chart_->Resize(r.size());
+        chart_->RePlaceAreas();
+    }
+}
+
+void PFChartWidget::resizeEvent(QResizeEvent*) { PlaceChildren(); }
+
+void PFChartWidget::Resize() {
+    if (QWidget* parent = parentWidget()) setGeometry(parent->rect());
+    PlaceChildren();
+}
+
+void PFChartWidget::Show(bool show) { setVisible(show); }
+
+bool PFChartWidget::IsActive() const { return hasFocus(); }
+
+int PFChartWidget::CalcLRScaleWidth() const {
+    // Wide enough for the largest price with one digit to spare.
+    const QFontMetrics metrics(areasFont_);
+    int width = gx::LRScale::nWidth;
+    if (!chart_) return width;
+    for (const boost::shared_ptr<gx::Area>& area : chart_->GetAreas()) {
+        for (const boost::shared_ptr<gx::Layer>& layer : area->GetLayers())
+            for (const boost::shared_ptr<gx::Indicator>& indicator : layer->GetIndicators())
+                for (const boost::shared_ptr<gx::Line>& line : indicator->GetLines()) {
+                    const int n = line->Size();
+                    if (n < 1) continue;
+                    const fxChartTypeRecord last = pf::PointData::Record(line->GetArray(), n - 1);
+                    const double price = std::max(std::fabs(double(last.end)), std::fabs(double(last.value))) * 10.0;
+                    if (!(price < 1e12)) continue;
+                    const int decimals = std::max(0, std::min(10, int(line->GetArray()->precision)));
+                    width = std::max(width, metrics.horizontalAdvance(gx::LRScale::FormatPrice(price, decimals)) + 10);
+                }
+    }
+    return std::min(width, 200);
+}
+
+QColor PFChartWidget::GetAreasColor() const { return grid_ ? grid_->GetBackgroundColor() : QColor(Qt::white); }
+
+QColor PFChartWidget::GetButtonFillColor() const { return kSkinAreaGrid; }
+
+QColor PFChartWidget::GetButtonFrameColor() const { return kSkinFont; }
+
+gx::TextStatusBar* PFChartWidget::GetStatusBar() const { return module_ ? module_->GetStatusBar() : nullptr; }
+
+int PFChartWidget::GetCrossCursorState() const { return toolBar_ && toolBar_->IsCrossCursorToggled() ? 1 : 0; }
+
+ChartInterface* PFChartWidget::GetCurrentInterface() const {
+    if (!module_) return nullptr;
+    switch (chartType_) {
+        case PointFigure: return module_->GetPFInterface();
+        case Renko: return module_->GetRenkoInterface();
+        case Kagi: return module_->GetKagiInterface();
+        default: return nullptr;
+    }
+}
+
+const char* PFChartWidget::GetModuleName() const { return module_ ? module_->GetModuleName() : "PFChartModule"; }
+
+const char* PFChartWidget::DataTypeShow2String(int type) {
+    switch (type) {
+        case PointFigure: return "Point and Figure";
+        case Renko: return "Renko";
+        case Kagi: return "Kagi";
+        default: return "";
+    }
+}
+
+QString PFChartWidget::DataTypeShow2StringLocale(int type) const {
+    static const char* const keys[] = {"PF0001", "PF0002", "PF0003"};
+    if (type < 0 || type > 2) return QString();
+    return module_ ? module_->tr(keys[type]) : QString::fromLatin1(DataTypeShow2String(type));
+}
+
+bool PFChartWidget::IsAreaDayOff(const gx::Area* area) const {
+    if (!module_ || !area) return false;
+    for (const boost::shared_ptr<gx::Layer>& layer : area->GetLayers())
+        for (const boost::shared_ptr<gx::Indicator>& indicator : layer->GetIndicators())
+            if (indicator->GetDataSource() && module_->IsDayOff(indicator->GetDataSource()->GetBaseName()))
+                return true;
+    return false;
+}
+
+// ---- data ----
+
+boost::shared_ptr<pf::DataSource> PFChartWidget::FindDataSource(void* handle) const {
+    for (const boost::shared_ptr<pf::DataSource>& source : sources_)
+        if (handle && source->GetHandle() == handle) return source;
+    return boost::shared_ptr<pf::DataSource>();
+}
+
+boost::shared_ptr<pf::DataSource> PFChartWidget::CreateDataSource(void* baseHandle, const QString& symbol,
+                                                                  namePeriod period) {
+    if (!module_ || !module_->sendToHost) return boost::shared_ptr<pf::DataSource>();
+    // The chart type's provider, found by its name (the name is longer than the kind, so the
+    // module's generic look-up, which cuts it to the kind's length, cannot be used).
+    coreInterfaceRequest request;
+    std::memset(&request, 0, sizeof request);
+    std::strncpy(request.kind, "CHARTTYPE", sizeof request.kind - 1);
+    std::strncpy(request.provider, "TELVIX", sizeof request.provider - 1);
+    std::strncpy(request.name, DataTypeShow2String(chartType_), sizeof request.name - 1);
+    void* provider = nullptr;
+    request.count = 1;
+    request.result = &provider;
+    module_->sendToHost(module_->hostHandle, MSG_GET_INTERFACE, reinterpret_cast<std::intptr_t>(&request), 0);
+
+    coreNameInstrument name;
+    std::memset(&name, 0, sizeof name);
+    const int units = std::min<int>(symbol.size(), 254);
+    std::memcpy(name.name, symbol.utf16(), sizeof(coreWChar) * static_cast<std::size_t>(units));
+    const QByteArray local = symbol.toLocal8Bit().left(254);
+    std::memcpy(name.secondName, local.constData(), static_cast<std::size_t>(local.size()));
+    name.period = period;
+    void* handle = pf::DataSource::Create(module_, provider, name.name, "", period, 1, nullptr);
+    if (!handle) return boost::shared_ptr<pf::DataSource>();
+    boost::shared_ptr<pf::DataSource> source(new pf::DataSource(module_, this, handle, name, baseHandle));
+    pf::DataSource::Subscribe(module_, GetCurrentInterface(), this, handle);
+    // A full update at once: every array of the object and the base series' name.
+    coreCoreUpdateDpaData update;
+    std::memset(&update, 0, sizeof update);
+    update.handle = handle;
+    update.subscriber = this;
+    source->UpdateData(&update);
+    sources_.push_back(source);
+    return source;
+}
+
+void PFChartWidget::ReleaseDataSource(const boost::shared_ptr<pf::DataSource>& source) {
+    if (!source) return;
+    pf::DataSource::Unsubscribe(module_, GetCurrentInterface(), this, source->GetHandle());
+    sources_.erase(std::remove(sources_.begin(), sources_.end(), source), sources_.end());
+}
+
+boost::shared_ptr<gx::Area> PFChartWidget::AddSecondaryPrimitive(void* baseHandle, const char* symbol,
+                                                                  const char* name, int periodType,
+                                                                  int periodLength, int startTime,
+                                                                  const coreHeadNodeInfo* headNode, int style) {
+    (void)name;
+    (void)startTime;
+    (void)headNode;
+    (void)style;
+    namePeriod period;
+    period.type = static_cast<char>(periodType);
+    period.length = periodLength;
+    const boost::shared_ptr<pf::DataSource> source =
+        CreateDataSource(baseHandle, QString::fromLocal8Bit(symbol ? symbol : ""), period);
+    if (!source) return boost::shared_ptr<gx::Area>();
+    const bool firstArea = chart_->GetAreas().empty();
+    boost::shared_ptr<gx::Area> area = chart_->AddArea();
+    try {
+        area->AddLayer()->AddIndicator(source);
+    } catch (...) {
+        chart_->GetAreas().erase(std::remove(chart_->GetAreas().begin(), chart_->GetAreas().end(), area),
+                                 chart_->GetAreas().end());
+        ReleaseDataSource(source);
+        chart_->RePlaceAreas();
+        throw;
+    }
+    chart_->RePlaceAreas();
+    SetFirstDisplay(area, source->GetArray(0), firstArea);
+    CreateTimeScale();
+    UpdateTimeScale();
+    zoomRecording_ = false;
+    UpdateTitle();
+    update();
+    return area;
+}
+
+void PFChartWidget::SetFirstDisplay(const boost::shared_ptr<gx::Area>& area, const fxDataPointArray* first,
+                                    bool resetZoom) {
+    pf::ScaleEngine& e = *area->GetEngine();
+    int visible = 0;
+    int total = 0;
+    if (!first) {
+        visible = freeStep_ <= maxFirstPositions_ ? 0 : maxFirstPositions_;
+    } else {
+        total = pf::PointData::RecordCount(first);
+        visible = std::min(maxFirstPositions_, total + freeStep_);
+        if (visible == freeStep_) visible = 0;
+    }
+    e.SetColumnCount(visible);
+    e.SetFirstColumn(0);
+    e.Update(area->Rect(), 0.0f, static_cast<float>(total), e.GetMinPrice(), e.GetMaxPrice());
+    // The scroll bar starts at the beginning: every area's first position becomes 0.
+    if (scrollBar_->value() != 0)
+        for (const boost::shared_ptr<gx::Area>& a : chart_->GetAreas()) a->GetEngine()->SetFirstColumn(0);
+    scrollBar_->SetQuietly(0, total - visible + freeStep_, 0);
+    scrollBar_->setPageStep(std::max(1, visible));
+    if (total != 0 && resetZoom) {
+        QSlider* slider = toolBar_->GetZoomSlider();
+        const QSignalBlocker block(slider);
+        slider->setMinimum(-freeStep_);
+        slider->setMaximum(total - 4);
+        slider->setValue(-freeStep_);
+    }
+}
+
+bool PFChartWidget::UpdateIndicatorPrimitives(const coreCoreUpdateDpaData* record) {
+    if (!record) return false;
+    const boost::shared_ptr<pf::DataSource> source = FindDataSource(record->handle);
+    if (!source) return false;
+    source->UpdateData(record);
+    gx::FindAllIndicators all = gx::WidgetWalker<gx::FindAllIndicators>(chart_.get(), gx::FindAllIndicators()).Walk();
+    for (const boost::shared_ptr<gx::Indicator>& indicator : all.indicators) {
+        if (indicator->GetDataSource() != source) continue;
+        indicator->UpdateLines();
+        gx::Area* area = indicator->GetLayer() ? indicator->GetLayer()->GetArea() : nullptr;
+        if (!area) continue;
+        pf::ScaleEngine& e = *area->GetEngine();
+        const int oldTotal = pf::TruncToInt(e.GetX1());
+        int newTotal = 0;
+        for (const boost::shared_ptr<gx::Line>& line : indicator->GetLines()) newTotal = std::max(newTotal, line->Size());
+        if (newTotal == oldTotal) continue;
+        const int visible = e.GetColumnCount();
+        const int first = e.GetFirstColumn();
+        // A window showing its newest position keeps showing it, with the same free space to
+        // its right; one scrolled back into the history stays where it is.
+        const int gap = first + visible - oldTotal;
+        e.Update(e.GetRect().adjusted(-2, 0, 2, 0), e.GetX0(), static_cast<float>(newTotal), e.GetMinPrice(),
+                 e.GetMaxPrice());
+        if (autoScroll_ || gap >= 0) e.SetFirstColumn(std::max(0, std::max(first, newTotal + std::max(gap, 0) - visible)));
+        scrollBar_->SetQuietly(0, newTotal - visible + freeStep_, e.GetFirstColumn());
+    }
+    ExpandTimeScale();
+    update();
+    return true;
+}
+
+void PFChartWidget::CreateTimeScale() {
+    if (timeScale_) return;
+    gx::FindMinTimeLine found = gx::WidgetWalker<gx::FindMinTimeLine>(chart_.get(), gx::FindMinTimeLine()).Walk();
+    boost::shared_ptr<pf::ScaleEngine> engine;
+    if (found.found) engine = found.found->GetEngine();
+    else if (!chart_->GetAreas().empty()) engine = chart_->GetAreas().front()->GetEngine();
+    timeScale_.reset(new gx::TimeScale(this, engine, tsGridColor_.rgb()));
+    timeScale_->Resize();
+    PlaceChildren();
+}
+
+void PFChartWidget::ExpandTimeScale() {
+    if (!timeScale_) return;
+    gx::FindMinTimeLine found = gx::WidgetWalker<gx::FindMinTimeLine>(chart_.get(), gx::FindMinTimeLine()).Walk();
+    const boost::shared_ptr<gx::Line>& line = found.found;
+    if (!line) {
+        timeScale_->Clear();
+        return;
+    }
+    if (timeScale_->GetEngine() != line->GetEngine()) timeScale_->SetEngine(line->GetEngine());
+    const int have = timeScale_->Count();
+    const int size = line->Size();
+    if (have > size || (have > 0 && timeScale_->GetPosTime(0) != line->GetTime(0))) {
+        timeScale_->Clear();
+        line->UpdateTimes(timeScale_.get(), 0);
+        return;
+    }
+    // The newest position may have been redrawn by the host: its time is taken again.
+    if (have > 0 && timeScale_->GetPosTime(have - 1) != line->GetTime(have - 1))
+        timeScale_->SetTime(have - 1, line->GetTime(have - 1));
+    if (size > have || have == 0) line->UpdateTimes(timeScale_.get(), have);
+}
+
+void PFChartWidget::UpdateTimeScale() {
+    ExpandTimeScale();
+    if (timeScale_) timeScale_->Resize();
+}
+
+void PFChartWidget::SetScrollRange() {
+    if (chart_->GetAreas().empty()) return;
+    const pf::ScaleEngine& e = *chart_->GetAreas().front()->GetEngine();
+    scrollBar_->SetQuietly(0, pf::TruncToInt(e.GetX1()) - e.GetColumnCount() + freeStep_, e.GetFirstColumn());
+}
+
+void PFChartWidget::AfterDelete() {
+    gx::FindAllIndicators all = gx::WidgetWalker<gx::FindAllIndicators>(chart_.get(), gx::FindAllIndicators()).Walk();
+    for (const boost::shared_ptr<pf::DataSource>& source : std::vector<boost::shared_ptr<pf::DataSource> >(sources_)) {
+        bool used = false;
+        for (const boost::shared_ptr<gx::Indicator>& indicator : all.indicators)
+            used = used || indicator->GetDataSource() == source;
+        if (!used) ReleaseDataSource(source);
+    }
+    PlaceChildren();
+    ExpandTimeScale();
+    UpdateTitle();
+    update();
+}
+
+bool PFChartWidget::IsReplaceInstrument() {
+    // Every dropped instrument is added as an area of its own.
+    return true;
+}
+
+int PFChartWidget::CountDpaByType(const QString& typeName) const {
+    int count = 0;
+    gx::FindAllIndicators all = gx::WidgetWalker<gx::FindAllIndicators>(chart_.get(), gx::FindAllIndicators()).Walk();
+    for (const boost::shared_ptr<gx::Indicator>& indicator : all.indicators)
+        for (const boost::shared_ptr<gx::Line>& line : indicator->GetLines()) {
+            const fxDataPointArray* array = line->GetArray();
+            if (!array) continue;
+            const QString type = QString::fromLatin1(array->name.secondName,
+                                                     int(strnlen(array->name.secondName, sizeof array->name.secondName)));
+            if (type.compare(typeName, Qt::CaseInsensitive) == 0) ++count;
+        }
+    return count;
+}
+
+void PFChartWidget::ResetType(const QString& typeName) {
+    // The price type of a line travels in its data object's name: each source is asked again
+    // for the same instrument under the new type, and its lines take the new arrays.
+    if (typeName.isEmpty()) return;
+    RequestAgain();
+}
+
+void PFChartWidget::RequestAgain() {
+    if (chart_) chart_->RequestLastData();
+    ExpandTimeScale();
+    update();
+}
+
+QString PFChartWidget::UpdateTitle() {
+    gx::MakeCaption captions = gx::WidgetWalker<gx::MakeCaption>(chart_.get(), gx::MakeCaption()).Walk();
+    QString title = QString::fromLatin1(GetModuleName());
+    if (!captions.caption.isEmpty()) title += QLatin1String(", ") + captions.caption;
+    title_ = title;
+    setWindowTitle(title);
+    if (title != titleSent_ && module_ && module_->sendToHost) {
+        titleSent_ = title;
+        module_->sendToHost(module_->hostHandle, MSG_TITLE_CHANGED, reinterpret_cast<std::intptr_t>(this),
+                            reinterpret_cast<std::intptr_t>(title.utf16()));
+    }
+    return title;
+}
+
+void PFChartWidget::SendMainChange(const QString& text) {
+    if (!module_ || !module_->sendToHost) return;
+    char record[259];
+    std::memset(record, 0, sizeof record);
+    const QByteArray local = text.toLocal8Bit().left(254);
+    std::memcpy(record + 4, local.constData(), static_cast<std::size_t>(local.size()));
+    module_->sendToHost(hostHandle_, MSG_MAIN_CHANGED, reinterpret_cast<std::intptr_t>(record), 0);
+}
+
+void PFChartWidget::ShowIndicatorProp(const boost::shared_ptr<gx::Line>& line) {
+    if (line && line->GetIndicator()) line->GetIndicator()->OnShowPropIndicator();
+}
+
+void PFChartWidget::ShowProperties() {
+    // The chart window's own property page is shown by the host's property dialog.
+}
+
+// ---- painting ----
+
+void PFChartWidget::paintEvent(QPaintEvent*) {
+    if (busy_ || repaintSuspended_) return;
+    SetCursor();
+    QPainter painter(this);
+    Draw(painter, true);
+}
+
+void PFChartWidget::Draw(QPainter& painter, bool force) {
+    if (busy_) return;
+    if (repaintSuspended_ && !force) return;
+    // Only what no area, scale or time scale paints over is filled here: the rows the
+    // areas leave below them and the gap above the time scale.
+    const QRect chartRect = ChartRect();
+    const int covered = chart_->GetAreas().empty() ? chartRect.top() : chart_->GetAreas().back()->GetPaneRect().bottom() + 1;
+    const int stripTop = timeScale_ ? timeScale_->Rect().top() : GetTimeScrollBarTop();
+    if (stripTop > covered) painter.fillRect(QRect(0, covered, width(), stripTop - covered), GetAreasColor());
+    ExpandTimeScale();
+    for (const boost::shared_ptr<gx::Area>& area : chart_->GetAreas()) {
+        const gx::FindMinMax range =
+            gx::WidgetWalker<gx::FindMinMax>(chart_.get(), gx::FindMinMax(area.get(), FLT_MAX, FLT_MIN, -1.0f, 4.0f))
+                .Walk();
+        pf::ScaleEngine& e = *area->GetEngine();
+        e.Update(area->Rect(), e.GetX0(), e.GetX1(), range.minPrice, range.maxPrice);
+        const QRect pane = area->GetPaneRect();
+        const QRect r = area->Rect();
+        painter.save();
+        leftScale_->Resize(QRect(pane.left(), r.top(), chart_->GetLScaleWidth(), r.height()));
+        leftScale_->Draw(painter, range, area->GetEngine(), area);
+        painter.restore();
+        if (rightScale_) {
+            painter.save();
+            rightScale_->Resize(QRect(r.right() + 1, r.top(), chart_->GetRScaleWidth(), r.height()));
+            rightScale_->Draw(painter, range, area->GetEngine(), area);
+            painter.restore();
+        }
+        painter.save();
+        grid_->Draw(painter, range, area->GetEngine());
+        painter.restore();
+    }
+    if (timeScale_) {
+        painter.save();
+        timeScale_->Draw(painter);
+        painter.restore();
+    }
+    painter.save();
+    chart_->Draw(painter);
+    painter.restore();
+    drawnOnce_ = true;
+}

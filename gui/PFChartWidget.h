@@ -1,26 +1,235 @@
 // The window of one chart component.
 //
-// This is the chart window at its beginning: the widget the chart type interfaces list
-// and the chart module walks over when prices switch between bid, ask and middle or when
-// the dealing day-off states change. It holds no data lines yet, so it counts none, has
-// nothing to switch and no indicator captions to add to its title; the chart tree, its
-// data sources and everything drawn in the window come with the chart window itself.
+// A chart type interface creates one for each window component the host asks for. The
+// widget owns everything one chart window shows: the chart tree (areas, layers, indicators,
+// lines), the left and right price scales, the grid, the time scale, the zoom tool bar and
+// the time scroll bar, and the data sources of its lines. It turns Qt's paint, mouse, key
+// and tool-tip events into operations on the tree and carries the chart's requests to the
+// host: data subscriptions, title changes, properties.
+//
+// Geometry, top to bottom: the tool bar, the chart (its areas stacked), the time scale and
+// the time scroll bar.
 #pragma once
 
+#include <QColor>
+#include <QFont>
+#include <QPoint>
 #include <QString>
-#include <QWidget>
+#include <boost/scoped_ptr.hpp>
+#include <boost/shared_ptr.hpp>
+#include <cstdint>
+#include <vector>
 
-class PFChartWidget : public QWidget {
+#include "abi/records.h"
+#include "gui/CSimpleGUIWidget.h"
+
+class QMenu;
+class PFChartModule;
+class ChartInterface;
+class CTimeScrollBar;
+
+namespace pf {
+class DataSource;
+namespace gui {
+class ToolBar;
+}
+}  // namespace pf
+
+namespace gx {
+class Chart;
+class Area;
+class Line;
+class TimeScale;
+class LRScale;
+class Grid;
+class TextStatusBar;
+}  // namespace gx
+
+class PFChartWidget : public CSimpleGUIWidget {
     Q_OBJECT
 public:
-    explicit PFChartWidget(QWidget* parent = nullptr);
+    // Chart types (DataTypeShow).
+    enum DataTypeShow { PointFigure = 0, Renko = 1, Kagi = 2 };
+
+    static const int kMaxFirstPositions = 300;  // positions shown on a first display
+    static const int kToolBarHeight = 24;
+    static const int kScrollBarHeight = 16;
+
+    PFChartWidget(PFChartModule* module, int chartType, void* hostHandle, QWidget* parent = nullptr,
+                  QWidget* second = nullptr, const char* name = nullptr,
+                  Qt::WindowFlags flags = Qt::WindowFlags());
     ~PFChartWidget() override;
 
-    // Recomputes the window title from the chart's contents and returns it. Without data
-    // lines there is nothing to add to the title the window already has.
-    QString UpdateTitle();
-    // Switches every data line to the price type `typeName` ("Middle", "Bid" or "Ask").
+    // ---- called by the chart type interface ----
+    void Show(bool show);
+    // Fills the parent widget.
+    void Resize();
+    bool IsActive() const;
+    ChartInterface* GetCurrentInterface() const;
+    // 3009: the data source of the updated object takes the new arrays, its lines follow,
+    // the time scale grows and the window repaints. False when no data source of this
+    // widget has the record's data handle.
+    bool UpdateIndicatorPrimitives(const coreCoreUpdateDpaData* update);
+    // Adds the instrument as a new area: data source, indicator and lines; the visible
+    // count, the time scale and the scroll bar are set for it. Returns the new area, or an
+    // empty pointer when the host created no data object.
+    boost::shared_ptr<gx::Area> AddSecondaryPrimitive(void* baseHandle, const char* symbol, const char* name,
+                                                      int periodType, int periodLength, int startTime,
+                                                      const coreHeadNodeInfo* headNode, int style);
+    // Whether a dropped instrument is to be added now.
+    bool IsReplaceInstrument();
+    void SetReplacePending(bool pending) { replacePending_ = pending; }
+    bool IsReplacePending() const { return replacePending_; }
     void ResetType(const QString& typeName);
-    // The number of data lines of the price type `typeName`.
     int CountDpaByType(const QString& typeName) const;
+    // Rebuilds the title (module name and the indicators' captions), shows it and tells the
+    // host when it changed (3125); returns it.
+    QString UpdateTitle();
+
+    // ---- called by the chart tree ----
+    void SendMainChange(const QString& text);
+    void StartSelectedPF(const QMouseEvent& event);
+    void MoveSelectedPF(const QMouseEvent& event);
+    void EndSelectedPF(const QMouseEvent& event);
+    void UnStartSelectPF();
+    void SetCursor();
+    void ResetCursor();
+    // 3001 for the chart type's provider, 3008, then 3013 with this widget as subscriber.
+    boost::shared_ptr<pf::DataSource> CreateDataSource(void* baseHandle, const QString& symbol,
+                                                       namePeriod period);
+    // Unsubscribes (3014) and forgets a data source.
+    void ReleaseDataSource(const boost::shared_ptr<pf::DataSource>& source);
+    // Makes the time scale on the line whose data starts earliest, if there is none yet.
+    void CreateTimeScale();
+    // Brings the time scale up to the time line's data; touches only what is new.
+    void ExpandTimeScale();
+    void UpdateTimeScale();
+    const char* GetModuleName() const;
+    QString DataTypeShow2StringLocale(int type) const;
+    static const char* DataTypeShow2String(int type);
+    int CalcLRScaleWidth() const;
+    QColor GetAreasColor() const;
+    // Opens the host's properties dialog for the indicator of `line` (3092).
+    void ShowIndicatorProp(const boost::shared_ptr<gx::Line>& line);
+    // The widget's own properties (a double click on empty chart space).
+    void ShowProperties();
+
+    // After a deletion in the tree: unsubscribes the data sources no indicator uses any more,
+    // re-stacks the areas, rebuilds the title and repaints.
+    void AfterDelete();
+
+    // Paints the window; returns at once while busy, and while repaint is suspended
+    // unless forced.
+    void Draw(QPainter& painter, bool force);
+    // Positions of the area (visible count, first, total) after data changed.
+    void SetScrollRange();
+
+    // ---- state ----
+    PFChartModule* GetModule() const { return module_; }
+    int GetChartType() const { return chartType_; }
+    void* GetHostHandle() const { return hostHandle_; }
+    gx::Chart* GetChart() const { return chart_.get(); }
+    gx::TimeScale* GetTimeScale() const { return timeScale_.get(); }
+    gx::LRScale* GetLeftScale() const { return leftScale_.get(); }
+    gx::LRScale* GetRightScale() const { return rightScale_.get(); }
+    gx::Grid* GetGrid() const { return grid_.get(); }
+    CTimeScrollBar* GetTimeScrollBar() const { return scrollBar_.get(); }
+    pf::gui::ToolBar* GetToolBar() const { return toolBar_; }
+    gx::TextStatusBar* GetStatusBar() const;
+    const std::vector<boost::shared_ptr<pf::DataSource> >& GetDataSources() const { return sources_; }
+    boost::shared_ptr<pf::DataSource> FindDataSource(void* handle) const;
+
+    bool IsBusy() const { return busy_; }
+    void SetBusy(bool busy) { busy_ = busy; }
+    bool IsRepaintSuspended() const { return repaintSuspended_; }
+    void SetRepaintSuspended(bool suspended) { repaintSuspended_ = suspended; }
+    bool IsDrawnOnce() const { return drawnOnce_; }
+    bool IsZoomRecording() const { return zoomRecording_; }
+    void SetZoomRecording(bool on) { zoomRecording_ = on; }
+    bool IsAutoScroll() const { return autoScroll_; }
+    void SetAutoScroll(bool on) { autoScroll_ = on; }
+    int GetFreeStep() const { return freeStep_; }
+    void SetFreeStep(int steps) { freeStep_ = steps; }
+    int GetCrossCursorState() const;
+    const QFont& GetAreasFont() const { return areasFont_; }
+    void SetAreasFont(const QFont& font) { areasFont_ = font; }
+    const QColor& GetAreasFontColor() const { return areasFontColor_; }
+    void SetAreasFontColor(const QColor& color) { areasFontColor_ = color; }
+    const QColor& GetTSBackgroundColor() const { return tsBackgroundColor_; }
+    void SetTSBackgroundColor(const QColor& color) { tsBackgroundColor_ = color; }
+    const QColor& GetTSGridColor() const { return tsGridColor_; }
+    void SetTSGridColor(const QColor& color) { tsGridColor_ = color; }
+    // Button colours of the skin: pressed fill and frame.
+    QColor GetButtonFillColor() const;
+    QColor GetButtonFrameColor() const;
+    // Where the mouse was last seen, widget coordinates.
+    QPoint GetMousePos() const { return mousePos_; }
+    // Top edge of the time scroll bar: the time scale ends one pixel above it.
+    int GetTimeScrollBarTop() const;
+    // The rectangle the chart's areas share.
+    QRect ChartRect() const;
+    // Whether an instrument of the area is in a dealing day off.
+    bool IsAreaDayOff(const gx::Area* area) const;
+    boost::shared_ptr<gx::Area> GetCurrentArea() const { return currentArea_; }
+    const QString& GetTitle() const { return title_; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void enterEvent(QEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    bool event(QEvent* event) override;
+
+private:
+    // True (and the event ignored) while the forbidden cursor is shown.
+    bool Forbidden(QEvent* event) const;
+    void PlaceChildren();
+    // The line under `point` whose renderer reports a figure there; empty when none.
+    boost::shared_ptr<gx::Line> LineUnderMouse(const QPoint& point) const;
+    boost::shared_ptr<gx::Area> AreaAt(const QPoint& point) const;
+    // Every indicator refreshed from its source's current arrays.
+    void RequestAgain();
+    // Sets the visible count of a freshly added area and the sliders.
+    void SetFirstDisplay(const boost::shared_ptr<gx::Area>& area, const fxDataPointArray* first, bool resetZoom);
+
+    bool busy_ = false;
+    bool repaintSuspended_ = false;
+    bool drawnOnce_ = false;
+    bool zoomRecording_ = false;
+    bool autoScroll_ = false;
+    bool replacePending_ = false;
+    boost::shared_ptr<gx::Area> currentArea_;
+    boost::shared_ptr<QMenu> areaMenu_;
+    boost::shared_ptr<QMenu> indicatorMenu_;
+    boost::shared_ptr<QMenu> lsMenu_;
+    boost::shared_ptr<gx::TimeScale> timeScale_;
+    boost::shared_ptr<gx::LRScale> leftScale_;
+    boost::shared_ptr<gx::LRScale> rightScale_;
+    boost::shared_ptr<gx::Grid> grid_;
+    boost::shared_ptr<CTimeScrollBar> scrollBar_;
+    PFChartModule* module_;
+    int chartType_;
+    void* hostHandle_;
+    QWidget* second_;
+    pf::gui::ToolBar* toolBar_;
+    boost::scoped_ptr<gx::Chart> chart_;
+    std::vector<boost::shared_ptr<pf::DataSource> > sources_;
+    int maxFirstPositions_ = kMaxFirstPositions;
+    int freeStep_ = 5;
+    int tradeAccountMode_ = 0;
+    QString lastHover_;
+    QPoint menuPoint_;
+    QFont areasFont_;
+    QColor areasFontColor_;
+    QColor tsBackgroundColor_;
+    QColor tsGridColor_;
+    QPoint mousePos_;
+    QString title_;
+    QString titleSent_;
 };

@@ -205,7 +205,7 @@ QString CModule::tr(const QString& key, const QString& comment) const {
 }
 
 QString CModule::getFont(font::elementCode code) const {
-    return fonts_ ? fonts_->GetFont(code) : QStringLiteral("Arial");
+    return fonts_ ? fonts_->GetFont(code) : QString::fromLatin1("Arial");
 }
 
 int CModule::getFontSize(int n) const { return fonts_ ? fonts_->getFontSize(n) : n; }

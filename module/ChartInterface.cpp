@@ -74,9 +74,56 @@ int ChartInterface::GetUnicodeWindowComponentName(fxwcNameCompUnicode* name) {
     return 0;
 }
 
-PFChartWidget* ChartInterface::CreateWindowComponent(CREATEWINDOWCOMPONENT*) {
-    // Chart windows are not part of this module yet; the host is told nothing was made.
-    return nullptr;
+PFChartWidget* ChartInterface::CreateWindowComponent(CREATEWINDOWCOMPONENT* record) {
+    if (!record) return nullptr;
+    // Window ids are 32-bit words on the terminal.
+    QWidget* parent = QWidget::find(static_cast<WId>(static_cast<std::uint32_t>(record->parentWindowId)));
+    QWidget* second = QWidget::find(static_cast<WId>(static_cast<std::uint32_t>(record->secondWindowId)));
+    PFChartWidget* widget = new PFChartWidget(module_, traits_.chartType, ownHandle_, parent, second);
+    record->widget = widget;
+    widget->Resize();
+    widget->show();
+    AddWidget(widget);
+    return widget;
+}
+
+int ChartInterface::DestroyWindowComponent(void* target) {
+    if (!IsListed(target)) return 1;
+    PFChartWidget* widget = static_cast<PFChartWidget*>(target);
+    if (sendToHost) {
+        fxwcWindowDestroyed record;
+        record.hostHandle = widget->GetHostHandle();
+        record.widget = widget;
+        sendToHost(hostHandle, MSG_WINDOW_DESTROYED, reinterpret_cast<std::intptr_t>(&record), 0);
+    }
+    DelWidget(widget);
+    delete widget;
+    return 0;
+}
+
+void ChartInterface::DropInstruments(void* target, const fxwcDropList* list) {
+    if (!IsListed(target) || !list) return;
+    PFChartWidget* widget = static_cast<PFChartWidget*>(target);
+    const fxwcDropList drop = *list;  // packed: read the fields by value
+    if (drop.count < 1 || drop.count > kMaxDroppedInstruments || !drop.records) return;
+    widget->setFocus(Qt::OtherFocusReason);
+    for (std::int32_t i = 0; i < drop.count; ++i) {
+        fxwcDropInstrument record;
+        std::memcpy(&record, reinterpret_cast<const char*>(drop.records) + sizeof record * std::size_t(i), sizeof record);
+        // The texts are the host's: they are cut at their field's end whether terminated or not.
+        record.symbol[sizeof record.symbol - 1] = 0;
+        record.providerName[sizeof record.providerName - 1] = 0;
+        coreHeadNodeInfo reply;
+        std::memset(&reply, 0, sizeof reply);
+        if (sendToHost)
+            sendToHost(hostHandle, MSG_HEAD_NODE_INFO, reinterpret_cast<std::intptr_t>(record.baseHandle),
+                       reinterpret_cast<std::intptr_t>(&reply));
+        widget->SetReplacePending(false);
+        if (widget->IsReplaceInstrument())
+            widget->AddSecondaryPrimitive(record.baseHandle, record.symbol, record.providerName, record.periodType,
+                                          record.periodLength, record.startTime, &reply, record.style);
+    }
+    widget->UpdateTitle();
 }
 
 void ChartInterface::AddWidget(PFChartWidget* widget) {
@@ -99,6 +146,7 @@ bool ChartInterface::IsListed(const void* widget) const {
 void ChartInterface::timerEvent(QTimerEvent* event) {
     if (event->timerId() != timerId_) return;
     for (PFChartWidget* widget : widgets_) {
+        if (widget->IsRepaintSuspended()) continue;
         widget->update();
         repainted_ = true;
     }
@@ -117,7 +165,8 @@ int ChartInterface::ReceiveMessageWrap(void*, unsigned int message, std::intptr_
             return 0;
         case MSG_WC_CREATE:
             if (!record) return 1;
-            return CreateWindowComponent(static_cast<CREATEWINDOWCOMPONENT*>(record)) ? 0 : 1;
+            CreateWindowComponent(static_cast<CREATEWINDOWCOMPONENT*>(record));
+            return 0;
         case MSG_PANEL_STATUS:
             return record ? 0 : 1;
         // Messages about one chart window: only windows this interface created are acted
@@ -127,22 +176,40 @@ int ChartInterface::ReceiveMessageWrap(void*, unsigned int message, std::intptr_
             void* widget = nullptr;  // packed record: the field may sit at any address
             std::memcpy(&widget, static_cast<char*>(record) + offsetof(coreCoreUpdateDpaData, subscriber),
                         sizeof widget);
-            return IsListed(widget) ? 0 : 1;
+            if (!IsListed(widget)) return 1;
+            coreCoreUpdateDpaData update;
+            std::memcpy(&update, record, sizeof update);
+            PFChartWidget* w = static_cast<PFChartWidget*>(widget);
+            w->UpdateIndicatorPrimitives(&update);
+            w->UpdateTitle();
+            return 0;
         }
         case MSG_WC_DESTROY:
+            return DestroyWindowComponent(record);
         case MSG_WC_RESIZE:
-        case MSG_WC_SHOW:
+            if (!IsListed(record)) return 1;
+            static_cast<PFChartWidget*>(record)->Resize();
+            return 0;
+        case MSG_WC_SHOW: {
+            if (!IsListed(record)) return 1;
+            PFChartWidget* w = static_cast<PFChartWidget*>(record);
+            w->Show(true);
+            w->UpdateTitle();
+            return 0;
+        }
+        case MSG_WC_DROP_INSTRUMENTS:
+            DropInstruments(record, reinterpret_cast<const fxwcDropList*>(p2));
+            return 0;
         case MSG_WC_PRINT:
-            return IsListed(record) ? 0 : 1;
+            // Printing is not offered yet: the request is not handled.
+            return 1;
         case MSG_WC_OWNER_FOR_OBJECT:
             return 1;  // no chart window holds the object
         case MSG_LOAD_CHART:
         case MSG_SAVE_CHART:
-        case MSG_WC_DROP_INSTRUMENTS:
         case MSG_WC_CAPTION:
         case MSG_APPLY_PROPERTY:
         default:
-            (void)p2;
             return 0;
     }
 }

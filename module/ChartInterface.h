@@ -33,8 +33,16 @@ public:
     // Registers the interface with the host (3000) and takes the handle the host left in
     // the record as its own host handle.
     virtual int AddInterface();
-    // Creates a chart window (5003); null until chart windows exist in this module.
+    // The most instruments one drop (5007) may carry; a larger count is refused whole.
+    static const std::int32_t kMaxDroppedInstruments = 64;
+
+    // Creates a chart window (5003) inside the widget whose window id the record names and
+    // writes its address into the record; null for a null record.
     virtual PFChartWidget* CreateWindowComponent(CREATEWINDOWCOMPONENT* record);
+    // 5004: tells the host (3150), then deletes a listed window; 1 for anything else.
+    int DestroyWindowComponent(void* widget);
+    // 5007: adds every dropped instrument to a listed window.
+    void DropInstruments(void* widget, const fxwcDropList* list);
 
     void InicParameters(HostCallback callback, HostCallback callback2, void* handle, void* handle2);
     int ReceiveMessageWrap(void* target, unsigned int message, std::intptr_t p1, std::intptr_t p2);

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "gx/TextStatusBar.h"
 #include "module/KagiChartInterface.h"
 #include "module/PFChartInterface.h"
 #include "module/RenkoChartInterface.h"
@@ -20,6 +21,19 @@ PFChartModule::PFChartModule()
 PFChartModule::~PFChartModule() {
     delete[] dealRequest_.result;
     dealRequest_.result = nullptr;
+}
+
+void PFChartModule::CreateStatusBar() {
+    gx::TextStatusBar* bar = new gx::TextStatusBar(pfInterface_->GetHostHandle(), hostHandle, this);
+    boost::shared_ptr<gx::TextStatusBar> holder;
+    try {
+        holder.reset(bar);
+    } catch (...) {
+        delete bar;
+        throw;
+    }
+    holder->InitTextStatusBar();
+    statusBar_ = holder;
 }
 
 ChartInterface* PFChartModule::GetPFInterface() const { return pfInterface_.get(); }
@@ -54,8 +68,8 @@ int PFChartModule::Dispatch(void* target, unsigned int message, std::intptr_t p1
             InitDefaultStrings();
             return CreateWindowComponentInterface();
         case MSG_DEALING_READY:
-            // The shared status bar arrives with the chart window's status bar pane.
             getDealInterface();
+            CreateStatusBar();
             return 0;
         case MSG_EVENT: {
             FXEvent* event = reinterpret_cast<FXEvent*>(p1);

@@ -18,6 +18,9 @@ class PFChartInterface;
 class RenkoChartInterface;
 class KagiChartInterface;
 class CXMLWorkData;
+namespace gx {
+class TextStatusBar;
+}
 
 class PFChartModule : public CModule {
 public:
@@ -64,6 +67,11 @@ public:
     // The work folder from the main window interface (3503); empty on failure.
     QString GetWorkFolder();
 
+    // The status bar panes of the main window (time and price under the mouse); made at 3066,
+    // replacing the one held before. Null until then.
+    void CreateStatusBar();
+    gx::TextStatusBar* GetStatusBar() const { return statusBar_.get(); }
+
     ChartInterface* GetPFInterface() const;
     ChartInterface* GetRenkoInterface() const;
     ChartInterface* GetKagiInterface() const;
@@ -82,4 +90,5 @@ private:
     coreInterfaceRequest dealRequest_;
     AccountList accounts_;
     std::map<QString, bool> dayOff_;
+    boost::shared_ptr<gx::TextStatusBar> statusBar_;
 };

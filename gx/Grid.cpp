@@ -1,0 +1,135 @@
+#include "gx/Grid.h"
+
+#include <QLine>
+#include <QPainter>
+#include <QPen>
+#include <QVector>
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <cstring>
+
+#include "data/ScaleEngine.h"
+#include "gx/FindMinMax.h"
+
+namespace gx {
+
+namespace {
+
+// Neighbouring price lines never come closer than this.
+const int kMinLineSpacing = 5;
+
+// Rows of the horizontal lines, from the area's bottom up. Prices run from the range's
+// minimum in steps of one box, so the lines fall on the box edges of the figures; a box
+// lower than kMinLineSpacing (or none at all) gives way to lines a tenth of the area's
+// height apart. Without a usable price transform (a flat or broken range) the rows are
+// spaced in pixels alone. The number of rows is bounded by the height, never by the range.
+void AddPriceLines(QVector<QLine>& lines, const QRect& data, const FindMinMax& range, const pf::ScaleEngine& engine) {
+    const int top = data.top();
+    const int bottom = data.bottom();
+    const long long height = static_cast<long long>(bottom) - top + 1;
+    if (height < 1 || data.width() < 1) return;
+
+    const double spacing = std::max(static_cast<double>(kMinLineSpacing), height / 10.0);
+    const double yFactor = engine.GetYFactor();
+    const double minPrice = range.minPrice;
+    bool priced = yFactor > 0.0 && std::isfinite(yFactor) && std::isfinite(minPrice);
+    double step = range.boxSize;
+    if (priced && (!(step > 0.0) || !std::isfinite(step) || step * yFactor < kMinLineSpacing)) {
+        step = spacing / yFactor;
+        priced = step > 0.0 && std::isfinite(step);
+    }
+
+    long long lastRow = static_cast<long long>(bottom) + 1 + kMinLineSpacing;
+    const long long maxLines = height / kMinLineSpacing + 2;
+    for (long long k = 0; k <= maxLines; ++k) {
+        const double price = minPrice + k * step;
+        // A price beyond the float range lies above any area.
+        if (priced && !(std::fabs(price) <= FLT_MAX)) break;
+        const long long row = priced ? engine.TranslateY(static_cast<float>(price))
+                                     : bottom + 1LL - static_cast<long long>(std::floor(k * spacing + 0.5));
+        if (row < top) break;
+        // The minimum itself lies on the row below the area; rounding of neighbouring rows
+        // must not bring two lines closer than the minimum spacing.
+        if (row > bottom || lastRow - row < kMinLineSpacing) continue;
+        lines.push_back(QLine(data.left(), static_cast<int>(row), data.right(), static_cast<int>(row)));
+        lastRow = row;
+    }
+}
+
+// One vertical line per visible column at the column's left edge, placed as the figure
+// renderers place their columns: x advances by the column width from the engine's left
+// edge and is rounded to the nearest pixel. Columns narrower than a pixel cover every pixel
+// between the first and the last column, which is drawn as such, so the cost is bounded by
+// the width, never by the column count.
+void AddColumnLines(QVector<QLine>& lines, const QRect& data, const pf::ScaleEngine& engine) {
+    const int columns = engine.GetColumnCount();
+    if (columns <= 0 || data.height() < 1) return;
+    const float step = engine.GetXStep(static_cast<float>(columns));
+    const int top = data.top();
+    const int bottom = data.bottom();
+    if (step >= 1.0f) {
+        float x = static_cast<float>(engine.GetLeft());
+        for (int i = 0; i < columns; ++i, x += step) {
+            const int px = pf::TruncToPixel(x + 0.5L);
+            lines.push_back(QLine(px, top, px, bottom));
+        }
+        return;
+    }
+    if (!(step >= 0.0f)) return;
+    const int first = pf::TruncToPixel(engine.GetLeft() + 0.5L);
+    const int last = pf::TruncToPixel(engine.GetLeft() + (columns - 1) * static_cast<long double>(step) + 0.5L);
+    for (int px = std::max(first, data.left()); px <= std::min(last, data.right()); ++px)
+        lines.push_back(QLine(px, top, px, bottom));
+}
+
+}  // namespace
+
+Grid::Grid() : lineColor_(236, 233, 216), backgroundColor_(Qt::white) {}
+
+void Grid::Draw(QPainter& painter, const FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine) const {
+    if (!engine) return;
+    // The engine keeps its rectangle 2 pixels in on both sides; the area's data rectangle
+    // is that rectangle with the insets given back.
+    const QRect data = engine->GetRect().adjusted(-2, 0, 2, 0);
+    if (data.isEmpty()) return;
+    painter.save();
+    painter.setClipRect(data);
+    if (!shown_) {
+        painter.fillRect(data, backgroundColor_);
+        painter.restore();
+        return;
+    }
+    // The background with the column lines is kept as a picture of the data rectangle and
+    // made again only when the columns, the rectangle or the colours change: a repaint
+    // copies it instead of walking down every column line pixel by pixel.
+    QVector<QLine> columns;
+    AddColumnLines(columns, data, *engine);
+    QVector<int> xs;
+    xs.reserve(columns.size());
+    for (const QLine& l : columns) xs.push_back(l.x1());
+    if (back_.isNull() || backRect_ != data || backXs_ != xs || backColor_ != backgroundColor_ ||
+        backLine_ != lineColor_) {
+        back_ = QImage(data.size(), QImage::Format_RGB32);
+        back_.fill(backgroundColor_);
+        QVector<QRgb> row(data.width(), backgroundColor_.rgb());
+        for (int x : xs)
+            if (x >= data.left() && x <= data.right()) row[x - data.left()] = lineColor_.rgb();
+        for (int y = 0; y < back_.height(); ++y)
+            std::memcpy(back_.scanLine(y), row.constData(), sizeof(QRgb) * static_cast<std::size_t>(row.size()));
+        backRect_ = data;
+        backXs_ = xs;
+        backColor_ = backgroundColor_;
+        backLine_ = lineColor_;
+    }
+    painter.drawImage(data.topLeft(), back_);
+    QVector<QLine> prices;
+    AddPriceLines(prices, data, range, *engine);
+    if (!prices.isEmpty()) {
+        painter.setPen(QPen(lineColor_, 1));
+        painter.drawLines(prices);
+    }
+    painter.restore();
+}
+
+}  // namespace gx

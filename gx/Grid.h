@@ -1,0 +1,49 @@
+// The grid behind the figures of every area: the area's background, horizontal lines at
+// box steps and one vertical line per position column.
+#pragma once
+
+#include <QColor>
+#include <QRect>
+#include <QImage>
+#include <QVector>
+#include <boost/shared_ptr.hpp>
+
+class QPainter;
+
+namespace pf {
+class ScaleEngine;
+}
+
+namespace gx {
+
+struct FindMinMax;
+
+class Grid {
+public:
+    Grid();
+
+    // Fills the engine's data rectangle (the 2-pixel insets given back) with the background
+    // colour, then the lines when the grid is shown.
+    void Draw(QPainter& painter, const FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine) const;
+
+    const QColor& GetLineColor() const { return lineColor_; }
+    void SetLineColor(const QColor& c) { lineColor_ = c; }
+    const QColor& GetBackgroundColor() const { return backgroundColor_; }
+    void SetBackgroundColor(const QColor& c) { backgroundColor_ = c; }
+    bool IsShown() const { return shown_; }
+    void SetShown(bool shown) { shown_ = shown; }
+
+private:
+    QColor lineColor_;
+    QColor backgroundColor_;
+    bool shown_ = true;
+    // The background with the column lines for the last data rectangle; made again when the
+    // rectangle, the columns or the colours change.
+    mutable QImage back_;
+    mutable QRect backRect_;
+    mutable QVector<int> backXs_;
+    mutable QColor backColor_;
+    mutable QColor backLine_;
+};
+
+}  // namespace gx

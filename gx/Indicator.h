@@ -1,0 +1,87 @@
+// What the user adds to an area: one instrument in one chart type and period. It owns the
+// data source subscribed to the host's data core and one line per data point array that the
+// source delivers, names itself in the caption and the title, and offers itself in the
+// chart's select, properties and delete menus.
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <boost/shared_ptr.hpp>
+#include <vector>
+
+#include "abi/records/dpa_records.h"
+#include "gx/Object.h"
+
+class QMenu;
+class QMouseEvent;
+class QKeyEvent;
+
+namespace pf {
+class ScaleEngine;
+class DataSource;
+}  // namespace pf
+
+namespace gx {
+
+class Chart;
+class Layer;
+class Line;
+
+class Indicator : public QObject, public Object {
+    Q_OBJECT
+public:
+    Indicator(Layer* layer, const boost::shared_ptr<pf::DataSource>& source, const QRect& rect,
+              const boost::shared_ptr<pf::ScaleEngine>& engine);
+    ~Indicator() override;
+
+    // Rebuilds the area's caption, then draws every line.
+    void Draw(QPainter& painter) const override;
+    void Resize(const QSize& size) override;
+    void SetRect(const QRect& rect) override;
+    void Select(bool selected) override;
+
+    boost::shared_ptr<Line> AddLine(fxDataPointArray* array);
+    // Gives every line the source's current array of its position, adding lines for new
+    // arrays; returns whether the lines changed.
+    bool UpdateLines();
+    int GetLineCount() const { return static_cast<int>(lines_.size()); }
+    // 0 for the first indicator of the layer, -i for position i, -1 when absent.
+    int GetIndex() const;
+    Chart* GetChart() const;
+    Layer* GetLayer() const { return layer_; }
+    const std::vector<boost::shared_ptr<Line> >& GetLines() const { return lines_; }
+    std::vector<boost::shared_ptr<Line> >& GetLines() { return lines_; }
+    const boost::shared_ptr<pf::DataSource>& GetDataSource() const { return source_; }
+    const boost::shared_ptr<pf::ScaleEngine>& GetEngine() const { return engine_; }
+    // The data object's handle in the host; null without a source.
+    void* GetHandle() const;
+
+    // 3053: the host's index of the array's line; 0 when the host gives none.
+    int RequestLineIndex(fxDataPointArray* array) const;
+    // "<base name>/<period>".
+    QString MakeCaptionIndicator() const;
+    // The period as shown: "Tick", "%d Min", "%d Hour", "Day", "Week", "Month", "Year".
+    QString GetCaptionPeriod() const;
+    void FillContextMenu();
+    // The entry "<base name> %c, %d" (period character and length) connected to `slotName`.
+    void AddToMenu(const boost::shared_ptr<QMenu>& menu, const char* slotName) const;
+
+    void mousePressEvent(const QMouseEvent& event);
+    void mouseReleaseEvent(const QMouseEvent& event);
+    void mouseDoubleClickEvent(const QMouseEvent& event);
+    void keyPressEvent(const QKeyEvent& event);
+    void mouseMoveEvent(const QMouseEvent& event);
+
+public slots:
+    void OnSelectedIndicator();
+    void OnShowPropIndicator();
+    void OnDeleteIndicator();
+
+private:
+    Layer* layer_;
+    std::vector<boost::shared_ptr<Line> > lines_;
+    boost::shared_ptr<pf::DataSource> source_;
+    boost::shared_ptr<pf::ScaleEngine> engine_;
+};
+
+}  // namespace gx

@@ -1,0 +1,61 @@
+// A price scale column at the left or right of the chart areas, drawn once per area with
+// the area's scale engine and price range.
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QRect>
+#include <QString>
+#include <boost/shared_ptr.hpp>
+
+#include "gx/TextCache.h"
+
+class QPainter;
+class PFChartWidget;
+
+namespace pf {
+class ScaleEngine;
+}
+
+namespace gx {
+
+class Area;
+struct FindMinMax;
+
+class LRScale {
+public:
+    static const int nWidth = 50;
+
+    // Font and background come from the widget when one is given.
+    explicit LRScale(PFChartWidget* widget);
+
+    void Resize(const QRect& rect) { rect_ = rect; }
+    const QRect& Rect() const { return rect_; }
+    bool IsVisible() const { return visible_; }
+    void SetVisible(bool visible) { visible_ = visible; }
+    const QFont& GetFont() const { return font_; }
+    void SetFont(const QFont& font) { font_ = font; }
+    const QColor& GetBackgroundColor() const { return background_; }
+    void SetBackgroundColor(const QColor& color) { background_ = color; }
+
+    int GetFontHeight(const QPainter& painter) const;
+    // An even step for the range [min, max] with labels fontHeight + 5 pixels apart.
+    float GetStepParam(float max, float min, int fontHeight) const;
+    // Labels of the area's price range (0 .. 100 when the range has no data).
+    void Draw(QPainter& painter, const FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine,
+              const boost::shared_ptr<Area>& area) const;
+
+    // "%0.<decimals>f".
+    static QString FormatPrice(double price, int decimals);
+
+private:
+    PFChartWidget* widget_;
+    QRect rect_;
+    bool visible_ = true;
+    QFont font_;
+    QColor background_;
+    // Price labels laid out once for the scale's font.
+    mutable TextCache labels_;
+};
+
+}  // namespace gx

@@ -1,0 +1,174 @@
+#include "gx/Line.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <algorithm>
+#include <cstring>
+
+#include "data/KVPFLine.h"
+#include "data/PointData.h"
+#include "data/PointDataFactory.h"
+#include "data/ScaleEngine.h"
+#include "gx/Area.h"
+#include "gx/Caption.h"
+#include "gx/Chart.h"
+#include "gx/Indicator.h"
+#include "gx/Layer.h"
+#include "gx/ls/LineStudy.h"
+
+namespace gx {
+
+Line::Line(Indicator* indicator, fxDataPointArray* array, const boost::shared_ptr<pf::ScaleEngine>& engine,
+           const QRect& rect)
+    : Object(rect), array_(array), engine_(engine), indicator_(indicator) {
+    if (array_) renderer_ = pf::PointDataFactory::Instance().Create(array_->name.name, engine_, this);
+}
+
+Line::Line(Indicator* indicator, const boost::shared_ptr<pf::ScaleEngine>& engine, const QRect& rect)
+    : Object(rect), engine_(engine), indicator_(indicator) {}
+
+Line::~Line() = default;
+
+void Line::SetArray(fxDataPointArray* array) {
+    array_ = array;
+    if (array_ && !renderer_) renderer_ = pf::PointDataFactory::Instance().Create(array_->name.name, engine_, this);
+}
+
+int Line::Size() const {
+    if (!array_ || array_->pointCount < 0) return 0;
+    return pf::PointData::RecordCount(array_);
+}
+
+std::int32_t Line::GetTime(int index) const {
+    if (index < 0 || index >= Size()) return 0;
+    return pf::PointData::Record(array_, index).time;
+}
+
+char Line::GetPeriodType() const { return array_ ? array_->name.period.type : 'I'; }
+
+int Line::GetPeriodLength() const {
+    if (!array_) return 0;
+    std::int32_t length = 0;
+    std::memcpy(&length, reinterpret_cast<const char*>(&array_->name.period) + 1, sizeof length);
+    return length;
+}
+
+Chart* Line::GetChart() const { return indicator_ ? indicator_->GetChart() : nullptr; }
+
+int Line::GetIndex() const {
+    if (!indicator_) return -1;
+    const std::vector<boost::shared_ptr<Line> >& lines = indicator_->GetLines();
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        if (lines[i].get() == this) return -static_cast<int>(i);
+    return -1;
+}
+
+void Line::Draw(QPainter& painter) const {
+    if (Size() < 1 || !renderer_) return;
+    painter.save();
+    painter.setClipRect(rect_);
+    renderer_->Draw(painter, array_);
+    painter.restore();
+    // The caption shows the colour of the last line drawn in the area.
+    Layer* layer = indicator_ ? indicator_->GetLayer() : nullptr;
+    Area* area = layer ? layer->GetArea() : nullptr;
+    if (area) {
+        area->GetCaption()->SetCaptionColor(QColor(static_cast<QRgb>(array_->typeShow.color0)));
+        area->GetCaption()->UpdateButtonColor();
+    }
+    for (const boost::shared_ptr<LineStudy>& study : studies_) study->Draw(painter);
+}
+
+void Line::Resize(const QSize& size) {
+    Object::Resize(size);
+    for (const boost::shared_ptr<LineStudy>& study : studies_) study->Resize(size);
+}
+
+void Line::Select(bool selected) { selected_ = selected; }
+
+void Line::SetRect(const QRect& rect) {
+    Object::SetRect(rect);
+    for (const boost::shared_ptr<LineStudy>& study : studies_) study->SetRect(rect);
+}
+
+QString Line::ToolTipAt(const QPoint& point) const {
+    QString text;
+    if (Size() < 1 || !renderer_) return text;
+    const QString caption = indicator_ ? indicator_->MakeCaptionIndicator() : name_;
+    renderer_->IsUnderMouse(point, array_, caption, text);
+    return text;
+}
+
+bool Line::IsOnDataClicked(const QPoint& point) const {
+    if (Size() < 1 || !renderer_) return false;
+    QString text;
+    const QString caption = indicator_ ? indicator_->MakeCaptionIndicator() : name_;
+    return renderer_->IsUnderMouse(point, array_, caption, text);
+}
+
+void Line::AddLineStudy(const boost::shared_ptr<LineStudy>& study) {
+    if (study) studies_.push_back(study);
+}
+
+void Line::DeleteLineStudy(LineStudy* study) {
+    studies_.erase(std::remove_if(studies_.begin(), studies_.end(),
+                                  [study](const boost::shared_ptr<LineStudy>& s) { return s.get() == study; }),
+                   studies_.end());
+}
+
+std::vector<boost::shared_ptr<LineStudy> > Line::FindLS(int stateMask) const {
+    std::vector<boost::shared_ptr<LineStudy> > out;
+    for (const boost::shared_ptr<LineStudy>& s : studies_)
+        if (s->GetState() & stateMask) out.push_back(s);
+    return out;
+}
+
+std::vector<boost::shared_ptr<LineStudy> > Line::FindLSSelected() const {
+    std::vector<boost::shared_ptr<LineStudy> > out;
+    for (const boost::shared_ptr<LineStudy>& s : studies_)
+        if (s->IsSelected()) out.push_back(s);
+    return out;
+}
+
+bool Line::IsGroupSelectLS(const QMouseEvent& event, const std::vector<boost::shared_ptr<LineStudy> >& studies) const {
+    for (const boost::shared_ptr<LineStudy>& s : studies)
+        if (!s->PtInLS(event.pos())) return false;
+    return true;
+}
+
+void Line::SelectingLS(const QMouseEvent& event, int& hits, int& candidates) const {
+    hits = 0;
+    candidates = 0;
+    for (const boost::shared_ptr<LineStudy>& s : studies_) {
+        ++candidates;
+        if (s->PtInLS(event.pos())) ++hits;
+    }
+}
+
+void Line::FillContextMenu() {
+    // Lines offer nothing of their own; their indicator lists them.
+}
+
+void Line::mousePressEvent(const QMouseEvent& event) {
+    if (!FindLS(LineStudy::StateMoving).empty()) return;
+    if (studies_.empty() && !selected_) {
+        if (Chart* chart = GetChart()) chart->StartSelectedPF(event);
+    }
+    int hits = 0;
+    int candidates = 0;
+    SelectingLS(event, hits, candidates);
+    groupSelect_ = (hits <= 0 || hits >= candidates) ? 1 : 0;
+    // The studies get the press in order; the study placed by this press (if any) is found
+    // afterwards by its moving state.
+    (void)FindLS(LineStudy::StateMoving);
+}
+
+void Line::mouseReleaseEvent(const QMouseEvent&) {}
+
+void Line::mouseDoubleClickEvent(const QMouseEvent&) {}
+
+void Line::keyPressEvent(const QKeyEvent&) {}
+
+void Line::mouseMoveEvent(const QMouseEvent&) {}
+
+}  // namespace gx

@@ -1,0 +1,134 @@
+#include "gx/TextStatusBar.h"
+
+#include <QDateTime>
+#include <QLabel>
+#include <QWidget>
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "data/ScaleEngine.h"
+#include "gx/Area.h"
+#include "gx/Chart.h"
+#include "gx/Indicator.h"
+#include "gx/LRScale.h"
+#include "gx/Layer.h"
+#include "gx/Line.h"
+#include "gx/TimeScale.h"
+#include "module/CModule.h"
+
+namespace gx {
+
+namespace {
+
+const int kPaneCount = 2;
+const int kDefaultDecimals = 4;
+const int kMaxDecimals = 10;
+
+// Decimals of the instrument as the host reports them: 4 while unknown (negative), at most
+// kMaxDecimals.
+int PriceDecimals(std::int32_t precision) {
+    if (precision < 0) return kDefaultDecimals;
+    return std::min<std::int32_t>(precision, kMaxDecimals);
+}
+
+// The array whose instrument the layer shows: the first line of its first indicator.
+const fxDataPointArray* LayerArray(const Layer& layer) {
+    const std::vector<boost::shared_ptr<Indicator> >& indicators = layer.GetIndicators();
+    if (indicators.empty() || !indicators.front()) return nullptr;
+    const std::vector<boost::shared_ptr<Line> >& lines = indicators.front()->GetLines();
+    if (lines.empty() || !lines.front()) return nullptr;
+    return lines.front()->GetArray();
+}
+
+// The chart's time scale when it holds times; null otherwise.
+const TimeScale* LayerTimeScale(const Layer& layer) {
+    const Area* area = layer.GetArea();
+    const Chart* chart = area ? area->GetChart() : nullptr;
+    const TimeScale* scale = chart ? chart->GetTimeScale() : nullptr;
+    return scale && scale->Count() > 0 ? scale : nullptr;
+}
+
+}  // namespace
+
+TextStatusBar::TextStatusBar(void* handle, void* handle2, CModule* module)
+    : handle_(handle), handle2_(handle2), module_(module) {
+    std::memset(&panes_, 0, sizeof panes_);
+    panes_.count = kPaneCount;
+}
+
+TextStatusBar::~TextStatusBar() = default;
+
+void TextStatusBar::InitTextStatusBar() {
+    CModule* module = module_ ? module_ : CModule::Current();
+    if (!module || !module->sendToHost) return;
+
+    // The host answers the registration by writing into the pane record the result word
+    // points at.
+    coreInterfaceRequest request;
+    std::memset(&request, 0, sizeof request);
+    std::memcpy(request.kind, "STATUSBAR", 9);
+    std::memcpy(request.provider, "TELV", 4);
+    std::memcpy(request.provider + 4, "IX", 2);
+    std::memcpy(request.name, "telvixStatusBar", 15);
+    request.count = 1;
+    request.result = reinterpret_cast<void**>(&panes_);
+    module->sendToHost(module->hostHandle, MSG_GET_INTERFACE, reinterpret_cast<std::intptr_t>(&request), 0);
+
+    for (int pane = 0; pane < kPaneCount; ++pane) {
+        module->sendToHost(module->hostHandle, MSG_STATUS_PANE_ID, reinterpret_cast<std::intptr_t>(&panes_), pane);
+        FindLabel(pane);
+    }
+}
+
+void TextStatusBar::SetTextStatusBar(const boost::shared_ptr<Layer>& layer, const QPoint& point) {
+    if (!layer || !layer->Rect().contains(point)) return;
+    const fxDataPointArray* array = LayerArray(*layer);
+    const boost::shared_ptr<pf::ScaleEngine>& engine = layer->GetEngine();
+    if (!array || !engine) return;
+
+    if (QLabel* label = labels_[CORE_STATUS_PANE_TIME]) {
+        const TimeScale* scale = LayerTimeScale(*layer);
+        // A stale time would belong to another place: without times the pane is emptied.
+        label->setText(scale ? QDateTime::fromSecsSinceEpoch(static_cast<qint64>(scale->GetPointTime(point)), Qt::UTC)
+                                   .toString(QStringLiteral("dd.MM.yyyy hh:mm:ss"))
+                             : QString());
+    }
+    if (QLabel* label = labels_[CORE_STATUS_PANE_PRICE]) {
+        const double price = engine->UnTranslateY(point.y());
+        // A flat range has no price per row; it reads as zero.
+        QString text = QStringLiteral("0.0");
+        if (price != 0.0 && std::isfinite(price)) text = LRScale::FormatPrice(price, PriceDecimals(array->precision));
+        label->setText(QStringLiteral("%1").arg(text));
+    }
+}
+
+void TextStatusBar::ClearTextStatusBar() {
+    CModule* module = module_ ? module_ : CModule::Current();
+    for (int pane = 0; pane < kPaneCount; ++pane) {
+        if (QLabel* label = labels_[pane]) {
+            label->clear();
+            continue;
+        }
+        if (!module || !module->sendToHost) continue;
+        module->sendToHost(module->hostHandle, MSG_STATUS_PANE_ID_AGAIN, reinterpret_cast<std::intptr_t>(&panes_),
+                           pane);
+        FindLabel(pane);
+    }
+}
+
+QLabel* TextStatusBar::GetLabel(int pane) const {
+    return pane >= 0 && pane < kPaneCount ? labels_[pane].data() : nullptr;
+}
+
+QLabel* TextStatusBar::FindLabel(int pane) {
+    if (pane < 0 || pane >= kPaneCount) return nullptr;
+    const std::int32_t id = panes_.windowId[pane];
+    if (id == 0) return nullptr;
+    // Window ids travel as 32-bit words; they are unsigned on the window system's side.
+    QLabel* label = qobject_cast<QLabel*>(QWidget::find(static_cast<WId>(static_cast<std::uint32_t>(id))));
+    if (label) labels_[pane] = label;
+    return label;
+}
+
+}  // namespace gx

@@ -1,0 +1,22 @@
+// One date label of the time scale.
+#pragma once
+
+#include <QDateTime>
+
+class QPainter;
+
+namespace gx {
+namespace ts {
+
+class Date {
+public:
+    // Formats `date` ("dd" when `threshold` is above 39, "dd.MM" otherwise), measures it and
+    // draws it only when right - left is larger than the text width, at x = left + (text
+    // height - 1) + 6 and y = bottom + 3 (the text height, not its width, is added to x).
+    // Returns whether it drew. `from` and `to` are the visible span the label belongs to.
+    static bool Draw2(QPainter& painter, const QDateTime& date, const QDateTime& from, const QDateTime& to,
+                      int left, int bottom, int right, int threshold);
+};
+
+}  // namespace ts
+}  // namespace gx

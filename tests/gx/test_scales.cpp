@@ -1,0 +1,202 @@
+// Price scale and grid: the step helper, label steps, rows, placement and spacing, the ruler
+// without data, and grid spacing and cost on flat, broken and dense ranges.
+#include <gtest/gtest.h>
+
+#include <QFontMetrics>
+#include <QPaintEngine>
+#include <QImage>
+#include <QPainter>
+#include <algorithm>
+#include <QTextItem>
+#include <cmath>
+#include <set>
+#include <vector>
+
+#include "RecordingPaintDevice.h"
+#include "data/ScaleEngine.h"
+#include "gx/FindMinMax.h"
+#include "gx/Grid.h"
+#include "gx/LRScale.h"
+
+namespace {
+
+// Records each text a painter writes (baseline and text) and counts the fills.
+struct TextEngine : QPaintEngine {
+    TextEngine() : QPaintEngine(AllFeatures) {}
+    bool begin(QPaintDevice*) override { return true; }
+    bool end() override { return true; }
+    Type type() const override { return User; }
+    void updateState(const QPaintEngineState&) override {}
+    void drawPixmap(const QRectF&, const QPixmap&, const QRectF&) override {}
+    void drawRects(const QRect*, int) override { ++fills; }
+    void drawTextItem(const QPointF& p, const QTextItem& t) override { texts.push_back({p.toPoint(), t.text()}); }
+    std::vector<std::pair<QPoint, QString>> texts;
+    int fills = 0;
+};
+struct TextDevice : QPaintDevice {
+    mutable TextEngine engine;
+    QPaintEngine* paintEngine() const override { return &engine; }
+    int metric(PaintDeviceMetric m) const override {
+        return m == PdmDepth ? 32 : m == PdmDevicePixelRatio ? 1
+             : m == PdmDevicePixelRatioScaled ? int(devicePixelRatioFScale()) : m <= PdmHeight ? 2000 : 96;
+    }
+};
+
+struct Label {
+    QString text;
+    int top, bottom, left, right;
+};
+
+gx::FindMinMax Range(float lo, float hi, float box, float precision = 4.0f) {
+    gx::FindMinMax r(nullptr, lo, hi, 10.0f, precision);
+    r.boxSize = box;
+    return r;
+}
+
+// Rows top .. bottom, data rectangle x 0 .. 103 (the engine's 2 .. 101).
+boost::shared_ptr<pf::ScaleEngine> Engine(int bottom, float lo, float hi, int columns = 10, int top = 0) {
+    boost::shared_ptr<pf::ScaleEngine> e(new pf::ScaleEngine);
+    e->SetColumnCount(columns);
+    e->Update(QRect(QPoint(0, top), QPoint(103, bottom)), 0.0f, float(columns), lo, hi);
+    return e;
+}
+
+// Draws a scale 50 x height at (0, 0); the labels inside it and apart, bottom up.
+std::vector<Label> DrawScale(gx::LRScale& scale, int height, const gx::FindMinMax& range,
+                             const boost::shared_ptr<pf::ScaleEngine>& engine) {
+    TextDevice device;
+    scale.Resize(QRect(0, 0, 50, height));
+    {
+        QPainter painter(&device);
+        scale.Draw(painter, range, engine, {});
+    }
+    const QFontMetrics fm(scale.GetFont(), &device);
+    std::vector<Label> labels;
+    for (const auto& t : device.engine.texts) {
+        const Label l{t.second, t.first.y() - fm.ascent(), t.first.y() - fm.ascent() + fm.height() - 1, t.first.x(),
+                      t.first.x() + fm.horizontalAdvance(t.second) - 1};
+        EXPECT_TRUE(l.top >= 0 && l.bottom < height && l.left >= 0) << l.text.toStdString();
+        EXPECT_TRUE(l.right < 50 || l.left == 0) << l.text.toStdString();  // wider text is cut at the right
+        if (!labels.empty()) {
+            EXPECT_LT(l.bottom, labels.back().top) << l.text.toStdString();
+        }
+        labels.push_back(l);
+    }
+    return labels;
+}
+
+}  // namespace
+
+TEST(LRScale, StepParamGivesEvenStepsAndTheSmallestStepForEmptyRanges) {
+    gx::LRScale scale(nullptr);
+    scale.Resize(QRect(0, 0, 50, 170));  // 10 slots of 17 pixels for a 12-pixel font
+    EXPECT_FLOAT_EQ(scale.GetStepParam(1.2f, 1.1f, 12), 0.01f);     // raw 0.0096
+    EXPECT_FLOAT_EQ(scale.GetStepParam(1.0f, 0.9584f, 12), 0.005f); // raw 0.0040: half of 0.01
+    EXPECT_FLOAT_EQ(scale.GetStepParam(1000.0f, 0.0f, 12), 100.0f); // raw 96
+    for (float min : {1.2f, 1.3f, NAN}) EXPECT_FLOAT_EQ(scale.GetStepParam(1.2f, min, 12), 0.0001f);
+    scale.Resize(QRect());  // lower than one label: one slot, no division by zero
+    EXPECT_FLOAT_EQ(scale.GetStepParam(1.2f, 1.1f, -5), 0.1f);
+}
+
+TEST(LRScale, LabelsAtEvenStepsOnTheirRowsAndBoundedOnAbsurdRanges) {
+    gx::LRScale scale(nullptr);
+    TextDevice device;
+    const int h = QFontMetrics(scale.GetFont(), &device).height();
+    ASSERT_TRUE(h >= 5 && h <= 14) << "the steps below are worked out for fonts of 5 to 14 pixels";
+
+    // 1.2000 on row 980, 1.2960 on row 20: a box of 0.001 is 10 pixels, a spacing of h + 5
+    // holds 10 .. 19 points, rounded down to 10 and raised by 10: 0.0020.
+    std::vector<Label> labels = DrawScale(scale, 1000, Range(1.2f, 1.296f, 0.001f), Engine(979, 1.2f, 1.296f, 10, 20));
+    ASSERT_EQ(labels.size(), 49u);
+    for (int i = 0; i < 49; ++i) {
+        EXPECT_EQ(labels[i].text, QString::asprintf("%.4f", (12000 + 20 * i) / 10000.0));
+        EXPECT_EQ(labels[i].top, 980 - 20 * i - h / 2);  // centred on the row
+    }
+    // On the full height the minimum's row lies below the column: its label is moved inside.
+    EXPECT_EQ(DrawScale(scale, 1000, Range(1.2f, 1.3f, 0.001f), Engine(999, 1.2f, 1.3f)).front().bottom, 999);
+
+    // A box of 0.02 pixels: the fallback 0.005 would want 200 labels; the step grows by a
+    // whole multiple of it. Broken ranges finish at once.
+    labels = DrawScale(scale, 200, Range(1.0f, 2.0f, 0.0001f), Engine(199, 1.0f, 2.0f));
+    ASSERT_GE(labels.size(), 2u);
+    for (const Label& l : labels) EXPECT_EQ(std::lround(l.text.toDouble() * 10000) % 50, 0) << l.text.toStdString();
+    for (const gx::FindMinMax& r : {Range(0.0f, 1e30f, 1.0f), Range(-3e38f, 3e38f, 1e-30f), Range(NAN, 1.0f, 0.1f),
+                                    Range(0.0f, 1.0f, NAN, 1e9f)})
+        EXPECT_LE(int(DrawScale(scale, 200, r, Engine(199, r.minPrice, r.maxPrice)).size()), 200 / h);
+}
+
+TEST(LRScale, RulerWithoutDataAndNothingWhenHidden) {
+    gx::LRScale scale(nullptr);
+    const std::vector<Label> labels = DrawScale(scale, 300, gx::FindMinMax(), Engine(299, 0.0f, 1.0f));
+    ASSERT_EQ(labels.size(), 11u);
+    EXPECT_EQ(labels[10].text, "100");
+    EXPECT_NEAR((labels[5].top + labels[5].bottom) / 2.0, 299 - 150, 1.0);  // "50" centred on its row
+    EXPECT_LT(DrawScale(scale, 40, gx::FindMinMax(), Engine(39, 0.0f, 1.0f)).size(), 11u);  // overlaps left out
+
+    TextDevice device;
+    scale.SetVisible(false);
+    QPainter painter(&device);
+    scale.Draw(painter, Range(1.2f, 1.3f, 0.001f), Engine(99, 1.2f, 1.3f), {});
+    EXPECT_TRUE(device.engine.texts.empty() && device.engine.fills == 0);
+}
+
+namespace {
+
+// Rows of the horizontal lines (x 0 .. 103) and columns of the vertical ones, in order.
+void DrawGrid(const gx::Grid& grid, const gx::FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine,
+              std::vector<int>& rows, std::vector<int>& columns, RecordingPaintDevice& device) {
+    device.clear();
+    rows.clear();
+    columns.clear();
+    {
+        QPainter painter(&device);
+        grid.Draw(painter, range, engine);
+    }
+    for (const QLine& l : device.lines()) {
+        EXPECT_EQ(l.y1(), l.y2());
+        rows.push_back(l.y1());
+        EXPECT_TRUE(l.x1() == 0 && l.x2() == 103);
+    }
+    for (std::size_t i = 1; i < rows.size(); ++i) EXPECT_GE(rows[i - 1] - rows[i], 5);
+    // The column lines are painted as pixels: read them off a row between price lines.
+    QImage image(104, engine->GetBottom() + 1, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::black);
+    {
+        QPainter painter(&image);
+        grid.Draw(painter, range, engine);
+    }
+    int probe = engine->GetBottom();
+    while (probe > 0 && std::find(rows.begin(), rows.end(), probe) != rows.end()) --probe;
+    for (int x = 0; x < image.width(); ++x)
+        if (image.pixelColor(x, probe) == grid.GetLineColor()) columns.push_back(x);
+}
+
+}  // namespace
+
+TEST(Grid, BoxLinesColumnLinesSpacingAndCost) {
+    gx::Grid grid;
+    RecordingPaintDevice device;
+    std::vector<int> rows, columns, expected;
+    DrawGrid(grid, Range(0.0f, 10.0f, 0.5f), Engine(199, 0.0f, 10.0f, 7), rows, columns, device);
+    for (int row = 190; row >= 0; row -= 10) expected.push_back(row);  // box 0.5 = 10 rows
+    EXPECT_EQ(rows, expected);
+    EXPECT_EQ(columns, (std::vector<int>{2, 16, 31, 45, 59, 73, 88}));  // 100 / 7 pixels, rounded
+
+    DrawGrid(grid, Range(0.0f, 10.0f, 0.01f), Engine(199, 0.0f, 10.0f), rows, columns, device);
+    EXPECT_EQ(rows, (std::vector<int>{180, 160, 140, 120, 100, 80, 60, 40, 20, 0}));  // a tenth of the height
+    DrawGrid(grid, Range(0.0f, 10.0f, 0.01f), Engine(29, 0.0f, 10.0f), rows, columns, device);
+    EXPECT_EQ(rows, (std::vector<int>{25, 20, 15, 10, 5, 0}));  // a tenth of 30 would be 3
+    for (const gx::FindMinMax& r : {Range(1.0f, 1.0f, 0.1f), Range(NAN, NAN, NAN), Range(-3e38f, 3e38f, 1e-38f)}) {
+        DrawGrid(grid, r, Engine(199, r.minPrice, r.maxPrice), rows, columns, device);
+        EXPECT_TRUE(!rows.empty() && rows.size() <= 40u);
+    }
+    // 100000 columns on 100 pixels: one line per pixel.
+    DrawGrid(grid, Range(0.0f, 10.0f, 0.5f), Engine(199, 0.0f, 10.0f, 100000), rows, columns, device);
+    EXPECT_EQ(std::set<int>(columns.begin(), columns.end()).size(), columns.size());
+    EXPECT_EQ(columns.size(), 101u);
+
+    grid.SetShown(false);
+    DrawGrid(grid, Range(0.0f, 10.0f, 0.5f), Engine(199, 0.0f, 10.0f), rows, columns, device);
+    ASSERT_EQ(device.primitives().size(), 1u);  // the fill alone
+    EXPECT_EQ(device.primitives()[0].rects.value(0), QRect(QPoint(0, 0), QPoint(103, 199)));
+}

@@ -168,8 +168,14 @@ void* CoreServices::componentObject(const std::string& name) const {
     return nullptr;
 }
 
+void CoreServices::onRequest(const std::string& kind, RequestHandler handler) {
+    requestHandlers_[kind] = std::move(handler);
+}
+
 int CoreServices::getInterfaces(coreInterfaceRequest* record, std::string& detail) {
     if (!record) return 1;
+    const auto claimed = requestHandlers_.find(field(record->kind, sizeof record->kind));
+    if (claimed != requestHandlers_.end()) return claimed->second(*record, detail);
     const auto found = host_.findInterfaces(field(record->kind, sizeof record->kind),
                                             field(record->provider, sizeof record->provider),
                                             field(record->name, sizeof record->name));

@@ -2,10 +2,16 @@
 // the translation table (3019) with a QTranslator installed for the selected language,
 // events (3110-3113, delivered back through 3114), installed languages (3116/3117),
 // the log sink (3205) and the date formatting functions (3207).
+//
+// Interface requests of some kinds are not look-ups but registrations: the module hands
+// over a record of its own in the result word (the status-bar panes, kind "STATUSBAR").
+// A service that serves such a kind claims it with `onRequest`; 3001 of that kind goes to
+// the service instead of the interface registry.
 #pragma once
 
 #include <QString>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -67,6 +73,11 @@ public:
 
     std::string selectedLanguage() const;
 
+    // Takes every 3001 whose kind is `kind` (the record is not null); answers what the
+    // handler answers.
+    using RequestHandler = std::function<int(coreInterfaceRequest& record, std::string& detail)>;
+    void onRequest(const std::string& kind, RequestHandler handler);
+
 private:
     class Translator;
     friend class Translator;
@@ -93,6 +104,7 @@ private:
     std::vector<LogRecord> log_;
     std::vector<Subscription> subscriptions_;
     std::map<std::string, std::intptr_t> events_;
+    std::map<std::string, RequestHandler> requestHandlers_;
 };
 
 }  // namespace host

@@ -60,6 +60,12 @@ DataCore::DataCore(Host& host) : host_(host) {
     host_.on(MSG_DPA_COUNT, [this](void*, std::intptr_t p1, std::intptr_t p2, std::string& d) {
         return countArrays(p1, reinterpret_cast<std::int32_t*>(p2), d);
     });
+    host_.on(MSG_LINE_INDEX, [this](void*, std::intptr_t p1, std::intptr_t, std::string& d) {
+        const int index = arrayIndex(reinterpret_cast<const fxDataPointArray*>(p1));
+        d = "array " + hex(reinterpret_cast<const void*>(p1)) +
+            (index < 0 ? std::string(": no such array") : " index " + std::to_string(index));
+        return index < 0 ? 1 : index;
+    });
 }
 
 DataCore::~DataCore() = default;
@@ -96,6 +102,8 @@ data::Instrument* DataCore::loadInstrument(const std::string& path, const LoadOp
     std::unique_ptr<data::Instrument> instrument = data::CsvPriceReader::readFile(path, name, error);
     if (!instrument) return nullptr;
     if (options.live >= 0) instrument->holdBackAfter(std::size_t(options.live));
+    const std::size_t live = instrument->quotes().size();
+    if (options.holdBack > 0) instrument->holdBackAfter(live - std::min(live, options.holdBack));
     return adopt(std::move(instrument), error);
 }
 
@@ -103,7 +111,7 @@ data::Instrument* DataCore::instrument(const std::string& name) {
     auto it = instruments_.find(name);
     if (it != instruments_.end()) return it->second.get();
     const std::string path = builtInPath(name);
-    return path.empty() ? nullptr : loadInstrument(path, LoadOptions{name, -1});
+    return path.empty() ? nullptr : loadInstrument(path, LoadOptions{name, -1, 0});
 }
 
 std::vector<std::string> DataCore::instrumentNames() const {
@@ -160,6 +168,13 @@ data::ChartObject* DataCore::chart(void* handle) const {
     return dynamic_cast<data::ChartObject*>(object(reinterpret_cast<std::intptr_t>(handle)));
 }
 
+std::vector<data::ChartObject*> DataCore::chartObjects() const {
+    std::vector<data::ChartObject*> out;
+    for (const auto& o : objects_)
+        if (data::ChartObject* c = dynamic_cast<data::ChartObject*>(o.second.get())) out.push_back(c);
+    return out;
+}
+
 std::vector<fxDataPointArray*> DataCore::arrays(void* handle) const {
     data::DataObject* o = object(reinterpret_cast<std::intptr_t>(handle));
     return o ? std::vector<fxDataPointArray*>{o->array()} : std::vector<fxDataPointArray*>();
@@ -169,6 +184,21 @@ bool DataCore::release(void* handle) {
     if (!chart(handle)) return false;
     objects_.erase(handle);
     return true;
+}
+
+void DataCore::setChartSettings(data::ChartType type, const data::ChartSettings& settings) {
+    createSettings_[int(type)] = settings;
+}
+
+const data::ChartSettings& DataCore::chartSettings(data::ChartType type) const {
+    return createSettings_[int(type)];
+}
+
+int DataCore::arrayIndex(const fxDataPointArray* array) const {
+    if (!array) return -1;
+    for (const auto& o : objects_)
+        if (o.second->array() == array) return 0;
+    return -1;
 }
 
 std::size_t DataCore::subscriptionCount(void* handle) const {
@@ -259,7 +289,7 @@ int DataCore::createFromRecord(coreCreateDpaData* record, std::string& detail) {
         return 1;
     }
     std::string error;
-    void* handle = createChart(name, data::ChartType(type), data::ChartSettings(), &error);
+    void* handle = createChart(name, data::ChartType(type), createSettings_[type], &error);
     if (!handle) {
         detail += ": " + error;
         return 1;

@@ -9,10 +9,12 @@
 //   and load from examples/ on first use; any other CSV loads by path:
 //       data::Instrument* instrument(name);
 //       data::Instrument* loadInstrument(path, InstrumentOptions{name, live}, &error);
-//   `live` keeps only the first quotes in the series and holds the rest back for replay.
+//   `live` keeps only the first quotes in the series and holds the rest back for replay;
+//   `holdBack` holds back the last quotes instead.
 //
 //   Chart objects (what 3008 creates for the module): box size and reversal per object,
-//   zero meaning a default from the instrument's price range and precision.
+//   zero meaning a default from the instrument's price range and precision. The objects
+//   3008 creates take the settings of their chart type (setChartSettings; zeros at first).
 //       void* h = createChart("USDCHF", data::ChartType::PointAndFigure, {box, reversal});
 //       configure(h, settings);            // recompute with another box / reversal
 //       std::vector<fxDataPointArray*> a = arrays(h);   // exactly what 3042 hands out
@@ -23,6 +25,9 @@
 //   object of the instrument updates incrementally and each subscriber of a changed
 //   object is told with 3009 (sent to the subscription's interface target, the first
 //   word of its 3013 record). notices() lists what was sent.
+//
+//   3053 asks for the index of an array within the data object that owns it: 0, since
+//   every object has one array; 1 ("not handled") for an array of no object.
 //
 // Handles are the host's small integer handles. Every message handler checks them: an
 // unknown handle or a null record answers 1.
@@ -50,6 +55,7 @@ class DataObject;
 struct InstrumentOptions {
     std::string name;  // empty: from the file name ("usdchf-30min.csv" is "USDCHF")
     long live = -1;    // quotes in the series at once; the rest wait for replay. -1: all
+    std::size_t holdBack = 0;  // the last quotes wait for replay as well
 };
 
 class DataCore {
@@ -83,10 +89,20 @@ public:
     // notifies its subscribers. False (nothing changed) for a bad handle or settings.
     bool configure(void* handle, const data::ChartSettings& settings, std::string* error = nullptr);
     data::ChartObject* chart(void* handle) const;
+    // Every chart object, in handle order (the order they were made).
+    std::vector<data::ChartObject*> chartObjects() const;
     // The arrays of a chart object or base series, as 3042 fills them; empty for a bad handle.
     std::vector<fxDataPointArray*> arrays(void* handle) const;
     // Forgets a chart object; its handle becomes unknown.
     bool release(void* handle);
+    // The settings the chart objects that 3008 creates from now on get, per chart type.
+    // Checked against each instrument when the object is made (3008 answers 1 when they do
+    // not fit it); zeros, the defaults, at first.
+    void setChartSettings(data::ChartType type, const data::ChartSettings& settings);
+    const data::ChartSettings& chartSettings(data::ChartType type) const;
+    // Position of `array` among the arrays of the object that owns it; -1 when no object
+    // owns it. Compares addresses only: `array` is never read.
+    int arrayIndex(const fxDataPointArray* array) const;
 
     // ---- replay ----
     // Appends one quote to the instrument's series. False for an unknown instrument or a
@@ -124,6 +140,7 @@ private:
     std::map<void*, std::unique_ptr<data::DataObject> > objects_;
     std::map<const data::Instrument*, data::BaseSeries*> bases_;
     void* providers_[3];
+    data::ChartSettings createSettings_[3];
     std::vector<Notice> notices_;
     std::int32_t reference_ = 0;
 };

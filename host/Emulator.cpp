@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "host/ChartWindows.h"
 #include "host/CoreServices.h"
 #include "host/DataCore.h"
 #include "host/DealingService.h"
@@ -25,13 +26,19 @@ Emulator::Emulator(const EmulatorOptions& options) : options_(options), host_(ne
     core_.reset(new CoreServices(*host_, options_));
     data_.reset(new DataCore(*host_));
     workData_.reset(new WorkDataStore(*host_));
-    mainWindow_.reset(new MainWindowService(*host_, options_.workFolder));
+    mainWindow_.reset(new MainWindowService(*host_, *core_, options_.workFolder));
     dealing_.reset(new DealingService(*host_, *core_));
+    charts_.reset(new ChartWindows(*host_, *core_, *data_, *mainWindow_));
 }
 
 Emulator::~Emulator() {
-    // The module goes first: its destructors may still talk to the services.
+    // Chart windows are the module's widgets: they go while its code is still loaded, and
+    // so does anything else it left in the main window. Then the module goes: its
+    // destructors may still talk to the services.
+    charts_->destroyAll();
+    mainWindow_->closeWindow();
     host_->unload();
+    charts_.reset();
     dealing_.reset();
     mainWindow_.reset();
     workData_.reset();

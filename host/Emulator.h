@@ -15,6 +15,7 @@ class DataCore;
 class WorkDataStore;
 class MainWindowService;
 class DealingService;
+class ChartWindows;
 
 struct EmulatorOptions {
     std::string modulePath;              // default: the built libPFChartModule.so.1
@@ -38,6 +39,7 @@ public:
     WorkDataStore& workData() { return *workData_; }
     MainWindowService& mainWindow() { return *mainWindow_; }
     DealingService& dealing() { return *dealing_; }
+    ChartWindows& charts() { return *charts_; }
 
     // dlopen, GetModuleInfo and Initialize, as the terminal does.
     bool loadModule(std::string* error = nullptr);
@@ -54,6 +56,7 @@ private:
     std::unique_ptr<WorkDataStore> workData_;
     std::unique_ptr<MainWindowService> mainWindow_;
     std::unique_ptr<DealingService> dealing_;
+    std::unique_ptr<ChartWindows> charts_;
     std::string tempFolder_;
     MODULE_INFO info_;
 };

@@ -1,13 +1,18 @@
-// A chart of one instrument drawn into an image the way the chart window draws it: the
-// chart-type object is created through the host callback (pf::DataSource, message 3008),
-// its arrays fetched with 3043/3042, and the module's scale engine and renderer paint the
-// most recent columns. Used by `pfhost render` and `pfhost demo`.
+// A picture of one chart window, made the way the terminal shows a chart: the module is
+// asked for a window component of the chart type (5003) inside a sub-window of the main
+// window, each instrument is dropped on it (5007, one area each), held-back quotes are
+// replayed (the module hears of every change with 3009), and the host grabs its own
+// container widget with the module's chart in it. Nothing is drawn by the host: the
+// picture is the module's work, reached only through its entry points. Used by
+// `pfhost chart`, `pfhost render` and `pfhost demo`.
 #pragma once
 
 #include <QImage>
 #include <QSize>
 #include <QString>
+#include <QStringList>
 #include <string>
+#include <vector>
 
 #include "host/data/ChartType.h"
 
@@ -18,32 +23,39 @@ class Emulator;
 namespace cli {
 
 struct ChartPicture {
-    // What to draw.
-    std::string instrument;                 // a loaded or built-in instrument
+    // What to draw. The module must have been started.
+    std::vector<std::string> instruments;   // loaded or built-in, one drop each
     data::ChartType type = data::ChartType::PointAndFigure;
     data::ChartSettings settings;           // zeros: the data core's defaults
     QSize size{1200, 800};
-    int columnWidth = 12;                   // pixels per visible column, about
+    std::size_t replay = 0;                 // held-back quotes of each instrument replayed after the drops
 
     // What was drawn.
     QImage image;
-    int records = 0;                        // columns, bricks or strokes in the array
-    int first = 0;                          // index of the first visible one
-    int columns = 0;                        // how many are visible
-    float low = 0.0f;                       // price range of the visible ones
-    float high = 0.0f;
-    double box = 0.0;                       // settings the data core used
-    int reversal = 0;
+    QString title;                          // the window's title as the module gave it
+    std::vector<data::ChartSettings> used;  // per instrument, what its chart object got
+    std::size_t replayed = 0;               // quotes replayed, all instruments
+    std::size_t notices = 0;                // 3009 sent to the module meanwhile
 
     // One line: what the picture shows.
     QString Describe() const;
 };
 
-// Draws `picture` through the emulator's data core. False with `error` set when the
-// instrument is unknown, the data core refuses the chart object or it has no records.
+// Draws `picture` through the emulator's chart windows and closes the window again (5004).
+// False with `error` set when an instrument is unknown, the settings do not fit one, or
+// the module makes no chart window or refuses a drop.
 bool DrawChart(Emulator& emulator, ChartPicture& picture, std::string* error);
 // DrawChart, then the image written to `path` as PNG.
 bool SaveChart(Emulator& emulator, ChartPicture& picture, const QString& path, std::string* error);
+
+// Puts a price source into the emulator's data core: a CSV path is loaded, anything else
+// names a built-in instrument. The last `holdBack` quotes wait for replay. The instrument's
+// name, or empty with `error` set.
+std::string LoadSource(Emulator& emulator, const QString& source, std::size_t holdBack, std::string* error);
+
+// `pfhost chart` and `pfhost render`: the options of `usage` parsed, the module started,
+// the picture saved. `replay` says whether --replay is taken. Returns the exit status.
+int RunChartCommand(const QStringList& args, const char* command, const char* usage, bool replay);
 
 }  // namespace cli
 }  // namespace host

@@ -20,6 +20,8 @@ bool addCommand(const Command& command);
 
 // Option helpers: "--name value".
 QString option(const QStringList& args, const QString& name, const QString& fallback = QString());
+// Every value of an option that may be repeated, in order.
+QStringList options(const QStringList& args, const QString& name);
 bool hasFlag(const QStringList& args, const QString& name);
 
 }  // namespace cli
@@ -37,8 +39,9 @@ namespace host {
 namespace cli {
 // --module PATH, --work DIR, --language NAME (repeatable; the first is selected), --log FILE
 EmulatorOptions emulatorOptions(const QStringList& args);
-// Loads the module as the terminal does, prints its information record, runs the start-up
-// messages and prints the exchange. False (with the reason on stderr) when it cannot load.
-bool startModule(Emulator& emulator);
+// Loads the module as the terminal does and runs the start-up messages; with `verbose`,
+// prints its information record and the exchange. False (with the reason on stderr) when
+// it cannot load.
+bool startModule(Emulator& emulator, bool verbose = true);
 }  // namespace cli
 }  // namespace host

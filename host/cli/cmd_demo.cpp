@@ -8,8 +8,8 @@
 
 namespace {
 
-// The three chart types of the USD/CHF example data, drawn by the module's renderers into
-// `folder` as usdchf-pf.png, usdchf-renko.png and usdchf-kagi.png.
+// The three chart types of the USD/CHF example data, each in a chart window of the module,
+// grabbed into `folder` as usdchf-pf.png, usdchf-renko.png and usdchf-kagi.png.
 int drawCharts(host::Emulator& emulator, const QString& folder) {
     if (!QDir().mkpath(folder)) {
         std::fprintf(stderr, "pfhost: cannot create %s\n", qPrintable(folder));
@@ -24,7 +24,7 @@ int drawCharts(host::Emulator& emulator, const QString& folder) {
     std::printf("\ncharts:\n");
     for (const auto& c : charts) {
         host::cli::ChartPicture picture;
-        picture.instrument = "USDCHF";
+        picture.instruments = {"USDCHF"};
         picture.type = c.type;
         std::string error;
         const QString path = QDir(folder).filePath(QLatin1String(c.file));

@@ -27,10 +27,26 @@ QString option(const QStringList& args, const QString& name, const QString& fall
     return (i >= 0 && i + 1 < args.size()) ? args.at(i + 1) : fallback;
 }
 
+QStringList options(const QStringList& args, const QString& name) {
+    QStringList values;
+    for (int i = 0; i + 1 < args.size(); ++i)
+        if (args.at(i) == name) values << args.at(++i);
+    return values;
+}
+
 bool hasFlag(const QStringList& args, const QString& name) { return args.contains(name); }
 
 }  // namespace cli
 }  // namespace host
+
+// The offscreen platform says so whenever a window asks for something it does without
+// (masks, raising, size hints); the emulator's windows never need those.
+static QtMessageHandler g_standardHandler = nullptr;
+
+static void quietPlatformNotes(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    if (type == QtWarningMsg && text.startsWith(QLatin1String("This plugin does not support"))) return;
+    if (g_standardHandler) g_standardHandler(type, context, text);
+}
 
 static int usage() {
     std::fprintf(stderr, "usage: pfhost COMMAND [options]\n\ncommands:\n");
@@ -49,6 +65,7 @@ int main(int argc, char** argv) {
         QFile::setPermissions(QString::fromLocal8Bit(dir), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         qputenv("XDG_RUNTIME_DIR", dir);
     }
+    g_standardHandler = qInstallMessageHandler(quietPlatformNotes);
     QApplication app(argc, argv);
     const QStringList args = app.arguments().mid(1);
     if (args.isEmpty()) return usage();
@@ -69,7 +86,7 @@ host::EmulatorOptions host::cli::emulatorOptions(const QStringList& args) {
     return o;
 }
 
-bool host::cli::startModule(Emulator& emulator) {
+bool host::cli::startModule(Emulator& emulator, bool verbose) {
     std::string error;
     if (!emulator.loadModule(&error)) {
         std::fprintf(stderr, "pfhost: %s\n", error.c_str());
@@ -80,9 +97,10 @@ bool host::cli::startModule(Emulator& emulator) {
     void* dealing = emulator.dealing().addDealing("Demo dealing");
     emulator.dealing().addAccount(dealing, 1001, QStringLiteral("Demo account"));
     emulator.dealing().setDayOff(dealing, 1001, "USDCHF", false);
-    std::printf("The emulated terminal loaded %s\n\n%s", emulator.options().modulePath.c_str(),
-                describeModuleInfo(emulator.moduleInfo()).c_str());
+    if (verbose)
+        std::printf("The emulated terminal loaded %s\n\n%s", emulator.options().modulePath.c_str(),
+                    describeModuleInfo(emulator.moduleInfo()).c_str());
     emulator.startUp();
-    std::printf("\nstart-up exchange:\n%s", emulator.host().journal().dump().c_str());
+    if (verbose) std::printf("\nstart-up exchange:\n%s", emulator.host().journal().dump().c_str());
     return true;
 }

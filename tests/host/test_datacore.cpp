@@ -164,6 +164,28 @@ TEST_F(DataCoreMessages, HeadNodesNameTheProviderAndBaseSeriesCarryTheQuotes) {
     EXPECT_EQ(std::vector<float>(ohlcv, ohlcv + 5), (std::vector<float>{3.18f, 3.18f, 3.08f, 3.08f, 1870906.0f}));
 }
 
+TEST_F(DataCoreMessages, ArraysAnswerTheirIndexAndNewChartsTakeTheirTypesSettings) {
+    void* chart = Create(ChartType::PointAndFigure);
+    EXPECT_EQ(Send(MSG_LINE_INDEX, P(core.arrays(chart)[0])), 0);
+    EXPECT_EQ(Send(MSG_LINE_INDEX, P(core.arrays(core.baseHandle("USDCHF"))[0])), 0);
+    fxDataPointArray stray{};
+    EXPECT_EQ(Send(MSG_LINE_INDEX, P(&stray)), 1);
+    EXPECT_EQ(Send(MSG_LINE_INDEX, 0), 1);
+    fxDataPointArray* released = core.arrays(chart)[0];
+    ASSERT_TRUE(core.release(chart));
+    EXPECT_EQ(Send(MSG_LINE_INDEX, P(released)), 1);
+
+    // Settings per chart type, for the objects 3008 makes from then on.
+    const double defaultBox = core.chart(Create(ChartType::Renko))->settings().box;
+    core.setChartSettings(ChartType::Renko, {0.0050, 0, 0});
+    EXPECT_DOUBLE_EQ(core.chart(Create(ChartType::Renko))->settings().box, 0.005);
+    EXPECT_DOUBLE_EQ(core.chart(Create(ChartType::Kagi))->settings().box, defaultBox);
+    core.setChartSettings(ChartType::Renko, {-1, 0, 0});  // fits no instrument
+    coreCreateDpaData r = CreateRecord(core.providerInterface(ChartType::Renko), "USDCHF", 'I', 30);
+    EXPECT_EQ(Send(MSG_CREATE_DPA, P(&r)), 1);
+    EXPECT_EQ(static_cast<void*>(r.handle), nullptr);
+}
+
 // ---- replay and notices ----
 
 namespace {
@@ -348,4 +370,10 @@ TEST(DataCoreInstruments, BuiltInsLoadOnFirstUseAndNamesAreUnique) {
     EXPECT_EQ(static_cast<void*>(core.arrays(chart)[0]->points), nullptr);
     EXPECT_EQ(core.replay("HELD", 10000), 5550u);
     EXPECT_GT(+core.arrays(chart)[0]->pointCount, 0);
+
+    // The last quotes held back instead of the first ones kept.
+    host::data::Instrument* tail = core.loadInstrument(host::DataCore::builtInPath("TTRC"), {"TAIL", -1, 500});
+    ASSERT_NE(tail, nullptr);
+    EXPECT_EQ(std::make_pair(tail->quotes().size(), tail->pendingCount()), std::make_pair(std::size_t(5050), std::size_t(500)));
+    EXPECT_EQ(+core.arrays(core.baseHandle("TAIL"))[0]->pointCount, 5050);
 }

@@ -3,6 +3,7 @@
 // the main window interface as the module finds it.
 #include <gtest/gtest.h>
 
+#include <QMainWindow>
 #include <QWidget>
 #include <cstring>
 #include <dlfcn.h>

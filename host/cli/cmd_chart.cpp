@@ -1,0 +1,19 @@
+// `pfhost chart`: a chart window of the module, with one area per price source, grabbed
+// into a PNG.
+#include "host/cli/ChartPicture.h"
+#include "host/cli/Commands.h"
+
+namespace {
+
+const char kUsage[] =
+    "--data FILE.csv|NAME [--data ...] --type pf|renko|kagi [--box SIZE] [--reversal N] [--size WxH] "
+    "[--replay N] --out FILE.png";
+
+int runChart(const QStringList& args) { return host::cli::RunChartCommand(args, "chart", kUsage, true); }
+
+}  // namespace
+
+PF_HOST_COMMAND("chart", kUsage,
+                "open a chart window of the module, drop each price source on it (one area each), replay the "
+                "last N quotes and grab the window into a PNG",
+                runChart);

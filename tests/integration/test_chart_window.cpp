@@ -1,0 +1,195 @@
+// The real libPFChartModule.so.1 as the terminal uses a chart window: created inside a
+// host window (5003), filled by drops of instruments (5007), kept current by data notices
+// (3009) and destroyed (5004, announced with 3150). Everything goes through the emulator's
+// chart windows; the module is reached only through its entry points.
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QLabel>
+#include <QMdiSubWindow>
+#include <QPointer>
+#include <QSet>
+#include <QWidget>
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+#include "host/ChartWindows.h"
+#include "host/CoreServices.h"
+#include "host/DataCore.h"
+#include "host/Emulator.h"
+#include "host/MainWindowService.h"
+#include "host/data/ChartObject.h"
+
+using host::data::ChartType;
+
+namespace {
+
+std::intptr_t P(const void* p) { return reinterpret_cast<std::intptr_t>(p); }
+
+class ChartWindow : public ::testing::Test {
+protected:
+    void SetUp() override {
+        host::EmulatorOptions options;
+        options.modulePath = PF_MODULE_PATH;
+        emulator.reset(new host::Emulator(options));
+        std::string error;
+        ASSERT_TRUE(emulator->loadModule(&error)) << error;
+    }
+    void Start() { emulator->startUp(); }
+    host::Host& H() { return emulator->host(); }
+    host::ChartWindows& Charts() { return emulator->charts(); }
+    host::DataCore& Data() { return emulator->data(); }
+    void* Interface(const char* name) { return emulator->core().componentObject(name); }
+
+    // The one widget the module put into the window's container.
+    QWidget* ChartOf(void* widget) {
+        QWidget* container = Charts().container(widget);
+        if (!container) return nullptr;
+        const auto children = container->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+        return children.size() == 1 ? children[0] : nullptr;
+    }
+    // Journal entries the module sent while the host's message at `index` ran.
+    std::vector<host::Journal::Entry> SentDuring(std::size_t index) {
+        std::vector<host::Journal::Entry> out;
+        const auto& all = H().journal().entries();
+        for (std::size_t i = index + 1; i < all.size() && all[i].direction == host::Journal::ToHost; ++i)
+            out.push_back(all[i]);
+        return out;
+    }
+    std::size_t LastIndexOf(unsigned int message) {
+        const auto& all = H().journal().entries();
+        for (std::size_t i = all.size(); i-- > 0;)
+            if (all[i].direction == host::Journal::ToModule && all[i].message == message) return i;
+        return all.size();
+    }
+    static int Colours(const QImage& image) {
+        QSet<QRgb> seen;
+        for (int y = 0; y < image.height(); y += 3)
+            for (int x = 0; x < image.width(); x += 3) seen.insert(image.pixel(x, y));
+        return seen.size();
+    }
+
+    std::unique_ptr<host::Emulator> emulator;
+};
+
+}  // namespace
+
+TEST_F(ChartWindow, StartUpRegistersTheStatusPanesWithTheMainWindowsLabels) {
+    Start();
+    ASSERT_EQ(emulator->mainWindow().statusPanes().size(), 1u);
+    const coreStatusBarPanes* panes = emulator->mainWindow().statusPanes()[0];
+    EXPECT_EQ(QWidget::find(WId(panes->windowId[CORE_STATUS_PANE_TIME])), emulator->mainWindow().timeLabel());
+    EXPECT_EQ(QWidget::find(WId(panes->windowId[CORE_STATUS_PANE_PRICE])), emulator->mainWindow().priceLabel());
+}
+
+TEST_F(ChartWindow, EachInterfaceMakesItsWidgetInsideTheWindowItIsGiven) {
+    Start();
+    for (ChartType type : {ChartType::PointAndFigure, ChartType::Renko, ChartType::Kagi}) {
+        SCOPED_TRACE(host::data::chartTypeName(type));
+        EXPECT_EQ(Charts().query(type), 1);  // 5020
+        void* widget = Charts().create(type);
+        ASSERT_NE(widget, nullptr);
+        const host::Journal::Entry create = H().journal().entries()[LastIndexOf(MSG_WC_CREATE)];
+        EXPECT_EQ(create.result, 0);
+        QWidget* chart = ChartOf(widget);
+        ASSERT_NE(chart, nullptr);
+        EXPECT_TRUE(chart->isVisible());
+        EXPECT_EQ(chart->size(), Charts().container(widget)->size());  // filled by 5005
+        EXPECT_EQ(Charts().show(widget), 0);
+        // An empty chart window still paints something: its name and the hint to add data.
+        EXPECT_GT(Colours(Charts().grab(widget, QSize(400, 300))), 1);
+    }
+}
+
+TEST_F(ChartWindow, DestroyIsAnnouncedAndOnlyTheOwningInterfaceDeletes) {
+    Start();
+    void* pf = Charts().create(ChartType::PointAndFigure);
+    void* renko = Charts().create(ChartType::Renko);
+    ASSERT_TRUE(pf && renko);
+    QPointer<QWidget> pfChart = ChartOf(pf);
+    ASSERT_FALSE(pfChart.isNull());
+
+    // Another interface's widget: nothing is deleted.
+    H().send(Interface("Renko"), MSG_WC_DESTROY, P(pf));
+    EXPECT_FALSE(pfChart.isNull());
+
+    ASSERT_TRUE(Charts().destroy(pf));
+    ASSERT_FALSE(Charts().destroyedRecords().empty());
+    const fxwcWindowDestroyed gone = Charts().destroyedRecords().back();
+    EXPECT_EQ(gone.widget, pf);
+    EXPECT_EQ(gone.hostHandle, emulator->core().components()[0].handle);
+    EXPECT_TRUE(pfChart.isNull());
+    EXPECT_EQ(Charts().widgets(), std::vector<void*>{renko});
+}
+
+TEST_F(ChartWindow, DroppedInstrumentBecomesASubscribedChartOfTheWindowsType) {
+    Start();
+    void* pf = Charts().create(ChartType::PointAndFigure);
+    ASSERT_NE(pf, nullptr);
+    const int before = Colours(Charts().grab(pf, QSize(800, 600)));
+    ASSERT_EQ(Charts().drop(pf, {"USDCHF"}), 0);
+
+    std::vector<unsigned int> asked;
+    void* object = nullptr;
+    for (const auto& e : SentDuring(LastIndexOf(MSG_WC_DROP_INSTRUMENTS))) {
+        asked.push_back(e.message);
+        if (e.message == MSG_HEAD_NODE_INFO) {
+            EXPECT_EQ(reinterpret_cast<void*>(e.param1), Data().baseHandle("USDCHF"));
+        }
+        if (e.message == MSG_DPA_SUBSCRIBE) object = reinterpret_cast<void*>(e.param1);
+    }
+    for (unsigned int m : {MSG_HEAD_NODE_INFO, MSG_CREATE_DPA, MSG_DPA_SUBSCRIBE, MSG_DPA_LIST})
+        EXPECT_NE(std::find(asked.begin(), asked.end(), m), asked.end()) << m;
+    const host::data::ChartObject* chart = Data().chart(object);
+    ASSERT_NE(chart, nullptr);
+    EXPECT_EQ(chart->type(), ChartType::PointAndFigure);
+    EXPECT_EQ(chart->instrument().name(), "USDCHF");
+    EXPECT_EQ(Data().subscriptionCount(object), 1u);
+
+    EXPECT_FALSE(Charts().title(pf).isEmpty());
+    EXPECT_EQ(Charts().subWindow(pf)->windowTitle(), Charts().title(pf));
+    EXPECT_GT(Colours(Charts().grab(pf, QSize(800, 600))), before);  // the figures are drawn
+}
+
+TEST_F(ChartWindow, ReplayedQuotesReachTheWindowAndChangeItsPicture) {
+    host::InstrumentOptions held;
+    held.name = "USDCHF";
+    held.holdBack = 500;
+    ASSERT_NE(Data().loadInstrument(host::DataCore::builtInPath("USDCHF"), held), nullptr);
+    Start();
+    void* renko = Charts().create(ChartType::Renko);
+    ASSERT_NE(renko, nullptr);
+    ASSERT_EQ(Charts().drop(renko, {"USDCHF"}), 0);
+    const QImage before = Charts().grab(renko, QSize(800, 600));
+
+    Data().clearNotices();
+    ASSERT_EQ(Data().replay("USDCHF", 500), 500u);
+    ASSERT_FALSE(Data().notices().empty());
+    for (const auto& n : Data().notices()) {
+        EXPECT_EQ(n.target, Interface("Renko"));
+        EXPECT_EQ(n.subscriber, renko);
+        EXPECT_EQ(n.result, 0);
+    }
+    EXPECT_NE(Charts().grab(renko, QSize(800, 600)), before);
+}
+
+TEST_F(ChartWindow, DataNoticesForWidgetsTheInterfaceDoesNotListChangeNothing) {
+    Start();
+    void* kagi = Charts().create(ChartType::Kagi);
+    ASSERT_NE(kagi, nullptr);
+    ASSERT_EQ(Charts().drop(kagi, {"USDCHF"}), 0);
+    const QImage before = Charts().grab(kagi, QSize(600, 400));
+
+    void* object = Data().createChart("USDCHF", ChartType::Kagi, {0.0010, 0, 0});
+    coreCoreUpdateDpaData update;
+    std::memset(&update, 0, sizeof update);
+    update.provider = Data().providerInterface(ChartType::Kagi);
+    update.handle = object;
+    update.subscriber = reinterpret_cast<void*>(std::intptr_t(0x4200));
+    EXPECT_EQ(H().send(Interface("Kagi"), MSG_DATA_UPDATED, P(&update)), 0);
+    // The widget of another interface is not touched either.
+    update.subscriber = kagi;
+    EXPECT_EQ(H().send(Interface("Renko"), MSG_DATA_UPDATED, P(&update)), 0);
+    EXPECT_EQ(Charts().grab(kagi, QSize(600, 400)), before);
+}

@@ -209,7 +209,8 @@ boost::shared_ptr<pf::DataSource> PFChartWidget::CreateDataSource(void* baseHand
     const QByteArray local = symbol.toLocal8Bit().left(254);
     std::memcpy(name.secondName, local.constData(), static_cast<std::size_t>(local.size()));
     name.period = period;
-    void* handle = pf::DataSource::Create(module_, provider, name.name, "", period, 1, nullptr);
+    const QByteArray type = priceType_.toLatin1();
+    void* handle = pf::DataSource::Create(module_, provider, name.name, type.constData(), period, 1, nullptr);
     if (!handle) return boost::shared_ptr<pf::DataSource>();
     boost::shared_ptr<pf::DataSource> source(new pf::DataSource(module_, this, handle, name, baseHandle));
     pf::DataSource::Subscribe(module_, GetCurrentInterface(), this, handle);
@@ -388,30 +389,29 @@ bool PFChartWidget::IsReplaceInstrument() {
 }
 
 int PFChartWidget::CountDpaByType(const QString& typeName) const {
+    if (priceType_.compare(typeName, Qt::CaseInsensitive) != 0) return 0;
     int count = 0;
     gx::FindAllIndicators all = gx::WidgetWalker<gx::FindAllIndicators>(chart_.get(), gx::FindAllIndicators()).Walk();
-    for (const boost::shared_ptr<gx::Indicator>& indicator : all.indicators)
-        for (const boost::shared_ptr<gx::Line>& line : indicator->GetLines()) {
-            const fxDataPointArray* array = line->GetArray();
-            if (!array) continue;
-            const QString type = QString::fromLatin1(array->name.secondName,
-                                                     int(strnlen(array->name.secondName, sizeof array->name.secondName)));
-            if (type.compare(typeName, Qt::CaseInsensitive) == 0) ++count;
-        }
+    for (const boost::shared_ptr<gx::Indicator>& indicator : all.indicators) count += indicator->GetLineCount();
     return count;
 }
 
 void PFChartWidget::ResetType(const QString& typeName) {
-    // The price type of a line travels in its data object's name: each source is asked again
-    // for the same instrument under the new type, and its lines take the new arrays.
-    if (typeName.isEmpty()) return;
-    RequestAgain();
-}
-
-void PFChartWidget::RequestAgain() {
-    if (chart_) chart_->RequestLastData();
-    ExpandTimeScale();
-    update();
+    if (typeName.isEmpty() || typeName == priceType_) return;
+    priceType_ = typeName;
+    gx::FindAllIndicators all = gx::WidgetWalker<gx::FindAllIndicators>(chart_.get(), gx::FindAllIndicators()).Walk();
+    for (const boost::shared_ptr<gx::Indicator>& indicator : all.indicators) {
+        const boost::shared_ptr<pf::DataSource> old = indicator->GetDataSource();
+        if (!old) continue;
+        const coreNameInstrument& name = old->GetInstrument();
+        const QString symbol = QString::fromUtf16(reinterpret_cast<const char16_t*>(name.name),
+                                                  int(std::find(name.name, name.name + 254, coreWChar(0)) - name.name));
+        const boost::shared_ptr<pf::DataSource> fresh = CreateDataSource(old->GetBaseHandle(), symbol, name.period);
+        if (!fresh) continue;
+        indicator->SetDataSource(fresh);
+        indicator->UpdateLines();
+    }
+    AfterDelete();  // releases the sources no indicator uses any more
 }
 
 QString PFChartWidget::UpdateTitle() {

@@ -51,9 +51,9 @@ public:
     // Chart types (DataTypeShow).
     enum DataTypeShow { PointFigure = 0, Renko = 1, Kagi = 2 };
 
-    static const int kMaxFirstPositions = 300;  // positions shown on a first display
-    static const int kToolBarHeight = 24;
-    static const int kScrollBarHeight = 16;
+    static constexpr int kMaxFirstPositions = 300;  // positions shown on a first display
+    static constexpr int kToolBarHeight = 24;
+    static constexpr int kScrollBarHeight = 16;
 
     PFChartWidget(PFChartModule* module, int chartType, void* hostHandle, QWidget* parent = nullptr,
                   QWidget* second = nullptr, const char* name = nullptr,
@@ -80,8 +80,12 @@ public:
     bool IsReplaceInstrument();
     void SetReplacePending(bool pending) { replacePending_ = pending; }
     bool IsReplacePending() const { return replacePending_; }
+    // Asks the host again for every line's data in the price type `typeName` ("Middle",
+    // "Bid", "Ask"): each data source is replaced by one created with that type.
     void ResetType(const QString& typeName);
+    // The number of data lines shown in the price type `typeName`.
     int CountDpaByType(const QString& typeName) const;
+    const QString& GetPriceType() const { return priceType_; }
     // Rebuilds the title (module name and the indicators' captions), shows it and tells the
     // host when it changed (3125); returns it.
     QString UpdateTitle();
@@ -95,6 +99,8 @@ public:
     void SetCursor();
     void ResetCursor();
     // 3001 for the chart type's provider, 3008, then 3013 with this widget as subscriber.
+    // The create record's 8-bit text is the widget's price type ("Middle", "Bid", "Ask"; empty
+    // until the host switches the type).
     boost::shared_ptr<pf::DataSource> CreateDataSource(void* baseHandle, const QString& symbol,
                                                        namePeriod period);
     // Unsubscribes (3014) and forgets a data source.
@@ -193,8 +199,6 @@ private:
     // The line under `point` whose renderer reports a figure there; empty when none.
     boost::shared_ptr<gx::Line> LineUnderMouse(const QPoint& point) const;
     boost::shared_ptr<gx::Area> AreaAt(const QPoint& point) const;
-    // Every indicator refreshed from its source's current arrays.
-    void RequestAgain();
     // Sets the visible count of a freshly added area and the sliders.
     void SetFirstDisplay(const boost::shared_ptr<gx::Area>& area, const fxDataPointArray* first, bool resetZoom);
 
@@ -232,4 +236,5 @@ private:
     QPoint mousePos_;
     QString title_;
     QString titleSent_;
+    QString priceType_;
 };

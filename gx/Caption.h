@@ -18,8 +18,8 @@ class Button;
 
 class Caption : public Object {
 public:
-    static const int defaultHeight = 16;
-    static const int buttonCloseSize = 10;
+    static constexpr int defaultHeight = 16;
+    static constexpr int buttonCloseSize = 10;
 
     Caption(const QRect& rect, PFChartWidget* widget);
     ~Caption() override;

@@ -52,6 +52,9 @@ public:
     const std::vector<boost::shared_ptr<Line> >& GetLines() const { return lines_; }
     std::vector<boost::shared_ptr<Line> >& GetLines() { return lines_; }
     const boost::shared_ptr<pf::DataSource>& GetDataSource() const { return source_; }
+    // Another data object for the same instrument (another price type); UpdateLines then
+    // gives the lines its arrays.
+    void SetDataSource(const boost::shared_ptr<pf::DataSource>& source) { source_ = source; }
     const boost::shared_ptr<pf::ScaleEngine>& GetEngine() const { return engine_; }
     // The data object's handle in the host; null without a source.
     void* GetHandle() const;

@@ -24,7 +24,7 @@ struct FindMinMax;
 
 class LRScale {
 public:
-    static const int nWidth = 50;
+    static constexpr int nWidth = 50;
 
     // Font and background come from the widget when one is given.
     explicit LRScale(PFChartWidget* widget);

@@ -16,7 +16,7 @@ namespace gx {
 
 class TextCache {
 public:
-    static const int kMaxEntries = 1024;
+    static constexpr int kMaxEntries = 1024;
 
     // The layout of `text` in `font`.
     const QStaticText& Get(const QString& text, const QFont& font);

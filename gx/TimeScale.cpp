@@ -1,5 +1,7 @@
 #include "gx/TimeScale.h"
 
+#include <QtMath>
+
 #include <QDate>
 #include <QDateTime>
 #include <QFontMetrics>
@@ -115,8 +117,9 @@ struct Row {
 class LabelWriter {
 public:
     LabelWriter(QPainter& painter, const std::vector<std::int32_t>& times, const pf::ScaleEngine& engine,
-                int first, int last, const QRect& strip)
-        : painter_(painter), times_(times), engine_(engine), first_(first), last_(last), strip_(strip) {
+                int first, int last, const QRect& strip, TextCache& cache)
+        : painter_(painter), cache_(cache), times_(times), engine_(engine), first_(first), last_(last),
+          strip_(strip) {
         const int columns = engine.GetColumnCount();
         half_ = static_cast<int>(engine.GetXStep(static_cast<float>(columns)) / 2);
         textHeight_ = Measure(QStringLiteral("0")).height();
@@ -199,15 +202,17 @@ public:
                 const int right = ClampToInt(std::int64_t(limit) - offset_ + 2);
                 if (!ts::Date::Draw2(painter_, date, from_, to_, tick, row.textTop - 3, right, row.threshold)) continue;
             } else {
-                painter_.drawText(box, Qt::AlignLeft | Qt::AlignTop, text);
+                painter_.drawStaticText(box.topLeft(), cache_.Get(text, painter_.font()));
             }
             previousRight = box.right();
         }
     }
 
 private:
+    // The text's size as laid out once for the painter's font.
     QSize Measure(const QString& text) const {
-        return painter_.boundingRect(QRect(0, 0, 0, 0), Qt::AlignLeft | Qt::AlignTop, text).size();
+        const QSizeF size = cache_.Get(text, painter_.font()).size();
+        return QSize(qCeil(size.width()), qCeil(size.height()));
     }
 
     // The smallest ladder step from `base` on whose mean pixel spacing over the visible span
@@ -227,6 +232,7 @@ private:
     }
 
     QPainter& painter_;
+    TextCache& cache_;
     const std::vector<std::int32_t>& times_;
     const pf::ScaleEngine& engine_;
     int first_;
@@ -384,7 +390,7 @@ void TimeScale::Draw(QPainter& painter) const {
 
     painter.setFont(font_);
     painter.setPen(text_);
-    LabelWriter writer(painter, times_, *engine_, first, last, rect_);
+    LabelWriter writer(painter, times_, *engine_, first, last, rect_, labels_);
     const qint64 days = writer.From().daysTo(writer.To());
     const qint64 seconds = writer.From().secsTo(writer.To());
 

@@ -13,6 +13,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "gx/TextCache.h"
+
 class QPainter;
 class PFChartWidget;
 
@@ -82,6 +84,8 @@ private:
     int flag_ = 1;
     boost::shared_ptr<pf::ScaleEngine> engine_;
     std::vector<std::int32_t> times_;
+    // Label texts laid out once for the scale's font.
+    mutable TextCache labels_;
 };
 
 }  // namespace gx

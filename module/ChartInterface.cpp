@@ -139,6 +139,12 @@ int ChartInterface::GetWidgetIndex(const PFChartWidget* widget) const {
     return it == widgets_.end() ? -1 : int(it - widgets_.begin());
 }
 
+PFChartWidget* ChartInterface::GetActiveWidget() const {
+    for (PFChartWidget* widget : widgets_)
+        if (widget->IsActive()) return widget;
+    return nullptr;
+}
+
 bool ChartInterface::IsListed(const void* widget) const {
     return widget && std::find(widgets_.begin(), widgets_.end(), widget) != widgets_.end();
 }

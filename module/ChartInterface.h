@@ -34,7 +34,7 @@ public:
     // the record as its own host handle.
     virtual int AddInterface();
     // The most instruments one drop (5007) may carry; a larger count is refused whole.
-    static const std::int32_t kMaxDroppedInstruments = 64;
+    static constexpr std::int32_t kMaxDroppedInstruments = 64;
 
     // Creates a chart window (5003) inside the widget whose window id the record names and
     // writes its address into the record; null for a null record.
@@ -50,6 +50,8 @@ public:
     void AddWidget(PFChartWidget* widget);
     void DelWidget(PFChartWidget* widget);
     int GetWidgetIndex(const PFChartWidget* widget) const;
+    // The first listed widget that has the keyboard focus; null when none has.
+    PFChartWidget* GetActiveWidget() const;
     bool IsListed(const void* widget) const;
     const std::vector<PFChartWidget*>& GetWidgets() const { return widgets_; }
 

@@ -1,0 +1,145 @@
+// A chart window through the real entry points against what a careless or hostile host may
+// send: null records, impossible counts, unterminated texts, unknown instruments and
+// messages about windows that are gone. Nothing may crash, read past a record or change
+// the window. Also the window's title and the switch of its price type.
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "host/ChartWindows.h"
+#include "host/CoreServices.h"
+#include "host/DataCore.h"
+#include "host/Emulator.h"
+
+using host::data::ChartType;
+
+namespace {
+
+std::intptr_t P(const void* p) { return reinterpret_cast<std::intptr_t>(p); }
+
+class HostileWindow : public ::testing::Test {
+protected:
+    void SetUp() override {
+        host::EmulatorOptions options;
+        options.modulePath = PF_MODULE_PATH;
+        emulator.reset(new host::Emulator(options));
+        std::string error;
+        ASSERT_TRUE(emulator->loadModule(&error)) << error;
+        emulator->startUp();
+        widget = emulator->charts().create(ChartType::PointAndFigure);
+        ASSERT_NE(widget, nullptr);
+        pf = emulator->core().componentObject("Points and Figures");
+    }
+    host::Host& H() { return emulator->host(); }
+    host::ChartWindows& Charts() { return emulator->charts(); }
+    QImage Picture() { return Charts().grab(widget, QSize(640, 480)); }
+    std::size_t Count(unsigned int message) { return H().journal().find(message).size(); }
+    // 5007 with `count` claimed for the records given.
+    int Drop(std::int32_t count, fxwcDropInstrument* records) {
+        fxwcDropList list;
+        list.count = count;
+        list.records = records;
+        return H().send(pf, MSG_WC_DROP_INSTRUMENTS, P(widget), P(&list));
+    }
+
+    std::unique_ptr<host::Emulator> emulator;
+    void* widget = nullptr;
+    void* pf = nullptr;
+};
+
+TEST_F(HostileWindow, BadDropsAndCreatesChangeNothing) {
+    const QImage empty = Picture();
+    const std::size_t widgets = Charts().widgets().size();
+    EXPECT_EQ(H().send(pf, MSG_WC_CREATE, 0), 0);  // the module switch's answer reaches the host
+    EXPECT_EQ(Charts().widgets().size(), widgets);
+
+    // Null list, null records, negative and absurd counts: the records are never read.
+    fxwcDropInstrument one;
+    ASSERT_TRUE(Charts().dropRecord("USDCHF", std::nullopt, &one));
+    EXPECT_EQ(H().send(pf, MSG_WC_DROP_INSTRUMENTS, P(widget), 0), 0);
+    EXPECT_EQ(Drop(1, nullptr), 0);
+    EXPECT_EQ(Drop(-1, &one), 0);
+    EXPECT_EQ(Drop(0x7fffffff, &one), 0);
+    EXPECT_EQ(Drop(1 << 20, &one), 0);
+    EXPECT_EQ(Count(MSG_HEAD_NODE_INFO), 0u);
+    EXPECT_EQ(Count(MSG_CREATE_DPA), 0u);
+
+    // An instrument the host does not know: asked about, no data object, no area.
+    fxwcDropInstrument unknown = one;
+    unknown.baseHandle = reinterpret_cast<void*>(std::intptr_t(0x7777));
+    std::memset(unknown.name, 0, sizeof unknown.name);
+    std::memset(unknown.symbol, 'Z', sizeof unknown.symbol);  // not terminated
+    std::memset(unknown.providerName, 'Q', sizeof unknown.providerName);
+    EXPECT_EQ(Drop(1, &unknown), 0);
+    EXPECT_EQ(Count(MSG_HEAD_NODE_INFO), 1u);
+    EXPECT_EQ(Count(MSG_DPA_SUBSCRIBE), 0u);
+    EXPECT_EQ(Picture(), empty);
+
+    // A drop for a widget the interface never made is not read at all.
+    EXPECT_EQ(H().send(pf, MSG_WC_DROP_INSTRUMENTS, 0x5150, P(&one)), 0);
+    EXPECT_EQ(Count(MSG_HEAD_NODE_INFO), 1u);
+}
+
+TEST_F(HostileWindow, MessagesForAWindowThatIsGoneTouchNothing) {
+    ASSERT_EQ(Charts().drop(widget, {"USDCHF"}), 0);
+    void* gone = widget;
+    void* other = Charts().create(ChartType::PointAndFigure);
+    ASSERT_TRUE(Charts().destroy(gone));
+    const std::size_t announced = Charts().destroyedRecords().size();
+    for (unsigned int m : {MSG_WC_DESTROY, MSG_WC_RESIZE, MSG_WC_SHOW, MSG_WC_PRINT})
+        EXPECT_EQ(H().send(pf, m, P(gone)), 0) << m;
+    fxwcDropInstrument one;
+    ASSERT_TRUE(Charts().dropRecord("USDCHF", std::nullopt, &one));
+    fxwcDropList list{1, &one};
+    EXPECT_EQ(H().send(pf, MSG_WC_DROP_INSTRUMENTS, P(gone), P(&list)), 0);
+    coreCoreUpdateDpaData update;
+    std::memset(&update, 0, sizeof update);
+    update.subscriber = gone;
+    EXPECT_EQ(H().send(pf, MSG_DATA_UPDATED, P(&update)), 0);
+    EXPECT_EQ(H().send(pf, MSG_DATA_UPDATED, 0), 0);
+    EXPECT_EQ(Charts().destroyedRecords().size(), announced);  // no second 3150
+    // The window that is left still works.
+    EXPECT_EQ(Charts().drop(other, {"TTRC"}), 0);
+    EXPECT_EQ(Charts().title(other), QStringLiteral("PFChartModule, TTRC/Day"));
+}
+
+TEST_F(HostileWindow, TitleNamesTheInstrumentsAndTheHostHearsEachChange) {
+    const std::size_t before = Count(MSG_TITLE_CHANGED);
+    ASSERT_EQ(Charts().drop(widget, {"USDCHF"}), 0);
+    EXPECT_EQ(Charts().title(widget), QStringLiteral("PFChartModule, USDCHF/30 Min"));
+    ASSERT_EQ(Charts().drop(widget, {"TTRC"}), 0);
+    EXPECT_EQ(Charts().title(widget), QStringLiteral("PFChartModule, USDCHF/30 Min, TTRC/Day"));
+    // Only changes are told: the repaint timer and later messages repeat nothing.
+    EXPECT_EQ(Count(MSG_TITLE_CHANGED), before + 2);
+    EXPECT_EQ(Charts().show(widget), 0);
+    EXPECT_EQ(Count(MSG_TITLE_CHANGED), before + 2);
+}
+
+TEST_F(HostileWindow, PriceTypeSwitchAsksForNewDataAndIsCounted) {
+    ASSERT_EQ(Charts().drop(widget, {"USDCHF"}), 0);
+    struct {
+        std::int32_t count = 0;
+        std::int32_t entries[4][2] = {};
+    } list;
+    // No line is shown as bid or ask yet: the module asks to switch to bid.
+    EXPECT_EQ(H().send(nullptr, MSG_NEED_TO_CONVERT, P(&list)), 0);
+    ASSERT_EQ(list.count, 1);
+    EXPECT_EQ(list.entries[0][0], 1);
+    EXPECT_EQ(list.entries[0][1], 1);
+    const std::size_t created = Count(MSG_CREATE_DPA);
+    const std::size_t released = Count(MSG_DPA_UNSUBSCRIBE);
+    EXPECT_EQ(H().send(nullptr, MSG_CONVERT_TO_TYPE, 1), 0);  // bid
+    EXPECT_EQ(Count(MSG_CREATE_DPA), created + 1);
+    EXPECT_EQ(Count(MSG_DPA_UNSUBSCRIBE), released + 1);
+    // Now a bid line is shown and none in the middle price: the answer is "switch to middle".
+    EXPECT_EQ(H().send(nullptr, MSG_NEED_TO_CONVERT, P(&list)), 0);
+    ASSERT_EQ(list.count, 2);
+    EXPECT_EQ(list.entries[1][0], 1);
+    EXPECT_EQ(list.entries[1][1], 0);
+    EXPECT_EQ(Charts().title(widget), QStringLiteral("PFChartModule, USDCHF/30 Min"));
+}
+
+}  // namespace

@@ -17,7 +17,7 @@ public:
                       QString& text) override;
 
     // The most boxes one Draw paints (see Draw).
-    static const long long kMaxBoxesPerDraw = 1000000;
+    static constexpr long long kMaxBoxesPerDraw = 1000000;
 };
 
 }  // namespace pf

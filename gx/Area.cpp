@@ -13,6 +13,7 @@
 #include "gx/Caption.h"
 #include "gx/Chart.h"
 #include "gx/LRScale.h"
+#include "gx/IndexRule.h"
 #include "gx/Layer.h"
 #include "gx/TextStatusBar.h"
 #include "gx/TimeScale.h"
@@ -37,13 +38,7 @@ boost::shared_ptr<Layer> Area::AddLayer() {
     return layer;
 }
 
-int Area::GetIndex() const {
-    if (!chart_) return -1;
-    const std::vector<boost::shared_ptr<Area> >& areas = chart_->GetAreas();
-    for (std::size_t i = 0; i < areas.size(); ++i)
-        if (areas[i].get() == this) return -static_cast<int>(i);
-    return -1;
-}
+int Area::GetIndex() const { return chart_ ? IndexOf(chart_->GetAreas(), this) : -1; }
 
 boost::shared_ptr<Layer> Area::GetSelLayer() const {
     for (const boost::shared_ptr<Layer>& layer : layers_)

@@ -7,6 +7,7 @@
 #include "gui/PFChartWidget.h"
 #include "gx/Area.h"
 #include "gx/Chart.h"
+#include "gx/IndexRule.h"
 #include "gx/Layer.h"
 #include "gx/Line.h"
 #include "gx/Visitors.h"
@@ -52,13 +53,7 @@ bool Indicator::UpdateLines() {
     return changed;
 }
 
-int Indicator::GetIndex() const {
-    if (!layer_) return -1;
-    const std::vector<boost::shared_ptr<Indicator> >& all = layer_->GetIndicators();
-    for (std::size_t i = 0; i < all.size(); ++i)
-        if (all[i].get() == this) return -static_cast<int>(i);
-    return -1;
-}
+int Indicator::GetIndex() const { return layer_ ? IndexOf(layer_->GetIndicators(), this) : -1; }
 
 Chart* Indicator::GetChart() const {
     Area* area = layer_ ? layer_->GetArea() : nullptr;

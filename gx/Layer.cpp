@@ -3,6 +3,7 @@
 #include <QPainter>
 
 #include "gx/Area.h"
+#include "gx/IndexRule.h"
 #include "gx/Indicator.h"
 
 namespace gx {
@@ -40,13 +41,7 @@ boost::shared_ptr<Indicator> Layer::AddIndicator(const boost::shared_ptr<pf::Dat
     return indicator;
 }
 
-int Layer::GetIndex() const {
-    if (!area_) return -1;
-    const std::vector<boost::shared_ptr<Layer> >& layers = area_->GetLayers();
-    for (std::size_t i = 0; i < layers.size(); ++i)
-        if (layers[i].get() == this) return -static_cast<int>(i);
-    return -1;
-}
+int Layer::GetIndex() const { return area_ ? IndexOf(area_->GetLayers(), this) : -1; }
 
 void Layer::FillContextMenu() {
     for (const boost::shared_ptr<Indicator>& indicator : Copy(indicators_)) indicator->FillContextMenu();

@@ -12,6 +12,7 @@
 #include "gx/Area.h"
 #include "gx/Caption.h"
 #include "gx/Chart.h"
+#include "gx/IndexRule.h"
 #include "gx/Indicator.h"
 #include "gx/Layer.h"
 #include "gx/ls/LineStudy.h"
@@ -55,13 +56,7 @@ int Line::GetPeriodLength() const {
 
 Chart* Line::GetChart() const { return indicator_ ? indicator_->GetChart() : nullptr; }
 
-int Line::GetIndex() const {
-    if (!indicator_) return -1;
-    const std::vector<boost::shared_ptr<Line> >& lines = indicator_->GetLines();
-    for (std::size_t i = 0; i < lines.size(); ++i)
-        if (lines[i].get() == this) return -static_cast<int>(i);
-    return -1;
-}
+int Line::GetIndex() const { return indicator_ ? IndexOf(indicator_->GetLines(), this) : -1; }
 
 void Line::Draw(QPainter& painter) const {
     if (Size() < 1 || !renderer_) return;

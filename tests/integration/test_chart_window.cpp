@@ -14,6 +14,7 @@
 #include <cstring>
 #include <memory>
 
+#include "ModuleHostTest.h"
 #include "host/ChartWindows.h"
 #include "host/CoreServices.h"
 #include "host/DataCore.h"
@@ -25,19 +26,9 @@ using host::data::ChartType;
 
 namespace {
 
-std::intptr_t P(const void* p) { return reinterpret_cast<std::intptr_t>(p); }
-
-class ChartWindow : public ::testing::Test {
+class ChartWindow : public ModuleHostTest {
 protected:
-    void SetUp() override {
-        host::EmulatorOptions options;
-        options.modulePath = PF_MODULE_PATH;
-        emulator.reset(new host::Emulator(options));
-        std::string error;
-        ASSERT_TRUE(emulator->loadModule(&error)) << error;
-    }
-    void Start() { emulator->startUp(); }
-    host::Host& H() { return emulator->host(); }
+    void SetUp() override { Load(); }
     host::ChartWindows& Charts() { return emulator->charts(); }
     host::DataCore& Data() { return emulator->data(); }
     void* Interface(const char* name) { return emulator->core().componentObject(name); }
@@ -49,34 +40,18 @@ protected:
         const auto children = container->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
         return children.size() == 1 ? children[0] : nullptr;
     }
-    // Journal entries the module sent while the host's message at `index` ran.
-    std::vector<host::Journal::Entry> SentDuring(std::size_t index) {
-        std::vector<host::Journal::Entry> out;
-        const auto& all = H().journal().entries();
-        for (std::size_t i = index + 1; i < all.size() && all[i].direction == host::Journal::ToHost; ++i)
-            out.push_back(all[i]);
-        return out;
-    }
-    std::size_t LastIndexOf(unsigned int message) {
-        const auto& all = H().journal().entries();
-        for (std::size_t i = all.size(); i-- > 0;)
-            if (all[i].direction == host::Journal::ToModule && all[i].message == message) return i;
-        return all.size();
-    }
     static int Colours(const QImage& image) {
         QSet<QRgb> seen;
         for (int y = 0; y < image.height(); y += 3)
             for (int x = 0; x < image.width(); x += 3) seen.insert(image.pixel(x, y));
         return seen.size();
     }
-
-    std::unique_ptr<host::Emulator> emulator;
 };
 
 }  // namespace
 
 TEST_F(ChartWindow, StartUpRegistersTheStatusPanesWithTheMainWindowsLabels) {
-    Start();
+    emulator->startUp();
     ASSERT_EQ(emulator->mainWindow().statusPanes().size(), 1u);
     const coreStatusBarPanes* panes = emulator->mainWindow().statusPanes()[0];
     EXPECT_EQ(QWidget::find(WId(panes->windowId[CORE_STATUS_PANE_TIME])), emulator->mainWindow().timeLabel());
@@ -84,7 +59,7 @@ TEST_F(ChartWindow, StartUpRegistersTheStatusPanesWithTheMainWindowsLabels) {
 }
 
 TEST_F(ChartWindow, EachInterfaceMakesItsWidgetInsideTheWindowItIsGiven) {
-    Start();
+    emulator->startUp();
     for (ChartType type : {ChartType::PointAndFigure, ChartType::Renko, ChartType::Kagi}) {
         SCOPED_TRACE(host::data::chartTypeName(type));
         EXPECT_EQ(Charts().query(type), 1);  // 5020
@@ -103,7 +78,7 @@ TEST_F(ChartWindow, EachInterfaceMakesItsWidgetInsideTheWindowItIsGiven) {
 }
 
 TEST_F(ChartWindow, DestroyIsAnnouncedAndOnlyTheOwningInterfaceDeletes) {
-    Start();
+    emulator->startUp();
     void* pf = Charts().create(ChartType::PointAndFigure);
     void* renko = Charts().create(ChartType::Renko);
     ASSERT_TRUE(pf && renko);
@@ -124,7 +99,7 @@ TEST_F(ChartWindow, DestroyIsAnnouncedAndOnlyTheOwningInterfaceDeletes) {
 }
 
 TEST_F(ChartWindow, DroppedInstrumentBecomesASubscribedChartOfTheWindowsType) {
-    Start();
+    emulator->startUp();
     void* pf = Charts().create(ChartType::PointAndFigure);
     ASSERT_NE(pf, nullptr);
     const int before = Colours(Charts().grab(pf, QSize(800, 600)));
@@ -157,7 +132,7 @@ TEST_F(ChartWindow, ReplayedQuotesReachTheWindowAndChangeItsPicture) {
     held.name = "USDCHF";
     held.holdBack = 500;
     ASSERT_NE(Data().loadInstrument(host::DataCore::builtInPath("USDCHF"), held), nullptr);
-    Start();
+    emulator->startUp();
     void* renko = Charts().create(ChartType::Renko);
     ASSERT_NE(renko, nullptr);
     ASSERT_EQ(Charts().drop(renko, {"USDCHF"}), 0);
@@ -175,7 +150,7 @@ TEST_F(ChartWindow, ReplayedQuotesReachTheWindowAndChangeItsPicture) {
 }
 
 TEST_F(ChartWindow, DataNoticesForWidgetsTheInterfaceDoesNotListChangeNothing) {
-    Start();
+    emulator->startUp();
     void* kagi = Charts().create(ChartType::Kagi);
     ASSERT_NE(kagi, nullptr);
     ASSERT_EQ(Charts().drop(kagi, {"USDCHF"}), 0);

@@ -9,6 +9,7 @@
 #include <memory>
 #include <vector>
 
+#include "ModuleHostTest.h"
 #include "host/ChartWindows.h"
 #include "host/CoreServices.h"
 #include "host/DataCore.h"
@@ -18,22 +19,14 @@ using host::data::ChartType;
 
 namespace {
 
-std::intptr_t P(const void* p) { return reinterpret_cast<std::intptr_t>(p); }
-
-class HostileWindow : public ::testing::Test {
+class HostileWindow : public ModuleHostTest {
 protected:
     void SetUp() override {
-        host::EmulatorOptions options;
-        options.modulePath = PF_MODULE_PATH;
-        emulator.reset(new host::Emulator(options));
-        std::string error;
-        ASSERT_TRUE(emulator->loadModule(&error)) << error;
-        emulator->startUp();
+        Start();
         widget = emulator->charts().create(ChartType::PointAndFigure);
         ASSERT_NE(widget, nullptr);
         pf = emulator->core().componentObject("Points and Figures");
     }
-    host::Host& H() { return emulator->host(); }
     host::ChartWindows& Charts() { return emulator->charts(); }
     QImage Picture() { return Charts().grab(widget, QSize(640, 480)); }
     std::size_t Count(unsigned int message) { return H().journal().find(message).size(); }
@@ -45,7 +38,6 @@ protected:
         return H().send(pf, MSG_WC_DROP_INSTRUMENTS, P(widget), P(&list));
     }
 
-    std::unique_ptr<host::Emulator> emulator;
     void* widget = nullptr;
     void* pf = nullptr;
 };

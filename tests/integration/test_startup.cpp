@@ -8,43 +8,23 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "ModuleHostTest.h"
 #include "host/CoreServices.h"
 #include "host/DataCore.h"
 #include "host/Emulator.h"
 
 namespace {
 
-class StartUp : public ::testing::Test {
+class StartUp : public ModuleHostTest {
 protected:
-    void Load(host::EmulatorOptions options = host::EmulatorOptions()) {
-        options.modulePath = PF_MODULE_PATH;
-        emulator.reset(new host::Emulator(options));
-        std::string error;
-        ASSERT_TRUE(emulator->loadModule(&error)) << error;
-    }
-    void Start(host::EmulatorOptions options = host::EmulatorOptions()) {
-        Load(options);
-        H().startUp();
-    }
-    host::Host& H() { return emulator->host(); }
     host::CoreServices& Core() { return emulator->core(); }
 
-    // Messages the module sent to the host while handling the message at `index`.
-    std::vector<host::Journal::Entry> SentDuring(std::size_t index) {
-        std::vector<host::Journal::Entry> out;
-        const auto& all = H().journal().entries();
-        for (std::size_t i = index + 1; i < all.size() && all[i].direction == host::Journal::ToHost; ++i)
-            out.push_back(all[i]);
-        return out;
-    }
     std::size_t IndexOf(unsigned int message) {
         const auto& all = H().journal().entries();
         for (std::size_t i = 0; i < all.size(); ++i)
             if (all[i].direction == host::Journal::ToModule && all[i].message == message) return i;
         return all.size();
     }
-
-    std::unique_ptr<host::Emulator> emulator;
 };
 
 void Put32(unsigned char* at, std::int32_t v) { std::memcpy(at, &v, 4); }

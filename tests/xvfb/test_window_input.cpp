@@ -15,6 +15,7 @@
 #include <cstring>
 #include <memory>
 
+#include "ModuleHostTest.h"
 #include "host/ChartWindows.h"
 #include "host/DataCore.h"
 #include "host/Emulator.h"
@@ -29,16 +30,11 @@ struct Column {
     QString text;
 };
 
-class WindowInput : public ::testing::Test {
+class WindowInput : public ModuleHostTest {
 protected:
     void SetUp() override {
         ASSERT_EQ(QGuiApplication::platformName(), QStringLiteral("xcb")) << "run under xvfb-run";
-        host::EmulatorOptions options;
-        options.modulePath = PF_MODULE_PATH;
-        emulator.reset(new host::Emulator(options));
-        std::string error;
-        ASSERT_TRUE(emulator->loadModule(&error)) << error;
-        emulator->startUp();
+        Start();
         QMainWindow* main = emulator->mainWindow().window();
         // The emulator keeps its window off the screen; here it goes on the X server's screen.
         main->hide();
@@ -122,7 +118,6 @@ protected:
         return Column();
     }
 
-    std::unique_ptr<host::Emulator> emulator;
     void* handle = nullptr;
     QWidget* chart = nullptr;
     std::vector<fxChartTypeRecord> records;

@@ -4,7 +4,11 @@
 // the window. Also the window's title and the switch of its price type.
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QImage>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QRegularExpression>
 #include <cstring>
 #include <memory>
 #include <vector>
@@ -14,6 +18,7 @@
 #include "host/CoreServices.h"
 #include "host/DataCore.h"
 #include "host/Emulator.h"
+#include "host/MainWindowService.h"
 
 using host::data::ChartType;
 
@@ -132,6 +137,44 @@ TEST_F(HostileWindow, PriceTypeSwitchAsksForNewDataAndIsCounted) {
     EXPECT_EQ(list.entries[1][0], 1);
     EXPECT_EQ(list.entries[1][1], 0);
     EXPECT_EQ(Charts().title(widget), QStringLiteral("PFChartModule, USDCHF/30 Min"));
+}
+
+// Not hostile: a user moving the mouse over the window and switching the cross cursor on.
+using WindowUse = HostileWindow;
+
+TEST_F(WindowUse, MouseOverTheAreaShowsTimeAndPriceAndTheCrossCursorFollowsIt) {
+    ASSERT_EQ(Charts().drop(widget, {"USDCHF"}), 0);
+    const QImage plain = Picture();
+    QWidget* container = Charts().container(widget);
+    const auto children = container->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    ASSERT_EQ(children.size(), 1);
+    QWidget* chart = children[0];
+    const QPoint at(chart->width() / 2, chart->height() / 2);
+    auto send = [&](QEvent::Type type, Qt::MouseButton button, Qt::MouseButtons buttons) {
+        QMouseEvent event(type, at, chart->mapToGlobal(at), button, buttons, Qt::NoModifier);
+        QApplication::sendEvent(chart, &event);
+    };
+    send(QEvent::MouseMove, Qt::NoButton, Qt::NoButton);
+    const QString time = emulator->mainWindow().timeLabel()->text();
+    const QString price = emulator->mainWindow().priceLabel()->text();
+    EXPECT_TRUE(QRegularExpression(QStringLiteral("^\\d\\d\\.\\d\\d\\.(199[6-9]|200[01]) \\d\\d:\\d\\d:\\d\\d$")).match(time).hasMatch())
+        << time.toStdString();
+    EXPECT_TRUE(QRegularExpression(QStringLiteral("^1\\.\\d{4}$")).match(price).hasMatch()) << price.toStdString();
+
+    // The middle button switches the cross cursor on: a dark line runs down through the mouse.
+    send(QEvent::MouseButtonPress, Qt::MiddleButton, Qt::MiddleButton);
+    send(QEvent::MouseButtonRelease, Qt::MiddleButton, Qt::NoButton);
+    const QImage cross = Picture();
+    ASSERT_NE(cross, plain);
+    int dark = 0;
+    const QPoint in = chart->mapTo(container, at);
+    for (int y = 0; y < cross.height(); ++y)
+        if (qGray(cross.pixel(in.x(), y)) < 40) ++dark;
+    EXPECT_GT(dark, cross.height() / 2);
+    // And off again.
+    send(QEvent::MouseButtonPress, Qt::MiddleButton, Qt::MiddleButton);
+    send(QEvent::MouseButtonRelease, Qt::MiddleButton, Qt::NoButton);
+    EXPECT_EQ(Picture(), plain);
 }
 
 }  // namespace

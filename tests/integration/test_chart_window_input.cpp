@@ -17,6 +17,7 @@
 #include "host/ChartWindows.h"
 #include "host/CoreServices.h"
 #include "host/DataCore.h"
+#include "host/DealingService.h"
 #include "host/Emulator.h"
 #include "host/MainWindowService.h"
 
@@ -175,6 +176,31 @@ TEST_F(WindowUse, MouseOverTheAreaShowsTimeAndPriceAndTheCrossCursorFollowsIt) {
     send(QEvent::MouseButtonPress, Qt::MiddleButton, Qt::MiddleButton);
     send(QEvent::MouseButtonRelease, Qt::MiddleButton, Qt::NoButton);
     EXPECT_EQ(Picture(), plain);
+}
+
+TEST_F(WindowUse, CaptionMarksAnInstrumentInADealingDayOff) {
+    // A dealing with one account, found by the module when the dealing is ready (3066).
+    void* dealing = emulator->dealing().addDealing("Dealer");
+    ASSERT_TRUE(emulator->dealing().addAccount(dealing, 7, QStringLiteral("Main")));
+    H().send(nullptr, MSG_DEALING_READY);
+    ASSERT_EQ(Charts().drop(widget, {"USDCHF"}), 0);
+    // Red pixels that `image` has and `plain` has not, in the caption strip under the tool bar.
+    auto redAdded = [](const QImage& image, const QImage& plain) {
+        int red = 0;
+        for (int y = 24; y < 24 + 16; ++y)
+            for (int x = 0; x < image.width(); ++x) {
+                const QRgb p = image.pixel(x, y);
+                if (p != plain.pixel(x, y) && qRed(p) > 180 && qGreen(p) < 90 && qBlue(p) < 90) ++red;
+            }
+        return red;
+    };
+    const QImage trading = Picture();
+    ASSERT_TRUE(emulator->dealing().setDayOff(dealing, 7, "USDCHF", true));
+    ASSERT_GT(emulator->dealing().raiseDayOff(dealing, 7), 0);
+    EXPECT_GT(redAdded(Picture(), trading), 20);  // "Non-trading time" in red after the caption
+    ASSERT_TRUE(emulator->dealing().setDayOff(dealing, 7, "USDCHF", false));
+    emulator->dealing().raiseDayOff(dealing, 7);
+    EXPECT_EQ(Picture(), trading);
 }
 
 }  // namespace

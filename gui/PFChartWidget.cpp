@@ -68,6 +68,7 @@ PFChartWidget::PFChartWidget(PFChartModule* module, int chartType, void* hostHan
     grid_->SetLineColor(kSkinAreaGrid);
     grid_->SetBackgroundColor(kSkinBack);
     scrollBar_.reset(new CTimeScrollBar(this));
+    scaleWidth_ = gx::LRScale::nWidth;
     PlaceChildren();
 }
 
@@ -112,12 +113,13 @@ void PFChartWidget::Show(bool show) { setVisible(show); }
 
 bool PFChartWidget::IsActive() const { return hasFocus(); }
 
-int PFChartWidget::CalcLRScaleWidth() const {
+int PFChartWidget::CalcLRScaleWidth() const { return scaleWidth_; }
+
+void PFChartWidget::UpdateScaleWidth() {
     // Wide enough for the largest price with one digit to spare.
     const QFontMetrics metrics(areasFont_);
     int width = gx::LRScale::nWidth;
-    if (!chart_) return width;
-    for (const boost::shared_ptr<gx::Area>& area : chart_->GetAreas()) {
+    for (const boost::shared_ptr<gx::Area>& area : chart_->GetAreas())
         for (const boost::shared_ptr<gx::Layer>& layer : area->GetLayers())
             for (const boost::shared_ptr<gx::Indicator>& indicator : layer->GetIndicators())
                 for (const boost::shared_ptr<gx::Line>& line : indicator->GetLines()) {
@@ -129,8 +131,10 @@ int PFChartWidget::CalcLRScaleWidth() const {
                     const int decimals = std::max(0, std::min(10, int(line->GetArray()->precision)));
                     width = std::max(width, metrics.horizontalAdvance(gx::LRScale::FormatPrice(price, decimals)) + 10);
                 }
-    }
-    return std::min(width, 200);
+    width = std::min(width, 200);
+    if (width == scaleWidth_) return;
+    scaleWidth_ = width;
+    chart_->RePlaceAreas();
 }
 
 QColor PFChartWidget::GetAreasColor() const { return grid_ ? grid_->GetBackgroundColor() : QColor(Qt::white); }
@@ -256,6 +260,7 @@ boost::shared_ptr<gx::Area> PFChartWidget::AddSecondaryPrimitive(void* baseHandl
         throw;
     }
     chart_->RePlaceAreas();
+    UpdateScaleWidth();
     SetFirstDisplay(area, source->GetArray(0), firstArea);
     CreateTimeScale();
     UpdateTimeScale();
@@ -315,11 +320,11 @@ bool PFChartWidget::UpdateIndicatorPrimitives(const coreCoreUpdateDpaData* recor
         // A window showing its newest position keeps showing it, with the same free space to
         // its right; one scrolled back into the history stays where it is.
         const int gap = first + visible - oldTotal;
-        e.Update(e.GetRect().adjusted(-2, 0, 2, 0), e.GetX0(), static_cast<float>(newTotal), e.GetMinPrice(),
-                 e.GetMaxPrice());
+        e.Update(area->Rect(), e.GetX0(), static_cast<float>(newTotal), e.GetMinPrice(), e.GetMaxPrice());
         if (autoScroll_ || gap >= 0) e.SetFirstColumn(std::max(0, std::max(first, newTotal + std::max(gap, 0) - visible)));
         scrollBar_->SetQuietly(0, newTotal - visible + freeStep_, e.GetFirstColumn());
     }
+    UpdateScaleWidth();
     ExpandTimeScale();
     update();
     return true;
@@ -377,6 +382,7 @@ void PFChartWidget::AfterDelete() {
             used = used || indicator->GetDataSource() == source;
         if (!used) ReleaseDataSource(source);
     }
+    UpdateScaleWidth();
     PlaceChildren();
     ExpandTimeScale();
     UpdateTitle();
@@ -473,12 +479,12 @@ void PFChartWidget::Draw(QPainter& painter, bool force) {
         const QRect pane = area->GetPaneRect();
         const QRect r = area->Rect();
         painter.save();
-        leftScale_->Resize(QRect(pane.left(), r.top(), chart_->GetLScaleWidth(), r.height()));
+        leftScale_->Resize(QRect(QPoint(pane.left(), r.top()), QPoint(r.left() - 1, r.bottom())));
         leftScale_->Draw(painter, range, area->GetEngine(), area);
         painter.restore();
         if (rightScale_) {
             painter.save();
-            rightScale_->Resize(QRect(r.right() + 1, r.top(), chart_->GetRScaleWidth(), r.height()));
+            rightScale_->Resize(QRect(QPoint(r.right() + 1, r.top()), QPoint(pane.right(), r.bottom())));
             rightScale_->Draw(painter, range, area->GetEngine(), area);
             painter.restore();
         }

@@ -113,7 +113,12 @@ public:
     const char* GetModuleName() const;
     QString DataTypeShow2StringLocale(int type) const;
     static const char* DataTypeShow2String(int type);
+    // The width of each price scale: enough for the widest price of the data, at least
+    // LRScale::nWidth. Kept from the last UpdateScaleWidth.
     int CalcLRScaleWidth() const;
+    // Measures the prices again after the data changed and re-places the areas when the
+    // scales' width changes.
+    void UpdateScaleWidth();
     QColor GetAreasColor() const;
     // Opens the host's properties dialog for the indicator of `line` (3092).
     void ShowIndicatorProp(const boost::shared_ptr<gx::Line>& line);
@@ -237,4 +242,5 @@ private:
     QString title_;
     QString titleSent_;
     QString priceType_;
+    int scaleWidth_;
 };

@@ -1,6 +1,8 @@
 #include "gx/Caption.h"
 
 #include <QFontMetrics>
+#include <QStaticText>
+#include <QtMath>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -36,13 +38,14 @@ void Caption::Draw(QPainter& painter) const {
     painter.setFont(font_);
     painter.setPen(colors_[TextColor]);
     const int x = rect_.left() + (widget_ ? widget_->CalcLRScaleWidth() : 0) + 4;
-    const int y = rect_.top() + 12;
-    painter.drawText(x, y, text_);
+    const int y = rect_.top() + 12;  // the baseline
+    const int top = y - painter.fontMetrics().ascent();
+    const QStaticText& text = texts_.Get(text_, painter.font());
+    painter.drawStaticText(QPoint(x, top), text);
     if (dayOff_) {
         painter.setPen(Qt::red);
-        const QRect measured = painter.fontMetrics().boundingRect(QRect(x, y, 0, 0), Qt::AlignLeft | Qt::AlignTop, text_);
         const QString mark = CModule::Current() ? CModule::Current()->tr("PF0022") : QStringLiteral("PF0022");
-        painter.drawText(x + measured.width() + 11, y, mark);
+        painter.drawStaticText(QPoint(x + qCeil(text.size().width()) + 11, top), texts_.Get(mark, painter.font()));
     }
     button_->Draw(painter);
     painter.restore();

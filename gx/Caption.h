@@ -8,6 +8,7 @@
 #include <boost/scoped_ptr.hpp>
 
 #include "gx/Object.h"
+#include "gx/TextCache.h"
 
 class QMouseEvent;
 class PFChartWidget;
@@ -50,6 +51,8 @@ private:
     QFont font_;
     bool dayOff_ = false;
     PFChartWidget* widget_;
+    // The caption and the day-off mark laid out once.
+    mutable TextCache texts_;
 };
 
 }  // namespace gx

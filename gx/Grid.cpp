@@ -100,35 +100,39 @@ void Grid::Draw(QPainter& painter, const FindMinMax& range, const boost::shared_
         painter.restore();
         return;
     }
-    // The background with the column lines is kept as a picture of the data rectangle and
-    // made again only when the columns, the rectangle or the colours change: a repaint
-    // copies it instead of walking down every column line pixel by pixel.
-    QVector<QLine> columns;
-    AddColumnLines(columns, data, *engine);
+    // The whole grid (background, column lines, price lines) is kept as a picture of the
+    // data rectangle and made again only when the rectangle, the lines or the colours
+    // change: a repaint of the same view copies it instead of drawing every line again.
+    QVector<QLine> lines;
+    AddColumnLines(lines, data, *engine);
     QVector<int> xs;
-    xs.reserve(columns.size());
-    for (const QLine& l : columns) xs.push_back(l.x1());
-    if (back_.isNull() || backRect_ != data || backXs_ != xs || backColor_ != backgroundColor_ ||
+    xs.reserve(lines.size());
+    for (const QLine& l : lines) xs.push_back(l.x1());
+    lines.clear();
+    AddPriceLines(lines, data, range, *engine);
+    QVector<int> ys;
+    ys.reserve(lines.size());
+    for (const QLine& l : lines) ys.push_back(l.y1());
+    if (back_.isNull() || backRect_ != data || backXs_ != xs || backYs_ != ys || backColor_ != backgroundColor_ ||
         backLine_ != lineColor_) {
         back_ = QImage(data.size(), QImage::Format_RGB32);
-        back_.fill(backgroundColor_);
         QVector<QRgb> row(data.width(), backgroundColor_.rgb());
         for (int x : xs)
             if (x >= data.left() && x <= data.right()) row[x - data.left()] = lineColor_.rgb();
+        const QVector<QRgb> full(data.width(), lineColor_.rgb());
         for (int y = 0; y < back_.height(); ++y)
             std::memcpy(back_.scanLine(y), row.constData(), sizeof(QRgb) * static_cast<std::size_t>(row.size()));
+        for (int y : ys)
+            if (y >= data.top() && y <= data.bottom())
+                std::memcpy(back_.scanLine(y - data.top()), full.constData(),
+                            sizeof(QRgb) * static_cast<std::size_t>(full.size()));
         backRect_ = data;
         backXs_ = xs;
+        backYs_ = ys;
         backColor_ = backgroundColor_;
         backLine_ = lineColor_;
     }
     painter.drawImage(data.topLeft(), back_);
-    QVector<QLine> prices;
-    AddPriceLines(prices, data, range, *engine);
-    if (!prices.isEmpty()) {
-        painter.setPen(QPen(lineColor_, 1));
-        painter.drawLines(prices);
-    }
     painter.restore();
 }
 

@@ -37,11 +37,12 @@ private:
     QColor lineColor_;
     QColor backgroundColor_;
     bool shown_ = true;
-    // The background with the column lines for the last data rectangle; made again when the
-    // rectangle, the columns or the colours change.
+    // The grid of the last data rectangle as a picture; made again when the rectangle, the
+    // lines or the colours change.
     mutable QImage back_;
     mutable QRect backRect_;
     mutable QVector<int> backXs_;
+    mutable QVector<int> backYs_;
     mutable QColor backColor_;
     mutable QColor backLine_;
 };

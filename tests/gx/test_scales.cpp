@@ -152,23 +152,33 @@ void DrawGrid(const gx::Grid& grid, const gx::FindMinMax& range, const boost::sh
         QPainter painter(&device);
         grid.Draw(painter, range, engine);
     }
-    for (const QLine& l : device.lines()) {
-        EXPECT_EQ(l.y1(), l.y2());
-        rows.push_back(l.y1());
-        EXPECT_TRUE(l.x1() == 0 && l.x2() == 103);
-    }
-    for (std::size_t i = 1; i < rows.size(); ++i) EXPECT_GE(rows[i - 1] - rows[i], 5);
-    // The column lines are painted as pixels: read them off a row between price lines.
+    // The lines are painted as pixels: price rows are read down a pixel column that has no
+    // column line (the one with the fewest line pixels), column lines along a row that is no
+    // price row.
     QImage image(104, engine->GetBottom() + 1, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::black);
     {
         QPainter painter(&image);
         grid.Draw(painter, range, engine);
     }
-    int probe = engine->GetBottom();
-    while (probe > 0 && std::find(rows.begin(), rows.end(), probe) != rows.end()) --probe;
+    const QColor line = grid.GetLineColor();
+    int probeX = 0;
+    int fewest = image.height() + 1;
+    for (int x = 0; x < image.width(); ++x) {
+        int n = 0;
+        for (int y = 0; y < image.height(); ++y) n += image.pixelColor(x, y) == line;
+        if (n < fewest) {
+            fewest = n;
+            probeX = x;
+        }
+    }
+    for (int y = image.height() - 1; y >= 0; --y)
+        if (image.pixelColor(probeX, y) == line) rows.push_back(y);
+    for (std::size_t i = 1; i < rows.size(); ++i) EXPECT_GE(rows[i - 1] - rows[i], 5);
+    int probeY = engine->GetBottom();
+    while (probeY > 0 && std::find(rows.begin(), rows.end(), probeY) != rows.end()) --probeY;
     for (int x = 0; x < image.width(); ++x)
-        if (image.pixelColor(x, probe) == grid.GetLineColor()) columns.push_back(x);
+        if (image.pixelColor(x, probeY) == line) columns.push_back(x);
 }
 
 }  // namespace

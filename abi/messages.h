@@ -29,6 +29,8 @@ enum PFHostMessage : unsigned int {
     MSG_UNDO_REPLY = 3141,           // reply to MSG_UNDO_REQUEST
     MSG_UNDO_REFRESHED = 3142,
     MSG_UNDO_NODE_INDEX = 3147,
+    MSG_DESCRIBE_PRIMITIVE = 3048,   // p1 coreDragData ("kovar/primitive"), p2 fxwcDropInstrument
+    MSG_DESCRIBE_DRAG = 3119,        // p1 coreDragData ("kovar/symbol-indicator"), p2 fxwcDropInstrument
     MSG_LINE_INDEX = 3053,           // p1 fxDataPointArray*; answers the array's line index
     MSG_TITLE_CHANGED = 3125,        // p1 chart widget, p2 const coreWChar* title (NUL-terminated)
     MSG_WINDOW_DESTROYED = 3150,     // p1 fxwcWindowDestroyed
@@ -58,6 +60,8 @@ enum PFHostMessage : unsigned int {
     MSG_DEAL_ACCOUNT_LIST = 16001,   // p1 fxdAccountRequest
     MSG_DEAL_DAYOFF_COUNT = 16026,   // p1 account id, p2 fxdDayOffRequest
     MSG_DEAL_DAYOFF_LIST = 16027,    // p1 account id, p2 fxdDayOffRequest
+    MSG_DEAL_ORDER = 16014,          // p1 fxdTradeRequest
+    MSG_DEAL_DEAL = 16015,           // p1 fxdTradeRequest
 
     // host -> module
     MSG_SETUP = 3004,                // languages, fonts, date-time, log

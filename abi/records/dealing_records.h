@@ -49,6 +49,18 @@ struct fxdDayOffEventPayload {
 };
 PF_LAYOUT32(sizeof(fxdDayOffEventPayload) == 8);
 
+// Messages 16015 (deal) and 16014 (order), sent to the deal interface of the account:
+// a deal or an order placed from a chart. The host's dealing dialog takes it from there.
+struct fxdTradeRequest {
+    char instrument[21];       // the instrument's name, at most 20 characters, NUL-terminated
+    std::int32_t accountId;    // the account chosen
+    double price;              // orders: the price at the menu point; deals: 0
+};
+PF_LAYOUT32(sizeof(fxdTradeRequest) == 33);
+PF_LAYOUT32(offsetof(fxdTradeRequest, accountId) == 21);
+PF_LAYOUT32(offsetof(fxdTradeRequest, price) == 25);
+PF_LAYOUT64(sizeof(fxdTradeRequest) == 33);
+
 // Message 5008 to the main window: a change notice ("Scale changed").
 struct coreMainChangeNotice {
     std::int32_t zero;

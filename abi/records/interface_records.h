@@ -93,4 +93,70 @@ PF_LAYOUT32(sizeof(coreStatusBarPanes) == 12);
 PF_LAYOUT64(sizeof(coreStatusBarPanes) == 12);
 enum { CORE_STATUS_PANE_TIME = 0, CORE_STATUS_PANE_PRICE = 1 };
 
+// Messages 3020 (load) and 3021 (save) to a chart type interface: p1 is the chart widget,
+// p2 a coreSzNode (dpa_records.h) naming the work-data node the chart is saved under.
+
+// Message 3518 to a chart type interface: the panel of a chart window changed its status
+// (its time frame). p1 names the window, p2 carries the two values handed to the window.
+struct fxwcPanelTarget {
+    void* reserved;            // the host's
+    void* widget;              // the chart widget
+};
+PF_LAYOUT32(sizeof(fxwcPanelTarget) == 8);
+PF_LAYOUT64(sizeof(fxwcPanelTarget) == 16);
+
+struct fxwcPanelStatus {
+    std::int32_t status;       // first word: the new status
+    std::int32_t value;        // second word: the value that goes with it
+};
+PF_LAYOUT32(sizeof(fxwcPanelStatus) == 8);
+PF_LAYOUT64(sizeof(fxwcPanelStatus) == 8);
+
+// Message 5025: which chart window holds an object (a widget, area, layer, line or line
+// study handle).
+struct fxwcGetOwnerForObj {
+    void* reserved;            // the host's
+    void* object;              // the handle looked for
+    void* iface;               // out: the owning window's chart type interface
+    void* widget;              // out: the owning chart widget
+};
+PF_LAYOUT32(sizeof(fxwcGetOwnerForObj) == 16);
+PF_LAYOUT32(offsetof(fxwcGetOwnerForObj, object) == 4);
+PF_LAYOUT32(offsetof(fxwcGetOwnerForObj, iface) == 8);
+PF_LAYOUT32(offsetof(fxwcGetOwnerForObj, widget) == 12);
+PF_LAYOUT64(sizeof(fxwcGetOwnerForObj) == 32);
+
+// Message 5034: a window's caption. p1 is this record, p2 a buffer of `capacity` 16-bit
+// units that receives the caption as UTF-16 with its terminator; a caption that does not fit
+// is cut to capacity - 1 units. A capacity of 0 stands for the host's standard 256 units.
+struct fxwcGetCaption {
+    void* reserved;            // the host's
+    void* widget;              // the chart widget
+    std::int32_t capacity;     // units in the reply buffer
+};
+PF_LAYOUT32(sizeof(fxwcGetCaption) == 12);
+PF_LAYOUT32(offsetof(fxwcGetCaption, capacity) == 8);
+PF_LAYOUT64(sizeof(fxwcGetCaption) == 20);
+enum { FXWC_CAPTION_DEFAULT_UNITS = 256 };
+
+// Message 10054: a property page of a chart window was applied in the host's dialog.
+struct PROPERTY_CHANGE {
+    void* page;                // the PROPERTY_PAGE that changed
+    void* widget;              // the chart widget it belongs to
+    std::int32_t value;        // passed on to the widget with the page
+};
+PF_LAYOUT32(sizeof(PROPERTY_CHANGE) == 12);
+PF_LAYOUT64(sizeof(PROPERTY_CHANGE) == 20);
+
+// Drag data of an instrument ("kovar/symbol-indicator") or a primitive ("kovar/primitive"):
+// the bytes of the MIME format as the host put them. 3119 (instrument) and 3048 (primitive)
+// ask the host core to describe what they name: p1 this record, p2 an fxwcDropInstrument the
+// host fills; the answer is 0 when it did.
+struct coreDragData {
+    const char* bytes;
+    std::int32_t length;
+};
+PF_LAYOUT32(sizeof(coreDragData) == 8);
+PF_LAYOUT64(sizeof(coreDragData) == 12);
+
 #pragma pack(pop)

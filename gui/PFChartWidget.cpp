@@ -60,6 +60,9 @@ PFChartWidget::PFChartWidget(PFChartModule* module, int chartType, void* hostHan
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
+    setAcceptDrops(true);
+    setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(this, SIGNAL(customContextMenuRequested(QPoint)), this, SLOT(OnCustomContextMenuRequested(QPoint)));
     toolBar_ = new pf::gui::ToolBar(this);
     chart_.reset(new gx::Chart(this, ChartRect()));
     leftScale_.reset(new gx::LRScale(this));
@@ -70,6 +73,7 @@ PFChartWidget::PFChartWidget(PFChartModule* module, int chartType, void* hostHan
     scrollBar_.reset(new CTimeScrollBar(this));
     scaleWidth_ = gx::LRScale::nWidth;
     PlaceChildren();
+    getStartParam();
 }
 
 PFChartWidget::~PFChartWidget() {
@@ -238,10 +242,6 @@ boost::shared_ptr<gx::Area> PFChartWidget::AddSecondaryPrimitive(void* baseHandl
                                                                   const char* name, int periodType,
                                                                   int periodLength, int startTime,
                                                                   const coreHeadNodeInfo* headNode, int style) {
-    (void)name;
-    (void)startTime;
-    (void)headNode;
-    (void)style;
     namePeriod period;
     period.type = static_cast<char>(periodType);
     period.length = periodLength;
@@ -251,7 +251,17 @@ boost::shared_ptr<gx::Area> PFChartWidget::AddSecondaryPrimitive(void* baseHandl
     const bool firstArea = chart_->GetAreas().empty();
     boost::shared_ptr<gx::Area> area = chart_->AddArea();
     try {
-        area->AddLayer()->AddIndicator(source);
+        const boost::shared_ptr<gx::Indicator> indicator = area->AddLayer()->AddIndicator(source);
+        gx::Indicator::Origin origin;
+        origin.symbol = QString::fromLocal8Bit(symbol ? symbol : "");
+        origin.provider = QString::fromLocal8Bit(name ? name : "");
+        // The kind of the data object, as the host described it (3012).
+        if (headNode) origin.type = QString::fromLocal8Bit(headNode->interfaceName, int(strnlen(headNode->interfaceName, sizeof headNode->interfaceName)));
+        origin.periodType = period.type;
+        origin.periodLength = period.length;
+        origin.startTime = startTime;
+        origin.style = style;
+        indicator->SetOrigin(origin);
     } catch (...) {
         chart_->GetAreas().erase(std::remove(chart_->GetAreas().begin(), chart_->GetAreas().end(), area),
                                  chart_->GetAreas().end());
@@ -270,33 +280,54 @@ boost::shared_ptr<gx::Area> PFChartWidget::AddSecondaryPrimitive(void* baseHandl
     return area;
 }
 
+int PFChartWidget::FirstDisplayCount(int total) const {
+    if (total < 0) return freeStep_ <= maxFirstPositions_ ? 0 : maxFirstPositions_;
+    const int visible = std::min(maxFirstPositions_, total + freeStep_);
+    return visible == freeStep_ ? 0 : visible;
+}
+
+void PFChartWidget::SetZoomSlider(bool firstDisplay) {
+    if (chart_->GetAreas().empty()) return;
+    const pf::ScaleEngine& e = *chart_->GetAreas().front()->GetEngine();
+    const int total = pf::TruncToInt(e.GetX1());
+    if (total == 0) return;
+    QSlider* slider = toolBar_->GetZoomSlider();
+    const QSignalBlocker block(slider);
+    slider->setMinimum(-freeStep_);
+    slider->setMaximum(total - 4);
+    slider->setValue(firstDisplay ? -freeStep_ : total - e.GetColumnCount());
+}
+
 void PFChartWidget::SetFirstDisplay(const boost::shared_ptr<gx::Area>& area, const fxDataPointArray* first,
                                     bool resetZoom) {
     pf::ScaleEngine& e = *area->GetEngine();
-    int visible = 0;
-    int total = 0;
-    if (!first) {
-        visible = freeStep_ <= maxFirstPositions_ ? 0 : maxFirstPositions_;
-    } else {
-        total = pf::PointData::RecordCount(first);
-        visible = std::min(maxFirstPositions_, total + freeStep_);
-        if (visible == freeStep_) visible = 0;
-    }
+    const int total = first ? pf::PointData::RecordCount(first) : 0;
+    const int visible = FirstDisplayCount(first ? total : -1);
     e.SetColumnCount(visible);
     e.SetFirstColumn(0);
     e.Update(area->Rect(), 0.0f, static_cast<float>(total), e.GetMinPrice(), e.GetMaxPrice());
-    // The scroll bar starts at the beginning: every area's first position becomes 0.
+    if (!resetZoom) return;
+    // The first area sets the scroll bar (which starts at the beginning: every area's first
+    // position becomes 0) and the zoom slider. Later areas leave both following the first
+    // one, as a window loaded from a saved layout does.
     if (scrollBar_->value() != 0)
         for (const boost::shared_ptr<gx::Area>& a : chart_->GetAreas()) a->GetEngine()->SetFirstColumn(0);
     scrollBar_->SetQuietly(0, total - visible + freeStep_, 0);
     scrollBar_->setPageStep(std::max(1, visible));
-    if (total != 0 && resetZoom) {
-        QSlider* slider = toolBar_->GetZoomSlider();
-        const QSignalBlocker block(slider);
-        slider->setMinimum(-freeStep_);
-        slider->setMaximum(total - 4);
-        slider->setValue(-freeStep_);
-    }
+    SetZoomSlider(true);
+}
+
+void PFChartWidget::RestorePositions(gx::Area* area, int first, int visible) {
+    if (!area) return;
+    int total = 0;
+    for (const boost::shared_ptr<gx::Layer>& layer : area->GetLayers())
+        for (const boost::shared_ptr<gx::Indicator>& indicator : layer->GetIndicators())
+            for (const boost::shared_ptr<gx::Line>& line : indicator->GetLines()) total = std::max(total, line->Size());
+    pf::ScaleEngine& e = *area->GetEngine();
+    if (visible < 0) visible = FirstDisplayCount(total);
+    e.SetColumnCount(std::max(0, std::min(visible, total + freeStep_)));
+    e.SetFirstColumn(std::max(0, std::min(first, total)));
+    e.Update(area->Rect(), 0.0f, static_cast<float>(total), e.GetMinPrice(), e.GetMaxPrice());
 }
 
 bool PFChartWidget::UpdateIndicatorPrimitives(const coreCoreUpdateDpaData* record) {
@@ -372,6 +403,7 @@ void PFChartWidget::SetScrollRange() {
     if (chart_->GetAreas().empty()) return;
     const pf::ScaleEngine& e = *chart_->GetAreas().front()->GetEngine();
     scrollBar_->SetQuietly(0, pf::TruncToInt(e.GetX1()) - e.GetColumnCount() + freeStep_, e.GetFirstColumn());
+    scrollBar_->setPageStep(std::max(1, e.GetColumnCount()));
 }
 
 void PFChartWidget::AfterDelete() {
@@ -387,11 +419,6 @@ void PFChartWidget::AfterDelete() {
     ExpandTimeScale();
     UpdateTitle();
     update();
-}
-
-bool PFChartWidget::IsReplaceInstrument() {
-    // Every dropped instrument is added as an area of its own.
-    return true;
 }
 
 int PFChartWidget::CountDpaByType(const QString& typeName) const {

@@ -24,6 +24,8 @@
 #include "gui/CSimpleGUIWidget.h"
 
 class QMenu;
+class QAction;
+class CXMLWorkData;
 class PFChartModule;
 class ChartInterface;
 class CTimeScrollBar;
@@ -90,6 +92,42 @@ public:
     // host when it changed (3125); returns it.
     QString UpdateTitle();
 
+    // Saved layout and settings: the eleven settings of the "PFWidget" node, the chart's
+    // object tree, and the per-type default parameters of the module's file.
+    void WriteWidgetData(CXMLWorkData* tree) const;
+    void ReadWidgetData(CXMLWorkData* tree);
+    void ToXML(const boost::shared_ptr<CXMLWorkData>& tree);
+    void FromXML(const boost::shared_ptr<CXMLWorkData>& tree);
+    void getStartParam();
+    void setStartParam();
+    // The node of the chart type in the default-parameters file ("PointFigure", "Renko",
+    // "Kagi"); null for another chart type value.
+    const char* StartParamNodeName() const;
+    // The scales and the time scale take the widget's colours and fonts again.
+    void UpdateScalesProperties();
+
+    // The panel's status changed (3518): the data point arrays are renamed and the host hears
+    // "TimeFrame Changed".
+    void PanelChangeStatus(int status, int value);
+    // Prints the window (5012); refused while busy.
+    void Print();
+    // Applies a property page of the host's dialog (10054).
+    void ApplyProperty(void* page, int value);
+    // Whether the tree holds an object of this handle: the widget itself, an area, a layer,
+    // a line or a line study.
+    bool HoldsObject(const void* handle) const;
+
+    // ---- context menu and trading ----
+    // Builds and pops up the context menu at `point` (widget coordinates).
+    void ShowPopupMenu(const QPoint& point);
+    // Clears the properties, select and delete menus and lets the chart fill them.
+    void FillContextMenu();
+    // The instrument of the line under the last menu point, at most 20 characters; empty
+    // when no line is there.
+    QString GetTradeInstrument() const;
+    int GetTradeAccountMode() const { return tradeAccountMode_; }
+    QMenu* GetAreaMenu() const { return areaMenu_.get(); }
+
     // ---- called by the chart tree ----
     void SendMainChange(const QString& text);
     void StartSelectedPF(const QMouseEvent& event);
@@ -132,8 +170,11 @@ public:
     // Paints the window; returns at once while busy, and while repaint is suspended
     // unless forced.
     void Draw(QPainter& painter, bool force);
-    // Positions of the area (visible count, first, total) after data changed.
+    // The scroll bar's range and value from the first area.
     void SetScrollRange();
+    // A restored area's positions: the total from its data, the first and the visible count
+    // as saved (clamped to the data; a negative count gives the first display's count).
+    void RestorePositions(gx::Area* area, int first, int visible);
 
     // ---- state ----
     PFChartModule* GetModule() const { return module_; }
@@ -184,7 +225,19 @@ public:
     boost::shared_ptr<gx::Area> GetCurrentArea() const { return currentArea_; }
     const QString& GetTitle() const { return title_; }
 
+public slots:
+    void OnCustomContextMenuRequested(const QPoint& point);
+    void OnHovered(QAction* action);
+    void TradeDeal();
+    void TradeOrder();
+    void ZoomIn();
+    void ZoomOut();
+    void OnDelete();
+
 protected:
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
@@ -204,7 +257,13 @@ private:
     // The line under `point` whose renderer reports a figure there; empty when none.
     boost::shared_ptr<gx::Line> LineUnderMouse(const QPoint& point) const;
     boost::shared_ptr<gx::Area> AreaAt(const QPoint& point) const;
-    // Sets the visible count of a freshly added area and the sliders.
+    // The number of positions a first display shows for `total` positions of data (-1: the
+    // host gave no array).
+    int FirstDisplayCount(int total) const;
+    // The zoom slider as a first display or a zoom leaves it for the first area.
+    void SetZoomSlider(bool firstDisplay);
+    // Sets the visible count of a freshly added area, and for the chart's first area the
+    // scroll bar and the zoom slider.
     void SetFirstDisplay(const boost::shared_ptr<gx::Area>& area, const fxDataPointArray* first, bool resetZoom);
 
     bool busy_ = false;

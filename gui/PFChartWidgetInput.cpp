@@ -72,11 +72,7 @@ void PFChartWidget::mouseReleaseEvent(QMouseEvent* event) {
         toolBar_->SetCrossCursorToggled(!toolBar_->IsCrossCursorToggled());
         toolBar_->OnBnClickedCrossCursor();
     }
-    if (event->button() == Qt::RightButton) {
-        for (boost::shared_ptr<QMenu> menu : {chart_->GetPropMenu(), chart_->GetSelectMenu(), chart_->GetDeleteMenu()})
-            menu->clear();
-        chart_->FillContextMenu();
-    }
+    if (event->button() == Qt::RightButton) FillContextMenu();
     const boost::shared_ptr<gx::Area> area = currentArea_;
     const bool zoomed = area && area->GetEngine()->GetFlag() && event->button() == Qt::LeftButton;
     EndSelectedPF(*event);

@@ -10,6 +10,7 @@
 #include "gx/Object.h"
 
 class QMouseEvent;
+class CXMLWorkData;
 class QKeyEvent;
 
 namespace pf {
@@ -53,6 +54,10 @@ public:
     bool CheckClose(const QMouseEvent& event);
     void ResetCaption();
     void SetCaptionDayOff(bool dayOff);
+    // Saving: "ObjectType", "LayerCount".
+    void ToXML(CXMLWorkData* node) const;
+    // One area per "PFArea" child of `chartNode`, each with its layers.
+    static void FromXML(Chart& chart, CXMLWorkData* chartNode);
     void FillContextMenu();
 
     void DrawZoomSelect(QPainter& painter) const;

@@ -15,6 +15,7 @@ class QMenu;
 class QMouseEvent;
 class QKeyEvent;
 class PFChartWidget;
+class CXMLWorkData;
 
 namespace pf {
 namespace gui {
@@ -77,6 +78,12 @@ public:
     boost::shared_ptr<QMenu> GetPropMenu();
     boost::shared_ptr<QMenu> GetSelectMenu();
     boost::shared_ptr<QMenu> GetDeleteMenu();
+
+    // Saving: "AreaCount".
+    void ToXML(CXMLWorkData* node) const;
+    // Builds the areas from the "PFChart" child of `widgetNode`; without one the chart stays
+    // empty. Returns whether there was one.
+    static bool FromXML(PFChartWidget* widget, CXMLWorkData* widgetNode);
 
     // Builds "<module name>, <indicator caption>, ..." and has the widget show it; returns it.
     QString UpdateTitle();

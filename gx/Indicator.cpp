@@ -87,7 +87,9 @@ int Indicator::RequestLineIndex(fxDataPointArray* array) const {
 
 QString Indicator::GetCaptionPeriod() const {
     if (!source_) return QString();
-    const namePeriod period = source_->GetInstrument().period;
+    namePeriod period = source_->GetInstrument().period;
+    // Data asked for in the instrument's own period (type 0): the arrays name the period.
+    if (period.type == 0 && source_->GetArray(0)) period = source_->GetArray(0)->name.period;
     switch (period.type) {
         case 'I':
             if (period.length == 0) return QStringLiteral("Tick");

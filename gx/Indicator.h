@@ -13,6 +13,7 @@
 #include "gx/Object.h"
 
 class QMenu;
+class CXMLWorkData;
 class QMouseEvent;
 class QKeyEvent;
 
@@ -30,6 +31,18 @@ class Line;
 class Indicator : public QObject, public Object {
     Q_OBJECT
 public:
+    // Where the indicator's data comes from, as the host described the instrument when it
+    // was added; saved with the layout so that the data can be asked for again.
+    struct Origin {
+        QString symbol;      // "InstrumentName"
+        QString type;        // "InstrumentType"
+        QString provider;    // "NameProvider"
+        char periodType = 0;
+        int periodLength = 0;
+        int startTime = 0;
+        int style = 0;       // "PrimitiveStyle"
+    };
+
     Indicator(Layer* layer, const boost::shared_ptr<pf::DataSource>& source, const QRect& rect,
               const boost::shared_ptr<pf::ScaleEngine>& engine);
     ~Indicator() override;
@@ -55,6 +68,15 @@ public:
     // Another data object for the same instrument (another price type); UpdateLines then
     // gives the lines its arrays.
     void SetDataSource(const boost::shared_ptr<pf::DataSource>& source) { source_ = source; }
+    const Origin& GetOrigin() const { return origin_; }
+    void SetOrigin(const Origin& origin) { origin_ = origin; }
+
+    // Saving: the "PFIndicator" attributes, then the host's description of the data object.
+    void ToXML(CXMLWorkData* node) const;
+    // Rebuilds every "PFIndicator" of `layerNode` in `layer`: the data is asked for again
+    // through the widget, the lines take their saved places. Indicators whose data the host
+    // cannot give are left out.
+    static void FromXML(const boost::shared_ptr<Layer>& layer, CXMLWorkData* layerNode);
     const boost::shared_ptr<pf::ScaleEngine>& GetEngine() const { return engine_; }
     // The data object's handle in the host; null without a source.
     void* GetHandle() const;
@@ -85,6 +107,7 @@ private:
     std::vector<boost::shared_ptr<Line> > lines_;
     boost::shared_ptr<pf::DataSource> source_;
     boost::shared_ptr<pf::ScaleEngine> engine_;
+    Origin origin_;
 };
 
 }  // namespace gx

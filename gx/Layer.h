@@ -7,6 +7,7 @@
 #include "gx/Object.h"
 
 class QMouseEvent;
+class CXMLWorkData;
 class QKeyEvent;
 
 namespace pf {
@@ -38,6 +39,10 @@ public:
     std::vector<boost::shared_ptr<Indicator> >& GetIndicators() { return indicators_; }
     Area* GetArea() const { return area_; }
     const boost::shared_ptr<pf::ScaleEngine>& GetEngine() const { return engine_; }
+    // Saving: "IndicatorCount".
+    void ToXML(CXMLWorkData* node) const;
+    // One layer per "PFLayer" child of `areaNode`, each with its indicators.
+    static void FromXML(const boost::shared_ptr<Area>& area, CXMLWorkData* areaNode);
     void FillContextMenu();
 
     void mousePressEvent(const QMouseEvent& event);

@@ -13,6 +13,7 @@
 #include "gx/Object.h"
 
 class QMouseEvent;
+class CXMLWorkData;
 class QKeyEvent;
 
 namespace pf {
@@ -98,6 +99,10 @@ public:
     const std::vector<boost::shared_ptr<LineStudy> >& GetLineStudies() const { return studies_; }
     std::vector<boost::shared_ptr<LineStudy> >& GetLineStudies() { return studies_; }
 
+    // Saving: "Index", "FirstVisibleFigure", then the data point array's description.
+    void ToXML(CXMLWorkData* node) const;
+    // The saved values of a line: its index picks the indicator's line they belong to.
+    static void FromXML(const boost::shared_ptr<Indicator>& indicator, CXMLWorkData* lineNode);
     void FillContextMenu();
 
     void mousePressEvent(const QMouseEvent& event);

@@ -12,6 +12,8 @@
 #include "gx/FindMinMax.h"
 #include "gx/Visitor.h"
 
+class CXMLWorkData;
+
 namespace pf {
 class DataSource;
 }
@@ -253,6 +255,25 @@ struct DeleteSelLS : Visitor {
 struct DeleteUnUsedLayers : Visitor {
     using Visitor::Visit;
     void Visit(boost::shared_ptr<Area> area);
+};
+
+// Saving the tree into the work data: each node of the chart becomes a child of the node of
+// its parent ("PFChart" under the given node, then "PFArea", "PFLayer", "PFIndicator",
+// "PFLine"), writes its attributes and sends them (pre-order walk). A node the host
+// refuses leaves its subtree out.
+struct SaveToXML : Visitor {
+    explicit SaveToXML(CXMLWorkData* root) : root(root) {}
+    void Visit(Chart* chart);
+    void Visit(boost::shared_ptr<Area> area);
+    void Visit(boost::shared_ptr<Layer> layer);
+    void Visit(boost::shared_ptr<Indicator> indicator);
+    void Visit(boost::shared_ptr<Line> line);
+    CXMLWorkData* root;
+    boost::shared_ptr<CXMLWorkData> chartNode;
+    boost::shared_ptr<CXMLWorkData> areaNode;
+    boost::shared_ptr<CXMLWorkData> layerNode;
+    boost::shared_ptr<CXMLWorkData> indicatorNode;
+    int nodes = 0;  // nodes written
 };
 
 // The line (of the given chart) whose first time is smallest; the first found wins ties.

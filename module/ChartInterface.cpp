@@ -1,6 +1,7 @@
 #include "module/ChartInterface.h"
 
 #include <QBuffer>
+#include <boost/shared_ptr.hpp>
 #include <QPixmap>
 #include <QTimerEvent>
 #include <QWidget>
@@ -8,6 +9,9 @@
 #include <cstring>
 
 #include "gui/PFChartWidget.h"
+#include "gui/ToolBar.h"
+#include "gx/Chart.h"
+#include "xml/CXMLWorkData.h"
 #include "module/PFChartModule.h"
 
 static void initChartResources() { Q_INIT_RESOURCE(pfchart); }
@@ -139,6 +143,67 @@ int ChartInterface::GetWidgetIndex(const PFChartWidget* widget) const {
     return it == widgets_.end() ? -1 : int(it - widgets_.begin());
 }
 
+void ChartInterface::SaveLoadReQuest(void* target, const coreSzNode* record, bool load) {
+    if (!record || !IsListed(target)) return;
+    PFChartWidget* widget = static_cast<PFChartWidget*>(target);
+    const coreSzNode node = *record;  // packed: read by value
+    void* const document = reinterpret_cast<void*>(static_cast<std::uintptr_t>(node.document));
+    void* const element = reinterpret_cast<void*>(static_cast<std::uintptr_t>(node.node));
+    // Should making the holder fail, the shared pointer deletes the tree and the failure
+    // goes on to the module's guard.
+    const boost::shared_ptr<CXMLWorkData> holder(new CXMLWorkData(hostHandle, document, element, sendToHost));
+    if (load)
+        widget->FromXML(holder);
+    else
+        widget->ToXML(holder);
+    if (!widget->GetChart()->GetAreas().empty()) widget->GetToolBar()->ResetStateButtonList(false);
+    widget->UpdateTitle();
+}
+
+void ChartInterface::ChangePanelStatus(void* target, const fxwcPanelStatus* record) {
+    if (!record || !IsListed(target)) return;
+    const fxwcPanelStatus status = *record;
+    static_cast<PFChartWidget*>(target)->PanelChangeStatus(status.value, status.status);
+}
+
+int ChartInterface::ApplyProperty(const PROPERTY_CHANGE* record) {
+    if (!record) return 1;
+    const PROPERTY_CHANGE change = *record;
+    if (!IsListed(change.widget)) return 0;
+    PFChartWidget* widget = static_cast<PFChartWidget*>(change.widget);
+    widget->ApplyProperty(change.page, change.value);
+    widget->UpdateTitle();
+    return 0;
+}
+
+int ChartInterface::FxWindowComponentGetCaption(const fxwcGetCaption* record, coreWChar* reply) {
+    if (!record) return 1;
+    const fxwcGetCaption request = *record;
+    if (!IsListed(request.widget) || !reply) return 1;
+    const QString title = static_cast<PFChartWidget*>(request.widget)->UpdateTitle();
+    // The reply holds `capacity` units (the host's standard 256 when 0); a longer title is cut.
+    const int capacity = request.capacity > 0 ? request.capacity : FXWC_CAPTION_DEFAULT_UNITS;
+    const int units = std::min(title.size(), capacity - 1);
+    std::memcpy(reply, title.utf16(), sizeof(coreWChar) * static_cast<std::size_t>(units));
+    reply[units] = 0;
+    return 0;
+}
+
+int ChartInterface::GetOwnerForObj(fxwcGetOwnerForObj* record) {
+    if (!record) return 1;
+    void* object = nullptr;
+    std::memcpy(&object, reinterpret_cast<const char*>(record) + offsetof(fxwcGetOwnerForObj, object), sizeof object);
+    for (PFChartWidget* widget : widgets_) {
+        if (!widget->HoldsObject(object)) continue;
+        void* const iface = widget->GetCurrentInterface();
+        void* const owner = widget;
+        std::memcpy(reinterpret_cast<char*>(record) + offsetof(fxwcGetOwnerForObj, iface), &iface, sizeof iface);
+        std::memcpy(reinterpret_cast<char*>(record) + offsetof(fxwcGetOwnerForObj, widget), &owner, sizeof owner);
+        return 0;
+    }
+    return 1;
+}
+
 PFChartWidget* ChartInterface::GetActiveWidget() const {
     for (PFChartWidget* widget : widgets_)
         if (widget->IsActive()) return widget;
@@ -173,8 +238,16 @@ int ChartInterface::ReceiveMessageWrap(void*, unsigned int message, std::intptr_
             if (!record) return 1;
             CreateWindowComponent(static_cast<CREATEWINDOWCOMPONENT*>(record));
             return 0;
-        case MSG_PANEL_STATUS:
-            return record ? 0 : 1;
+        case MSG_PANEL_STATUS: {
+            if (!record) return 1;
+            const fxwcPanelTarget target = *static_cast<const fxwcPanelTarget*>(record);
+            ChangePanelStatus(target.widget, reinterpret_cast<const fxwcPanelStatus*>(p2));
+            return 0;
+        }
+        case MSG_LOAD_CHART:
+        case MSG_SAVE_CHART:
+            SaveLoadReQuest(record, reinterpret_cast<const coreSzNode*>(p2), message == MSG_LOAD_CHART);
+            return 0;
         // Messages about one chart window: only windows this interface created are acted
         // on; any other address answers 1 and is never dereferenced.
         case MSG_DATA_UPDATED: {
@@ -206,15 +279,21 @@ int ChartInterface::ReceiveMessageWrap(void*, unsigned int message, std::intptr_
         case MSG_WC_DROP_INSTRUMENTS:
             DropInstruments(record, reinterpret_cast<const fxwcDropList*>(p2));
             return 0;
-        case MSG_WC_PRINT:
-            // Printing is not offered yet: the request is not handled.
-            return 1;
+        case MSG_WC_PRINT: {
+            if (!IsListed(record)) return 1;
+            PFChartWidget* w = static_cast<PFChartWidget*>(record);
+            if (w->IsBusy()) return 1;
+            w->Print();
+            return 0;
+        }
         case MSG_WC_OWNER_FOR_OBJECT:
-            return 1;  // no chart window holds the object
-        case MSG_LOAD_CHART:
-        case MSG_SAVE_CHART:
+            return GetOwnerForObj(static_cast<fxwcGetOwnerForObj*>(record));
         case MSG_WC_CAPTION:
+            FxWindowComponentGetCaption(static_cast<const fxwcGetCaption*>(record), reinterpret_cast<coreWChar*>(p2));
+            return 0;
         case MSG_APPLY_PROPERTY:
+            ApplyProperty(static_cast<const PROPERTY_CHANGE*>(record));
+            return 0;
         default:
             return 0;
     }

@@ -43,6 +43,17 @@ public:
     int DestroyWindowComponent(void* widget);
     // 5007: adds every dropped instrument to a listed window.
     void DropInstruments(void* widget, const fxwcDropList* list);
+    // 3020 (load, `load` true) and 3021 (save): the window's layout under the work-data node.
+    void SaveLoadReQuest(void* widget, const coreSzNode* node, bool load);
+    // 3518: a listed window's panel changed status.
+    void ChangePanelStatus(void* widget, const fxwcPanelStatus* record);
+    // 10054: 1 for a null record; 0 otherwise, applied only to a listed window.
+    int ApplyProperty(const PROPERTY_CHANGE* record);
+    // 5034: 1 for a null record or a window not listed; else the title into the reply.
+    int FxWindowComponentGetCaption(const fxwcGetCaption* record, coreWChar* reply);
+    // 5025: 0 with the owning window and its interface written into the record; 1 when no
+    // listed window holds the object (the record is left alone).
+    int GetOwnerForObj(fxwcGetOwnerForObj* record);
 
     void InicParameters(HostCallback callback, HostCallback callback2, void* handle, void* handle2);
     int ReceiveMessageWrap(void* target, unsigned int message, std::intptr_t p1, std::intptr_t p2);

@@ -24,14 +24,10 @@ PFChartModule::~PFChartModule() {
 }
 
 void PFChartModule::CreateStatusBar() {
-    gx::TextStatusBar* bar = new gx::TextStatusBar(pfInterface_->GetHostHandle(), hostHandle, this);
-    boost::shared_ptr<gx::TextStatusBar> holder;
-    try {
-        holder.reset(bar);
-    } catch (...) {
-        delete bar;
-        throw;
-    }
+    // Should making the holder fail, the shared pointer deletes the new status bar before the
+    // failure goes on.
+    const boost::shared_ptr<gx::TextStatusBar> holder(
+        new gx::TextStatusBar(pfInterface_->GetHostHandle(), hostHandle, this));
     holder->InitTextStatusBar();
     statusBar_ = holder;
 }

@@ -5,6 +5,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QWidget>
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <sstream>
@@ -41,11 +42,6 @@ QString readTitle(const coreWChar* text) {
     return QString::fromUtf16(text, n);
 }
 
-void copyText(char* field, std::size_t size, const std::string& text) {
-    std::strncpy(field, text.c_str(), size - 1);
-    field[size - 1] = 0;
-}
-
 bool holdsWidgets(const QWidget* container) {
     return !container->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly).isEmpty();
 }
@@ -59,6 +55,14 @@ ChartWindows::ChartWindows(Host& host, CoreServices& core, DataCore& data, MainW
     });
     host_.on(MSG_WINDOW_DESTROYED, [this](void* target, std::intptr_t p1, std::intptr_t, std::string& d) {
         return windowDestroyed(target, reinterpret_cast<const fxwcWindowDestroyed*>(p1), d);
+    });
+    host_.on(MSG_DESCRIBE_DRAG, [this](void* target, std::intptr_t p1, std::intptr_t p2, std::string& d) {
+        return describeDrag(target, false, reinterpret_cast<const coreDragData*>(p1),
+                            reinterpret_cast<fxwcDropInstrument*>(p2), d);
+    });
+    host_.on(MSG_DESCRIBE_PRIMITIVE, [this](void* target, std::intptr_t p1, std::intptr_t p2, std::string& d) {
+        return describeDrag(target, true, reinterpret_cast<const coreDragData*>(p1),
+                            reinterpret_cast<fxwcDropInstrument*>(p2), d);
     });
 }
 
@@ -146,40 +150,6 @@ void ChartWindows::removeWindow(void* widget) {
     }
 }
 
-bool ChartWindows::dropRecord(const std::string& name, const std::optional<namePeriod>& period,
-                              fxwcDropInstrument* record) {
-    const data::Instrument* instrument = data_.instrument(name);
-    if (!instrument || !record) return false;
-    std::memset(record, 0, sizeof *record);
-    record->baseHandle = data_.baseHandle(name);
-    data::putWide(reinterpret_cast<char*>(record) + offsetof(fxwcDropInstrument, name), 255, name);
-    copyText(record->symbol, sizeof record->symbol, name);
-    copyText(record->instrumentType, sizeof record->instrumentType, "Currency");
-    copyText(record->providerName, sizeof record->providerName, "TELVIX");
-    const namePeriod p = period ? *period : instrument->period();
-    record->periodType = p.type;
-    record->periodLength = p.length;
-    record->startTime = 0;
-    record->style = 0;
-    return true;
-}
-
-int ChartWindows::drop(void* widget, const std::vector<std::string>& instruments,
-                       const std::optional<namePeriod>& period) {
-    const Window* w = find(widget);
-    if (!w) return -1;
-    std::vector<fxwcDropInstrument> records(instruments.size());
-    std::string names;
-    for (std::size_t i = 0; i < instruments.size(); ++i) {
-        if (!dropRecord(instruments[i], period, &records[i])) return -1;
-        names += (i ? ", " : "") + instruments[i];
-    }
-    fxwcDropList list;
-    list.count = std::int32_t(records.size());
-    list.records = records.empty() ? nullptr : records.data();
-    return host_.send(w->iface, MSG_WC_DROP_INSTRUMENTS, P(widget), P(&list), "drop " + names + " on " + hex(widget));
-}
-
 int ChartWindows::show(void* widget) {
     const Window* w = find(widget);
     return w ? host_.send(w->iface, MSG_WC_SHOW, P(widget), 0, "show " + hex(widget)) : -1;
@@ -225,6 +195,71 @@ QImage ChartWindows::grab(void* widget, const QSize& size) {
     return w && w->container ? w->container->grab().toImage() : QImage();
 }
 
+int ChartWindows::print(void* widget) {
+    const Window* w = find(widget);
+    return w ? host_.send(w->iface, MSG_WC_PRINT, P(widget), 0, "print " + hex(widget)) : -1;
+}
+
+ChartWindows::Owner ChartWindows::owner(data::ChartType type, void* object) {
+    Owner out{-1, nullptr, nullptr};
+    void* iface = interfaceFor(type);
+    if (!iface) return out;
+    fxwcGetOwnerForObj record;
+    std::memset(&record, 0, sizeof record);
+    record.object = object;
+    out.answer = host_.send(iface, MSG_WC_OWNER_FOR_OBJECT, P(&record), 0, "owner of " + hex(object));
+    out.widget = record.widget;
+    out.iface = record.iface;
+    return out;
+}
+
+ChartWindows::Caption ChartWindows::caption(void* widget, std::int32_t capacity) {
+    Caption out{-1, QString(), false, false};
+    const Window* w = find(widget);
+    if (!w) return out;
+    const std::int32_t units = capacity > 0 ? std::min<std::int32_t>(capacity, kMaxTitle) : FXWC_CAPTION_DEFAULT_UNITS;
+    // Guard units behind the buffer show a module writing past its end.
+    const std::size_t kGuard = 16;
+    const coreWChar kFill = 0xFFFF;
+    std::vector<coreWChar> buffer(std::size_t(units) + kGuard, kFill);
+    fxwcGetCaption record;
+    std::memset(&record, 0, sizeof record);
+    record.widget = widget;
+    record.capacity = capacity > 0 ? units : capacity;
+    out.answer = host_.send(w->iface, MSG_WC_CAPTION, P(&record), P(buffer.data()),
+                            "caption of " + hex(widget) + " in " + std::to_string(units) + " units");
+    const auto end = std::find(buffer.begin(), buffer.begin() + units, coreWChar(0));
+    out.terminated = end != buffer.begin() + units;
+    out.text = QString::fromUtf16(buffer.data(), int(end - buffer.begin()));
+    out.overrun = std::any_of(buffer.begin() + units, buffer.end(), [kFill](coreWChar u) { return u != kFill; });
+    return out;
+}
+
+int ChartWindows::panelStatus(void* widget, std::int32_t status, std::int32_t value) {
+    const Window* w = find(widget);
+    if (!w) return -1;
+    fxwcPanelTarget target;
+    std::memset(&target, 0, sizeof target);
+    target.widget = widget;
+    fxwcPanelStatus record;
+    record.status = status;
+    record.value = value;
+    return host_.send(w->iface, MSG_PANEL_STATUS, P(&target), P(&record),
+                      "panel of " + hex(widget) + " status=" + std::to_string(status) + " value=" +
+                          std::to_string(value));
+}
+
+int ChartWindows::applyProperty(void* widget, void* page, std::int32_t value) {
+    const Window* w = find(widget);
+    if (!w) return -1;
+    PROPERTY_CHANGE record;
+    record.page = page;
+    record.widget = widget;
+    record.value = value;
+    return host_.send(w->iface, MSG_APPLY_PROPERTY, P(&record), 0,
+                      "property page " + hex(page) + " of " + hex(widget) + " value=" + std::to_string(value));
+}
+
 QString ChartWindows::title(void* widget) const {
     const Window* w = find(widget);
     return w ? w->title : QString();
@@ -249,6 +284,12 @@ QMdiSubWindow* ChartWindows::subWindow(void* widget) const {
 void* ChartWindows::interfaceOf(void* widget) const {
     const Window* w = find(widget);
     return w ? w->iface : nullptr;
+}
+
+bool ChartWindows::typeOf(void* widget, data::ChartType* type) const {
+    const Window* w = find(widget);
+    if (w && type) *type = w->type;
+    return w != nullptr;
 }
 
 bool ChartWindows::eventFilter(QObject* watched, QEvent* event) {

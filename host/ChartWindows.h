@@ -13,6 +13,16 @@
 // Dropping instruments (5007) sends 1296-byte fxwcDropInstrument records built from the
 // data core's instruments: the base series handle, the name as UTF-16 and as the symbol,
 // kind "Currency", provider "TELVIX", the instrument's period unless another is given.
+// The same record answers the module's questions about drag data dropped on its widget
+// (the byte formats are in host/DragData.h), sent to the host core with p1 coreDragData,
+// p2 the fxwcDropInstrument to fill:
+//   3119  instrument drag data: the instrument's record; 1 for unreadable data or an
+//         instrument the data core does not have
+//   3048  primitive drag data: the same, with the record's style set to the chart type
+//         value (0 Point and Figure, 1 Renko, 2 Kagi)
+// Either answers 1 and writes nothing for a null record or bytes, a length outside 1 to
+// drag::kMaxBytes, or a target other than the core. Drags themselves are played with
+// dragDrop, context menus with chooseFromContextMenu (ChartGestures.cpp).
 //
 // Chart windows are the module's widgets inside the host's containers, so they must be
 // destroyed (destroyAll) while the module is still loaded.
@@ -20,9 +30,11 @@
 
 #include <QImage>
 #include <QObject>
+#include <QPoint>
 #include <QPointer>
 #include <QSize>
 #include <QString>
+#include <QStringList>
 #include <map>
 #include <optional>
 #include <string>
@@ -32,6 +44,8 @@
 #include "host/data/ChartType.h"
 
 class QMdiSubWindow;
+class QMenu;
+class QMimeData;
 class QWidget;
 
 namespace host {
@@ -83,9 +97,61 @@ public:
     QMdiSubWindow* subWindow(void* widget) const;
     // The interface address the window's messages go to; null for a widget that is not a window.
     void* interfaceOf(void* widget) const;
+    // The window's chart type; false for a widget that is not a window.
+    bool typeOf(void* widget, data::ChartType* type) const;
 
     // Every 3150 the module sent, in order, for windows of this host or not.
     const std::vector<fxwcWindowDestroyed>& destroyedRecords() const { return destroyed_; }
+
+    // ---- the other window messages (-1: nothing sent, the widget is not a window) ----
+    // 5012: print the window. Any print dialog it opens is answered by the emulator's
+    // DialogAnswerer.
+    int print(void* widget);
+    // 5025 to the interface of `type`: the window holding `object`. The record's result
+    // words start null; they are returned as the module left them.
+    struct Owner {
+        int answer;
+        void* widget;
+        void* iface;
+    };
+    Owner owner(data::ChartType type, void* object);
+    // 5034: the window's caption in a buffer of `capacity` units (0: the standard 256; at
+    // most 4096).
+    // `terminated` says the module ended the text inside the buffer, `overrun` that it
+    // wrote past it (into guard units the host keeps behind).
+    struct Caption {
+        int answer;
+        QString text;
+        bool terminated;
+        bool overrun;
+    };
+    Caption caption(void* widget, std::int32_t capacity = 0);
+    // 3518: the window's panel changed status (fxwcPanelTarget, fxwcPanelStatus).
+    int panelStatus(void* widget, std::int32_t status, std::int32_t value);
+    // 10054: a property page of the window was applied (PROPERTY_CHANGE).
+    int applyProperty(void* widget, void* page, std::int32_t value);
+
+    // ---- gestures of the person at the terminal (ChartGestures.cpp) ----
+    // The module's chart widget as a QWidget: the container's child at the widget's address
+    // (or its only child); null for a widget that is not a window.
+    QWidget* chartWidget(void* widget) const;
+    // Drags `mime` onto the window and drops it at `point` (chart widget coordinates), as
+    // Qt delivers a drag: QDragEnterEvent, then QDragMoveEvent (starting accepted when the
+    // enter was), then QDropEvent, each sent to the deepest widget at the point that accepts
+    // drops. A step that is not accepted ends the drag. True when the drop was accepted.
+    bool dragDrop(void* widget, const QMimeData* mime, const QPoint& point,
+                  Qt::DropAction action = Qt::CopyAction);
+    // A right click at `point`: button press, release, then the context-menu event, as on a
+    // terminal that opens context menus on release. The popup that opens is followed along
+    // `path` (entry texts without '&': each but the last opens a submenu by hovering it) and
+    // its last entry is hovered and chosen with the Return key. False, with the entries that
+    // were there in `error`, when no menu opens or an entry is missing; the menus are closed
+    // in every case.
+    bool chooseFromContextMenu(void* widget, const QPoint& point, const QStringList& path,
+                               std::string* error = nullptr);
+    // The entries of the menu `path` leads to (the context menu itself for an empty path),
+    // separators left out, submenus ending in " >"; empty when there is no such menu.
+    QStringList contextMenuEntries(void* widget, const QPoint& point, const QStringList& path = QStringList());
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -106,6 +172,10 @@ private:
     void* interfaceFor(data::ChartType type) const;
 
     int titleChanged(void* target, void* widget, const coreWChar* text, std::string& detail);
+    int describeDrag(void* target, bool primitive, const coreDragData* drag, fxwcDropInstrument* record,
+                     std::string& detail);
+    // Opens the context menu and walks `path`: the menu reached, or null (menus closed).
+    QMenu* openMenu(void* widget, const QPoint& point, const QStringList& path, std::string* error);
     int windowDestroyed(void* target, const fxwcWindowDestroyed* record, std::string& detail);
 
     Host& host_;

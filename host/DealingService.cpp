@@ -1,6 +1,8 @@
 #include "host/DealingService.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdio>
 #include <cstring>
 
 #include "host/CoreServices.h"
@@ -19,6 +21,12 @@ DealingService::DealingService(Host& host, CoreServices& core) : host_(host), co
     });
     host_.on(MSG_DEAL_DAYOFF_LIST, [this](void* target, std::intptr_t p1, std::intptr_t p2, std::string& d) {
         return countDayOff(target, int(p1), reinterpret_cast<fxdDayOffRequest*>(p2), true, d);
+    });
+    host_.on(MSG_DEAL_DEAL, [this](void* target, std::intptr_t p1, std::intptr_t, std::string& d) {
+        return trade(target, reinterpret_cast<const fxdTradeRequest*>(p1), TradeKind::Deal, d);
+    });
+    host_.on(MSG_DEAL_ORDER, [this](void* target, std::intptr_t p1, std::intptr_t, std::string& d) {
+        return trade(target, reinterpret_cast<const fxdTradeRequest*>(p1), TradeKind::Order, d);
     });
 }
 
@@ -129,6 +137,74 @@ int DealingService::countDayOff(void* target, int accountId, fxdDayOffRequest* r
     }
     detail += "symbols=" + std::to_string(n) + " dayoff=" + std::to_string(closed);
     return 0;
+}
+
+std::string DealingService::dealingName(void* dealing) const {
+    const Dealing* d = find(dealing);
+    return d ? d->name : std::string();
+}
+
+std::vector<void*> DealingService::addDemoAccounts(int count) {
+    std::vector<void*> made;
+    for (int k = 1; k <= count; ++k) {
+        const std::size_t which = std::size_t((k - 1) % 2);
+        if (made.size() <= which) made.push_back(addDealing(which == 0 ? "Demo dealing" : "Second dealing"));
+        const int id = 1000 + k;
+        addAccount(made[which], id, demoAccountName(k));
+        setDayOff(made[which], id, "USDCHF", false);
+    }
+    return made;
+}
+
+QString DealingService::demoAccountName(int k) {
+    return k == 1 ? QStringLiteral("Demo account") : QStringLiteral("Demo account %1").arg(k);
+}
+
+int DealingService::trade(void* target, const fxdTradeRequest* request, TradeKind kind, std::string& detail) {
+    const Dealing* d = find(target);
+    if (!d || !request) {
+        detail = d ? "no request" : "not a dealing";
+        return 1;
+    }
+    fxdTradeRequest r;
+    std::memcpy(&r, request, sizeof r);
+    Trade t;
+    t.received = QDateTime::currentDateTimeUtc();
+    t.dealing = target;
+    t.accountId = r.accountId;
+    t.instrument.assign(r.instrument, strnlen(r.instrument, sizeof r.instrument));
+    t.kind = kind;
+    t.price = r.price;
+    detail = std::string(kindName(kind)) + " " + t.instrument + " account=" + std::to_string(t.accountId);
+    if (kind == TradeKind::Order) detail += " price=" + std::to_string(t.price);
+    const bool known = std::any_of(d->accounts.begin(), d->accounts.end(),
+                                   [&t](const fxdDealAccount& a) { return a.accountId == t.accountId; });
+    const char* refused = nullptr;
+    if (t.instrument.empty())
+        refused = "no instrument";
+    else if (!known)
+        refused = "no such account at this dealing";
+    else if (!std::isfinite(t.price) || (kind == TradeKind::Order && t.price <= 0))
+        refused = "bad price";
+    if (refused) {
+        detail += std::string(": refused, ") + refused;
+        return 1;
+    }
+    blotter_.push_back(t);
+    return 0;
+}
+
+std::string DealingService::describeBlotter() const {
+    std::string out;
+    char line[512];
+    for (const Trade& t : blotter_) {
+        std::snprintf(line, sizeof line, "%s  %-16s %8d  %-5s  %-20s %.10g\n",
+                      t.received.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz")).toUtf8().constData(),
+                      dealingName(t.dealing).c_str(), int(t.accountId), kindName(t.kind), t.instrument.c_str(),
+                      t.price);
+        out += line;
+    }
+    return out;
 }
 
 int DealingService::raiseAccountAdded(void* dealing, int id, const QString& name) {

@@ -1,9 +1,19 @@
 // The emulated terminal's dealing interfaces ("DEALING", "TELVIX", any name): their
-// accounts (16000/16001), the day-off states of each account's symbols (16026/16027), and
-// the dealing events the terminal raises to the module when accounts come and go (16002,
-// 16003) or day-off states change (16048).
+// accounts (16000/16001), the day-off states of each account's symbols (16026/16027), the
+// dealing events the terminal raises to the module when accounts come and go (16002,
+// 16003) or day-off states change (16048), and the deals (16015) and orders (16014) placed
+// from a chart.
+//
+// A deal or order is sent to the deal interface of its account with p1 = fxdTradeRequest.
+// The terminal would open its dealing dialog; the emulator books it into a blotter. It is
+// refused (answer 1, nothing booked, the reason in the journal) when the target is no
+// dealing of this service, the record is null, the instrument is empty, the account is not
+// one of that dealing's, or the price is not finite (an order's must also be above 0).
+// The record is packed and read by value; the instrument is read up to its terminator or
+// the field's 21 bytes, whichever comes first.
 #pragma once
 
+#include <QDateTime>
 #include <QString>
 #include <map>
 #include <string>
@@ -45,6 +55,32 @@ public:
 
     static const char* eventName() { return "DealingEvent"; }
 
+    // The name a dealing was added with; empty for an unknown handle.
+    std::string dealingName(void* dealing) const;
+
+    // Adds `count` accounts for a terminal set up on the command line: account k (from 1)
+    // has id 1000 + k and is named "Demo account" (k = 1) or "Demo account k"; odd accounts
+    // belong to "Demo dealing", even ones to "Second dealing" (made only when needed).
+    // Every account trades USDCHF. Returns the dealings made, in order.
+    std::vector<void*> addDemoAccounts(int count);
+    static QString demoAccountName(int k);
+
+    enum class TradeKind { Deal, Order };
+    struct Trade {
+        QDateTime received;  // UTC
+        void* dealing;       // the deal interface the request was sent to
+        std::int32_t accountId;
+        std::string instrument;
+        TradeKind kind;
+        double price;        // orders: the price asked; deals: as sent (normally 0)
+    };
+    // Deals and orders booked, oldest first.
+    const std::vector<Trade>& blotter() const { return blotter_; }
+    void clearBlotter() { blotter_.clear(); }
+    // One line per trade: time, dealing, account, kind, instrument, price.
+    std::string describeBlotter() const;
+    static const char* kindName(TradeKind kind) { return kind == TradeKind::Deal ? "deal" : "order"; }
+
 private:
     struct Dealing {
         std::string name;
@@ -57,10 +93,12 @@ private:
     int countAccounts(void* target, fxdAccountRequest* request, bool fill, std::string& detail);
     int countDayOff(void* target, int accountId, fxdDayOffRequest* request, bool fill,
                     std::string& detail);
+    int trade(void* target, const fxdTradeRequest* request, TradeKind kind, std::string& detail);
 
     Host& host_;
     CoreServices& core_;
     std::map<void*, Dealing> dealings_;
+    std::vector<Trade> blotter_;
 };
 
 }  // namespace host

@@ -5,10 +5,12 @@
 #include <cstdio>
 #include <cstring>
 
+#include "host/ChartLayouts.h"
 #include "host/ChartWindows.h"
 #include "host/CoreServices.h"
 #include "host/DataCore.h"
 #include "host/DealingService.h"
+#include "host/DialogAnswerer.h"
 #include "host/MainWindowService.h"
 #include "host/WorkDataStore.h"
 
@@ -29,6 +31,13 @@ Emulator::Emulator(const EmulatorOptions& options) : options_(options), host_(ne
     mainWindow_.reset(new MainWindowService(*host_, *core_, options_.workFolder));
     dealing_.reset(new DealingService(*host_, *core_));
     charts_.reset(new ChartWindows(*host_, *core_, *data_, *mainWindow_));
+    layouts_.reset(new ChartLayouts(*host_, *charts_, *workData_));
+    dialogs_.reset(new DialogAnswerer(QString::fromStdString(options_.workFolder)));
+    // The module's question boxes label their buttons with its own "Yes" and "No" texts.
+    dialogs_->setButtonTexts([this](bool yes) {
+        const QString text = moduleText(yes ? "C0078" : "C0077");
+        return text.isEmpty() ? QStringList() : QStringList(text);
+    });
 }
 
 Emulator::~Emulator() {
@@ -38,6 +47,8 @@ Emulator::~Emulator() {
     charts_->destroyAll();
     mainWindow_->closeWindow();
     host_->unload();
+    dialogs_.reset();
+    layouts_.reset();
     charts_.reset();
     dealing_.reset();
     mainWindow_.reset();
@@ -56,6 +67,12 @@ bool Emulator::loadModule(std::string* error) {
 }
 
 void Emulator::startUp() { host_->startUp(); }
+
+QString Emulator::moduleText(const char* key) const {
+    const QString context = QString::fromLatin1(info_.translateContext,
+                                                int(strnlen(info_.translateContext, sizeof info_.translateContext)));
+    return context.isEmpty() ? QString() : core_->translation(context, QString::fromLatin1(key));
+}
 
 std::string describeModuleInfo(const MODULE_INFO& info) {
     char buffer[4096];

@@ -2,6 +2,7 @@
 // attached. Tests and `pfhost` build one of these.
 #pragma once
 
+#include <QString>
 #include <memory>
 #include <string>
 #include <vector>
@@ -16,6 +17,8 @@ class WorkDataStore;
 class MainWindowService;
 class DealingService;
 class ChartWindows;
+class ChartLayouts;
+class DialogAnswerer;
 
 struct EmulatorOptions {
     std::string modulePath;              // default: the built libPFChartModule.so.1
@@ -40,6 +43,10 @@ public:
     MainWindowService& mainWindow() { return *mainWindow_; }
     DealingService& dealing() { return *dealing_; }
     ChartWindows& charts() { return *charts_; }
+    ChartLayouts& layouts() { return *layouts_; }
+    // Answers the module's modal dialogs for as long as the emulator lives (no person is
+    // there to do it); its policy is set by the tests and pfhost.
+    DialogAnswerer& dialogs() { return *dialogs_; }
 
     // dlopen, GetModuleInfo and Initialize, as the terminal does.
     bool loadModule(std::string* error = nullptr);
@@ -47,6 +54,9 @@ public:
     const MODULE_INFO& moduleInfo() const { return info_; }
     // 3004, 3007, 3066.
     void startUp();
+    // The text of one of the module's translation keys as the terminal's table holds it
+    // (the module inserts its defaults at 3007); empty when it has none.
+    QString moduleText(const char* key) const;
 
 private:
     EmulatorOptions options_;
@@ -57,6 +67,8 @@ private:
     std::unique_ptr<MainWindowService> mainWindow_;
     std::unique_ptr<DealingService> dealing_;
     std::unique_ptr<ChartWindows> charts_;
+    std::unique_ptr<ChartLayouts> layouts_;
+    std::unique_ptr<DialogAnswerer> dialogs_;
     std::string tempFolder_;
     MODULE_INFO info_;
 };

@@ -240,6 +240,24 @@ void* WorkDataStore::createChild(void* parent, const QString& name) {
     return c->handle;
 }
 
+bool WorkDataStore::clear(void* handle) {
+    Node* n = find(handle);
+    if (!n) return false;
+    for (auto& c : n->children) forget(*c);
+    n->children.clear();
+    n->attributes.clear();
+    touch(n);
+    return true;
+}
+
+bool WorkDataStore::setAttribute(void* handle, const QString& name, const QString& value) {
+    Node* n = find(handle);
+    if (!n || !n->parent || !workdata::isXmlName(name) || name == QLatin1String("xmlns")) return false;
+    n->setAttribute(name, value);
+    touch(n);
+    return true;
+}
+
 bool WorkDataStore::describe(void* handle, coreSzNode* out) const {
     const Node* n = find(handle);
     const Document* doc = documentOf(n);
@@ -290,11 +308,7 @@ int WorkDataStore::onSave(std::intptr_t p1, std::string& detail) {
 
 int WorkDataStore::onClear(std::intptr_t p1, std::string& detail) {
     Node* n = findNode(record<coreSzNode>(p1));
-    if (!n) return 1;
-    for (auto& c : n->children) forget(*c);
-    n->children.clear();
-    n->attributes.clear();
-    touch(n);
+    if (!n || !clear(n->handle)) return 1;
     detail = "clear " + hex(n->handle);
     return 0;
 }

@@ -52,6 +52,10 @@ public:
     // The first child of `node` named `name`, or 0.
     void* child(void* node, const QString& name) const;
     void* createChild(void* parent, const QString& name);
+    // Removes the node's attributes and children (what 3165 does); false for no node.
+    bool clear(void* node);
+    // Sets one attribute of an element; false for no element or a name 3168 would refuse.
+    bool setAttribute(void* node, const QString& name, const QString& value);
     // The record the host hands the module for `node` (3020 and 3021).
     bool describe(void* node, coreSzNode* record) const;
     // The node of a handle, or null.

@@ -2,10 +2,15 @@
 
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QWidget>
+#include <algorithm>
 #include <cstdio>
 
+#include "host/ChartLayouts.h"
 #include "host/ChartWindows.h"
 #include "host/DataCore.h"
+#include "host/DealingService.h"
+#include "host/DialogAnswerer.h"
 #include "host/Emulator.h"
 #include "host/cli/Commands.h"
 #include "host/data/ChartObject.h"
@@ -19,6 +24,8 @@ namespace {
 // Picture sizes `pfhost` accepts, in pixels per side.
 const int kMinSide = 100;
 const int kMaxSide = 10000;
+// Accounts `pfhost chart --accounts` sets up at most.
+const int kMaxAccounts = 99;
 
 QString describeSettings(data::ChartType type, const data::ChartSettings& s) {
     QString text = QStringLiteral("box %1").arg(s.box, 0, 'g', 10);
@@ -30,16 +37,77 @@ QString describeSettings(data::ChartType type, const data::ChartSettings& s) {
     return text;
 }
 
-// The window's part of DrawChart: create, drop, replay, grab, destroy.
+// A deal or an order from the window's context menu: Trade, then the account's submenu
+// when there are several accounts, then the deal or order entry.
+bool trade(Emulator& emulator, void* widget, const ChartPicture& picture, const ChartPicture::Trade& t,
+           std::string* error) {
+    const char* keys[] = {"PF0019", t.order ? "Tr0131SetOrdr" : "Tr0038Deal"};
+    QStringList path;
+    for (const char* key : keys) {
+        path << emulator.moduleText(key);
+        if (path.last().isEmpty()) {
+            *error = std::string("the module gave no text for ") + key;
+            return false;
+        }
+    }
+    if (picture.accounts > 1) path.insert(1, DealingService::demoAccountName(t.account));
+    QWidget* chart = emulator.charts().chartWidget(widget);
+    const QPoint at = !picture.tradeAt.isNull() || !chart ? picture.tradeAt : chart->rect().center();
+    if (emulator.charts().chooseFromContextMenu(widget, at, path, error)) return true;
+    *error = "the context menu: " + *error;
+    return false;
+}
+
+// What happens to a drawn window before it closes: its layout saved, printed, traded from.
+bool afterDrawing(Emulator& emulator, ChartPicture& picture, void* widget, std::string* error) {
+    ChartWindows& charts = emulator.charts();
+    QString why;
+    if (!picture.saveLayout.isEmpty() && !emulator.layouts().save(widget, picture.saveLayout, &why)) {
+        *error = "the layout was not saved: " + why.toStdString();
+        return false;
+    }
+    if (!picture.printFile.isEmpty()) {
+        DialogAnswerer& dialogs = emulator.dialogs();
+        dialogs.setPrinting(DialogAnswerer::Printing::Accept, picture.printFile);
+        const std::size_t before = dialogs.answers().size();
+        const int answer = charts.print(widget);
+        bool asked = false;
+        for (std::size_t i = before; i < dialogs.answers().size(); ++i)
+            asked = asked || dialogs.answers()[i].kind == DialogAnswerer::Answer::Print;
+        if (answer != 0 || !asked || !QFileInfo(picture.printFile).isFile()) {
+            *error = answer != 0 ? "the module answered 5012 with " + std::to_string(answer)
+                                 : asked ? "the module printed nothing" : "the module opened no print dialog";
+            return false;
+        }
+    }
+    for (const ChartPicture::Trade& t : picture.trades)
+        if (!trade(emulator, widget, picture, t, error)) return false;
+    return true;
+}
+
+// The window's part of DrawChart: create (or load), drop, replay, grab, the steps after
+// drawing, destroy.
 bool drawWindow(Emulator& emulator, ChartPicture& picture, std::string* error) {
     DataCore& core = emulator.data();
     ChartWindows& charts = emulator.charts();
-    void* widget = charts.create(picture.type);
-    if (!widget) {
-        *error = "the module made no " + std::string(data::chartTypeName(picture.type)) + " chart window";
-        return false;
+    void* widget = nullptr;
+    if (!picture.loadLayout.isEmpty()) {
+        QString why;
+        widget = emulator.layouts().load(picture.type, picture.loadLayout, &why);
+        if (!widget) {
+            *error = why.toStdString();
+            return false;
+        }
+    } else {
+        widget = charts.create(picture.type);
+        if (!widget) {
+            *error = "the module made no " + std::string(data::chartTypeName(picture.type)) + " chart window";
+            return false;
+        }
     }
-    for (const std::string& name : picture.instruments) {
+    // A loaded window has its instruments already: the price sources only feed the replay.
+    const std::vector<std::string> drops = picture.loadLayout.isEmpty() ? picture.instruments : std::vector<std::string>();
+    for (const std::string& name : drops) {
         const int answer = charts.drop(widget, {name});
         if (answer != 0) {
             *error = "the chart window refused " + name + " (5007 answered " + std::to_string(answer) + ")";
@@ -54,12 +122,14 @@ bool drawWindow(Emulator& emulator, ChartPicture& picture, std::string* error) {
 
     picture.image = charts.grab(widget, picture.size);
     picture.title = charts.title(widget);
-    charts.destroy(widget);
     if (picture.image.isNull()) {
         *error = "the chart window could not be grabbed";
+        charts.destroy(widget);
         return false;
     }
-    return true;
+    const bool done = afterDrawing(emulator, picture, widget, error);
+    charts.destroy(widget);
+    return done;
 }
 
 }  // namespace
@@ -74,7 +144,11 @@ QString ChartPicture::Describe() const {
                        .arg(size.width())
                        .arg(size.height());
     if (!parts.isEmpty()) text += QStringLiteral(": ") + parts.join(QStringLiteral(", "));
+    if (!loadLayout.isEmpty()) text += QStringLiteral(", loaded from %1").arg(loadLayout);
     if (replay > 0) text += QStringLiteral("; %1 quotes replayed, %2 updates").arg(replayed).arg(notices);
+    if (!saveLayout.isEmpty()) text += QStringLiteral("; layout saved to %1").arg(saveLayout);
+    if (!printFile.isEmpty()) text += QStringLiteral("; printed to %1").arg(printFile);
+    if (!trades.empty()) text += QStringLiteral("; %1 trades placed").arg(trades.size());
     return text;
 }
 
@@ -134,7 +208,41 @@ std::string LoadSource(Emulator& emulator, const QString& source, std::size_t ho
     return instrument ? instrument->name() : std::string();
 }
 
-int RunChartCommand(const QStringList& args, const char* command, const char* usageText, bool replay) {
+namespace {
+
+// The options `pfhost chart` takes beyond render's; false for a malformed one.
+bool parseExtras(const QStringList& args, ChartPicture& picture) {
+    bool ok = true;
+    const long count = option(args, "--replay", "0").toLong(&ok);
+    if (!ok || count < 0) return false;
+    picture.replay = std::size_t(count);
+    picture.loadLayout = option(args, "--load-layout");
+    picture.saveLayout = option(args, "--save-layout");
+    picture.printFile = option(args, "--print");
+    picture.accounts = option(args, "--accounts", "1").toInt(&ok);
+    if (!ok || picture.accounts < 0 || picture.accounts > kMaxAccounts) return false;
+    for (const QString& t : options(args, "--trade")) {
+        const QRegularExpressionMatch m = QRegularExpression("^(deal|order)(?::(\\d+))?$").match(t);
+        if (!m.hasMatch()) return false;
+        const int account = m.captured(2).isEmpty() ? 1 : m.captured(2).toInt();
+        if (account < 1 || account > std::max(picture.accounts, 1)) return false;
+        picture.trades.push_back(ChartPicture::Trade{m.captured(1) == QLatin1String("order"), account});
+    }
+    if (args.contains(QLatin1String("--at"))) {
+        const QRegularExpressionMatch m = QRegularExpression("^(\\d+),(\\d+)$").match(option(args, "--at"));
+        if (!m.hasMatch()) return false;
+        picture.tradeAt = QPoint(m.captured(1).toInt(), m.captured(2).toInt());
+    }
+    const QString answer = option(args, "--answer", "no");
+    return answer == QLatin1String("yes") || answer == QLatin1String("no");
+}
+
+const char* const kExtraOptions[] = {"--replay", "--load-layout", "--save-layout", "--print", "--accounts",
+                                     "--trade",  "--at",          "--answer",      "--blotter"};
+
+}  // namespace
+
+int RunChartCommand(const QStringList& args, const char* command, const char* usageText, bool all) {
     auto usage = [&] {
         std::fprintf(stderr, "usage: pfhost %s %s\n", command, usageText);
         return 2;
@@ -142,18 +250,21 @@ int RunChartCommand(const QStringList& args, const char* command, const char* us
     const QStringList sources = options(args, "--data");
     const QString out = option(args, "--out");
     ChartPicture picture;
-    if (sources.isEmpty() || out.isEmpty() ||
-        !data::parseChartType(option(args, "--type").toStdString(), &picture.type))
+    if (!all)
+        for (const char* name : kExtraOptions)
+            if (args.contains(QLatin1String(name))) return usage();
+    if (!parseExtras(args, picture)) return usage();
+    // A loaded layout brings its instruments and, unless --type says otherwise, its type.
+    const bool typed = args.contains(QLatin1String("--type"));
+    if ((sources.isEmpty() && picture.loadLayout.isEmpty()) || out.isEmpty() ||
+        (typed && !data::parseChartType(option(args, "--type").toStdString(), &picture.type)) ||
+        (!typed && picture.loadLayout.isEmpty()))
         return usage();
     bool ok = true;
     picture.settings.box = option(args, "--box", "0").toDouble(&ok);
     if (!ok) return usage();
     picture.settings.reversal = option(args, "--reversal", "0").toInt(&ok);
     if (!ok) return usage();
-    if (!replay && args.contains(QLatin1String("--replay"))) return usage();
-    const long count = option(args, "--replay", "0").toLong(&ok);
-    if (!ok || count < 0) return usage();
-    picture.replay = std::size_t(count);
     const QRegularExpressionMatch size =
         QRegularExpression("^(\\d+)x(\\d+)$").match(option(args, "--size", "1200x800"));
     if (!size.hasMatch()) return usage();
@@ -166,8 +277,15 @@ int RunChartCommand(const QStringList& args, const char* command, const char* us
     }
 
     Emulator emulator(emulatorOptions(args));
-    if (!startModule(emulator, false)) return 1;
+    emulator.dialogs().setReply(option(args, "--answer") == QLatin1String("yes") ? DialogAnswerer::Reply::Yes
+                                                                                 : DialogAnswerer::Reply::No);
+    if (!startModule(emulator, false, picture.accounts)) return 1;
     std::string error;
+    QString why;
+    if (!typed && !emulator.layouts().typeOf(picture.loadLayout, &picture.type, &why)) {
+        std::fprintf(stderr, "pfhost %s: %s\n", command, qPrintable(why));
+        return 1;
+    }
     for (const QString& source : sources) {
         const std::string name = LoadSource(emulator, source, picture.replay, &error);
         if (name.empty()) {
@@ -176,7 +294,12 @@ int RunChartCommand(const QStringList& args, const char* command, const char* us
         }
         picture.instruments.push_back(name);
     }
-    if (!SaveChart(emulator, picture, out, &error)) {
+    const bool saved = SaveChart(emulator, picture, out, &error);
+    if (hasFlag(args, "--blotter")) {
+        const std::string blotter = emulator.dealing().describeBlotter();
+        std::printf("blotter: %zu trades\n%s", emulator.dealing().blotter().size(), blotter.c_str());
+    }
+    if (!saved) {
         std::fprintf(stderr, "pfhost %s: %s\n", command, error.c_str());
         return 1;
     }

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <QImage>
+#include <QPoint>
 #include <QSize>
 #include <QString>
 #include <QStringList>
@@ -29,6 +30,17 @@ struct ChartPicture {
     data::ChartSettings settings;           // zeros: the data core's defaults
     QSize size{1200, 800};
     std::size_t replay = 0;                 // held-back quotes of each instrument replayed after the drops
+    QString loadLayout;                     // a layout document the window is loaded from (3020), no drops
+    QString saveLayout;                     // where the window's layout is saved once drawn (3021)
+    QString printFile;                      // where the window is printed once drawn (5012), as PDF
+    // Deals and orders placed from the window's context menu once it is drawn, in order.
+    struct Trade {
+        bool order;
+        int account;                        // 1 to the number of accounts (DealingService::addDemoAccounts)
+    };
+    std::vector<Trade> trades;
+    int accounts = 1;                       // accounts the module was started with
+    QPoint tradeAt;                         // where the menu opens; null: the middle of the window
 
     // What was drawn.
     QImage image;
@@ -54,8 +66,9 @@ bool SaveChart(Emulator& emulator, ChartPicture& picture, const QString& path, s
 std::string LoadSource(Emulator& emulator, const QString& source, std::size_t holdBack, std::string* error);
 
 // `pfhost chart` and `pfhost render`: the options of `usage` parsed, the module started,
-// the picture saved. `replay` says whether --replay is taken. Returns the exit status.
-int RunChartCommand(const QStringList& args, const char* command, const char* usage, bool replay);
+// the picture saved. `all` says whether the options beyond render's are taken (--replay,
+// layouts, printing, trading). Returns the exit status.
+int RunChartCommand(const QStringList& args, const char* command, const char* usage, bool all);
 
 }  // namespace cli
 }  // namespace host

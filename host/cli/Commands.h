@@ -40,8 +40,9 @@ namespace cli {
 // --module PATH, --work DIR, --language NAME (repeatable; the first is selected), --log FILE
 EmulatorOptions emulatorOptions(const QStringList& args);
 // Loads the module as the terminal does and runs the start-up messages; with `verbose`,
-// prints its information record and the exchange. False (with the reason on stderr) when
-// it cannot load.
-bool startModule(Emulator& emulator, bool verbose = true);
+// prints its information record and the exchange. The terminal has `accounts` trading
+// accounts (DealingService::addDemoAccounts). False (with the reason on stderr) when it
+// cannot load.
+bool startModule(Emulator& emulator, bool verbose = true, int accounts = 1);
 }  // namespace cli
 }  // namespace host

@@ -86,17 +86,15 @@ host::EmulatorOptions host::cli::emulatorOptions(const QStringList& args) {
     return o;
 }
 
-bool host::cli::startModule(Emulator& emulator, bool verbose) {
+bool host::cli::startModule(Emulator& emulator, bool verbose, int accounts) {
     std::string error;
     if (!emulator.loadModule(&error)) {
         std::fprintf(stderr, "pfhost: %s\n", error.c_str());
         return false;
     }
-    // The terminal on the command line has one dealing with a trading account, as a
-    // terminal connected to a broker would, so the start-up shows the module's account fetch.
-    void* dealing = emulator.dealing().addDealing("Demo dealing");
-    emulator.dealing().addAccount(dealing, 1001, QStringLiteral("Demo account"));
-    emulator.dealing().setDayOff(dealing, 1001, "USDCHF", false);
+    // The terminal on the command line has a dealing with a trading account, as a terminal
+    // connected to a broker would, so the start-up shows the module's account fetch.
+    emulator.dealing().addDemoAccounts(accounts);
     if (verbose)
         std::printf("The emulated terminal loaded %s\n\n%s", emulator.options().modulePath.c_str(),
                     describeModuleInfo(emulator.moduleInfo()).c_str());

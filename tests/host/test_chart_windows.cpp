@@ -1,21 +1,32 @@
 // The terminal's side of the chart windows, without the real module: the main window and
 // its status-bar panes, the records the host builds and its answers to the module's window
-// messages, and the window life cycle against a stand-in module.
+// messages, and against a stand-in module the window life cycle, layouts, drags, context
+// menus, printing and the remaining window messages.
 #include <gtest/gtest.h>
 
+#include <QApplication>
+#include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMimeData>
 #include <QPointer>
+#include <QProcess>
+#include <QTemporaryDir>
 #include <cstring>
 #include <memory>
 
+#include "host/ChartLayouts.h"
 #include "host/ChartWindows.h"
 #include "host/CoreServices.h"
 #include "host/DataCore.h"
+#include "host/DialogAnswerer.h"
+#include "host/DragData.h"
 #include "host/Emulator.h"
 #include "host/MainWindowService.h"
+#include "host/workdata/WorkTree.h"
 
 using host::data::ChartType;
 
@@ -264,4 +275,126 @@ TEST_F(StandIn, WindowsGoOnlyWhenTheModuleAnnouncesThem) {
     QPointer<QWidget> left = static_cast<QWidget*>(renko);
     emulator.reset();
     EXPECT_TRUE(left.isNull());
+}
+
+TEST_F(StandIn, LayoutsAreSavedIntoTheirOwnDocumentAndLoadedIntoAFreshWindow) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("layout.xml");
+    void* kagi = Charts().create(ChartType::Kagi);
+    ASSERT_NE(kagi, nullptr);
+    QString error;
+    ASSERT_TRUE(emulator->layouts().save(kagi, path, &error)) << error.toStdString();
+    // Saved again after a change: the document is replaced, not added to.
+    ASSERT_EQ(Charts().drop(kagi, {"TTRC"}), 0);
+    ASSERT_TRUE(emulator->layouts().save(kagi, path, &error)) << error.toStdString();
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    host::workdata::Node top;
+    ASSERT_TRUE(host::workdata::parse(file.readAll(), top));
+    ASSERT_EQ(top.children.size(), 1u);
+    const host::workdata::Node& root = *top.children[0];
+    EXPECT_EQ(root.name, "ChartLayout");
+    EXPECT_EQ(*root.attribute("Type"), "kagi");
+    ASSERT_EQ(root.children.size(), 1u);
+    EXPECT_EQ(root.children[0]->name, "ChartWindow");
+    ASSERT_EQ(root.children[0]->children.size(), 1u);
+    EXPECT_EQ(root.children[0]->children[0]->attribute("Title")->left(4), "TTRC");
+    QProcess lint;
+    lint.start("xmllint", {"--noout", path});
+    if (lint.waitForFinished(10000)) EXPECT_EQ(lint.exitCode(), 0) << lint.readAllStandardError().constData();
+
+    ChartType type = ChartType::PointAndFigure;
+    EXPECT_TRUE(emulator->layouts().typeOf(path, &type));
+    EXPECT_EQ(type, ChartType::Kagi);
+    void* loaded = emulator->layouts().load(ChartType::Renko, path, &error);
+    ASSERT_NE(loaded, nullptr) << error.toStdString();
+    EXPECT_EQ(Charts().interfaceOf(loaded), Interface("Renko"));
+    EXPECT_EQ(Charts().title(loaded).toStdString(), "loaded PFWidget");  // the ChartWindow node
+}
+
+TEST_F(StandIn, LayoutsRefuseFilesThatAreNoLayoutAndLeaveThemAlone) {
+    QTemporaryDir dir;
+    const QString other = dir.filePath("other.xml");
+    QFile file(other);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("<Skin Colour=\"1\"/>\n");
+    file.close();
+    void* pf = Charts().create(ChartType::PointAndFigure);
+    QString error;
+    EXPECT_FALSE(emulator->layouts().save(pf, other, &error));
+    EXPECT_FALSE(emulator->layouts().save(reinterpret_cast<void*>(0x7300), dir.filePath("x.xml"), &error));
+    const std::size_t windows = Charts().widgets().size();
+    EXPECT_EQ(emulator->layouts().load(ChartType::Renko, other, &error), nullptr);
+    EXPECT_EQ(emulator->layouts().load(ChartType::Renko, dir.filePath("missing.xml"), &error), nullptr);
+    EXPECT_EQ(Charts().widgets().size(), windows);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), QByteArray("<Skin Colour=\"1\"/>\n"));
+    EXPECT_FALSE(QFileInfo::exists(dir.filePath("missing.xml")));
+}
+
+TEST_F(StandIn, DragsReachTheWidgetAndItsDropsAreDescribedByTheHost) {
+    void* pf = Charts().create(ChartType::PointAndFigure);
+    ASSERT_NE(pf, nullptr);
+    EXPECT_TRUE(Charts().dragDrop(pf, host::drag::instrumentDrag("USDCHF").get(), QPoint(10, 10)));
+    EXPECT_EQ(Charts().title(pf).toStdString(),
+              "USDCHF name=USDCHF kind=Currency provider=TELVIX period=I30 start=0 style=0 base=yes");
+    const auto describe = H().journal().find(MSG_DESCRIBE_DRAG);
+    ASSERT_EQ(describe.size(), 1u);
+    EXPECT_EQ(describe[0].result, 0);
+    EXPECT_EQ(H().journal().find(MSG_HEAD_NODE_INFO).back().result, 0);  // the base series is known
+
+    EXPECT_TRUE(Charts().dragDrop(pf, host::drag::primitiveDrag("TTRC", ChartType::Renko).get(), QPoint(5, 5)));
+    EXPECT_NE(Charts().title(pf).indexOf("TTRC name=TTRC"), -1);
+    EXPECT_NE(Charts().title(pf).indexOf("style=1"), -1);
+
+    // Refused by the host, or not taken by the widget at all.
+    EXPECT_FALSE(Charts().dragDrop(pf, host::drag::instrumentDrag("EURUSD").get(), QPoint(5, 5)));
+    QMimeData text;
+    text.setText("USDCHF");
+    EXPECT_FALSE(Charts().dragDrop(pf, &text, QPoint(5, 5)));
+    EXPECT_FALSE(Charts().dragDrop(reinterpret_cast<void*>(0x7300), &text, QPoint(5, 5)));
+    EXPECT_NE(Charts().title(pf).indexOf("TTRC"), -1);
+}
+
+TEST_F(StandIn, ContextMenuChoicesFollowTheirPathHoveringOnTheWay) {
+    void* pf = Charts().create(ChartType::PointAndFigure);
+    ASSERT_NE(pf, nullptr);
+    const QPoint at(20, 20);
+    EXPECT_EQ(Charts().contextMenuEntries(pf, at), QStringList("Trade >"));
+    EXPECT_EQ(Charts().contextMenuEntries(pf, at, {"Trade"}), QStringList({"Deal", "Order"}));
+    std::string error;
+    ASSERT_TRUE(Charts().chooseFromContextMenu(pf, at, {"Trade", "Order"}, &error)) << error;
+    EXPECT_EQ(Charts().title(pf).toStdString(), "chose Order after &Trade,Order");
+    EXPECT_FALSE(Charts().chooseFromContextMenu(pf, at, {"Trade", "Close"}, &error));
+    EXPECT_NE(error.find("Deal, Order"), std::string::npos) << error;
+    EXPECT_FALSE(Charts().chooseFromContextMenu(pf, at, {"Deal"}, &error));  // not in the top menu
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+}
+
+TEST_F(StandIn, PrintCaptionOwnerPanelAndPropertyMessagesCarryTheirRecords) {
+    void* renko = Charts().create(ChartType::Renko);
+    ASSERT_NE(renko, nullptr);
+    ASSERT_EQ(Charts().print(renko), 0);
+    ASSERT_EQ(emulator->dialogs().answers().size(), 1u);
+    EXPECT_TRUE(QFileInfo(emulator->dialogs().answers()[0].file).isFile());
+
+    const host::ChartWindows::Caption whole = Charts().caption(renko);
+    EXPECT_EQ(whole.text.toStdString(), "printed");
+    EXPECT_TRUE(whole.terminated && !whole.overrun);
+    const host::ChartWindows::Caption cut = Charts().caption(renko, 4);
+    EXPECT_EQ(std::make_tuple(cut.answer, cut.text.toStdString(), cut.terminated, cut.overrun),
+              std::make_tuple(0, std::string("pri"), true, false));
+
+    const host::ChartWindows::Owner owner = Charts().owner(ChartType::Renko, renko);
+    EXPECT_EQ(std::make_tuple(owner.answer, owner.widget, owner.iface), std::make_tuple(0, renko, Interface("Renko")));
+    const host::ChartWindows::Owner none = Charts().owner(ChartType::Kagi, renko);
+    EXPECT_EQ(std::make_tuple(none.answer, none.widget, none.iface), std::make_tuple(1, Fake(0), Fake(0)));
+
+    EXPECT_EQ(Charts().panelStatus(renko, 3, -7), 0);
+    EXPECT_EQ(Charts().title(renko).toStdString(), "panel status=3 value=-7");
+    EXPECT_EQ(Charts().applyProperty(renko, Fake(0x7500), 5), 0);
+    EXPECT_EQ(Charts().title(renko).toStdString(), "property value=5");
+    for (int answer : {Charts().print(Fake(0x7300)), Charts().caption(Fake(0x7300)).answer,
+                       Charts().panelStatus(Fake(0x7300), 1, 1), Charts().applyProperty(Fake(0x7300), nullptr, 1)})
+        EXPECT_EQ(answer, -1);
 }

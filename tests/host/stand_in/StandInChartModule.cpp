@@ -8,9 +8,23 @@
 //   5005  the widget fills its parent
 //   5004  3150 {the interface's host handle, widget}, then the widget is deleted
 //   5007  the title becomes a description of every dropped record (see describe())
+//   3021  a child "PFWidget" with the attribute Title (the window's title) under the node
+//   3020  the title becomes "loaded " and the names of the node's entries
+//   5012  a QPrintDialog; accepted, a page with "Printed by the stand-in", titled "printed"
+//   5034  the title, cut to the capacity; 5025 the widget's own address is found
+//   3518, 10054  the title names the values received
+// Drops of drag data are described by the host (3119, 3048; then 3012) and titled as 5007.
+// The context menu holds "Trade" > "Deal" and "Order"; choosing one titles the window with
+// it and the entries hovered on the way.
 // Window messages for widgets an interface did not create answer 1 and touch nothing.
 #include <QColor>
+#include <QContextMenuEvent>
+#include <QDropEvent>
+#include <QMenu>
+#include <QMimeData>
 #include <QPainter>
+#include <QPrintDialog>
+#include <QPrinter>
 #include <QString>
 #include <QWidget>
 #include <algorithm>
@@ -26,14 +40,6 @@ namespace {
 // What the stand-in paints over its whole rectangle; the tests look for it.
 const QRgb kChartColour = qRgb(0x33, 0x66, 0x99);
 
-class SolidChart : public QWidget {
-public:
-    explicit SolidChart(QWidget* parent) : QWidget(parent) {}
-
-protected:
-    void paintEvent(QPaintEvent*) override { QPainter(this).fillRect(rect(), QColor(kChartColour)); }
-};
-
 struct Component {
     const char* name;
     void* hostHandle;
@@ -47,6 +53,7 @@ Component g_components[] = {{"Points and Figures", nullptr, {}}, {"Renko", nullp
 std::intptr_t P(const void* p) { return reinterpret_cast<std::intptr_t>(p); }
 
 void sendTitle(QWidget* widget, const QString& title) {
+    widget->setWindowTitle(title);
     g_send(g_core, MSG_TITLE_CHANGED, P(widget), P(title.utf16()));
 }
 
@@ -72,6 +79,46 @@ QString describe(const fxwcDropList* list) {
     return parts.join(QStringLiteral("; "));
 }
 
+class SolidChart : public QWidget {
+public:
+    explicit SolidChart(QWidget* parent) : QWidget(parent) { setAcceptDrops(true); }
+
+protected:
+    void paintEvent(QPaintEvent*) override { QPainter(this).fillRect(rect(), QColor(kChartColour)); }
+    void dragEnterEvent(QDragEnterEvent* e) override {
+        if (e->mimeData()->hasFormat("kovar/symbol-indicator") || e->mimeData()->hasFormat("kovar/primitive"))
+            e->acceptProposedAction();
+    }
+    void dropEvent(QDropEvent* e) override {
+        const bool primitive = !e->mimeData()->hasFormat("kovar/symbol-indicator");
+        const QByteArray bytes = e->mimeData()->data(primitive ? "kovar/primitive" : "kovar/symbol-indicator");
+        coreDragData drag{bytes.constData(), std::int32_t(bytes.size())};
+        fxwcDropInstrument record{};
+        if (g_send(g_core, primitive ? MSG_DESCRIBE_PRIMITIVE : MSG_DESCRIBE_DRAG, std::intptr_t(&drag),
+                   std::intptr_t(&record)) != 0)
+            return;
+        coreHeadNodeInfo head{};
+        g_send(g_core, MSG_HEAD_NODE_INFO, std::intptr_t(record.baseHandle), std::intptr_t(&head));
+        const fxwcDropList list{1, &record};
+        sendTitle(this, describe(&list));
+        e->acceptProposedAction();
+    }
+    void contextMenuEvent(QContextMenuEvent* e) override {
+        hovered_.clear();
+        QMenu* menu = new QMenu(this);
+        menu->setAttribute(Qt::WA_DeleteOnClose);
+        QMenu* trade = menu->addMenu(QStringLiteral("&Trade"));
+        connect(menu, &QMenu::hovered, this, [this](QAction* a) { hovered_ << a->text(); });
+        for (const char* name : {"Deal", "Order"})
+            connect(trade->addAction(QString::fromLatin1(name)), &QAction::triggered, this,
+                    [this, name] { sendTitle(this, QStringLiteral("chose %1 after %2").arg(name, hovered_.join(","))); });
+        menu->popup(e->globalPos());
+    }
+
+private:
+    QStringList hovered_;
+};
+
 void registerComponent(Component& c) {
     coreInterfaceRequest r;
     std::memset(&r, 0, sizeof r);
@@ -83,7 +130,82 @@ void registerComponent(Component& c) {
     c.hostHandle = reinterpret_cast<void*>(r.result);
 }
 
+// 3021: a child "PFWidget" holding the window's title.
+void saveLayout(QWidget* widget, const coreSzNode& node) {
+    coreCreateNode create{};
+    create.document = reinterpret_cast<void*>(std::uintptr_t(node.document));
+    create.parent = reinterpret_cast<void*>(std::uintptr_t(node.node));
+    std::strcpy(create.name, "PFWidget");
+    if (g_send(g_core, MSG_WD_CREATE_NODE, P(&create), 0) != 0) return;
+    const coreSzNode child{node.document, node.document2, std::uint32_t(std::uintptr_t(create.result))};
+    const QString title = widget->windowTitle();
+    coreSzParam param{};
+    std::strcpy(param.name, "Title");
+    param.value = const_cast<coreWChar*>(title.utf16());
+    param.valueLength = title.size() + 1;
+    coreSzParamList list{1, &param};
+    g_send(g_core, MSG_WD_WRITE_PARAMS, P(&child), P(&list));
+}
+
+// 3020: the names of the node's entries, as the host reports them.
+QStringList readEntries(const coreSzNode& node) {
+    std::int32_t count = 0;
+    g_send(g_core, MSG_WD_PARAM_COUNT, P(&node), P(&count));
+    std::vector<coreSzParam> params(std::size_t(std::max(count, 0)), coreSzParam{});
+    std::vector<std::vector<coreWChar> > values(params.size(), std::vector<coreWChar>(256));
+    for (std::size_t i = 0; i < params.size(); ++i) {
+        params[i].value = values[i].data();
+        params[i].valueLength = 256;
+    }
+    coreSzParamList list{count, params.data()};
+    QStringList names;
+    if (count > 0 && g_send(g_core, MSG_WD_READ_PARAMS, P(&node), P(&list)) == 0)
+        for (const coreSzParam& p : params) names << QString::fromLatin1(p.name);
+    return names;
+}
+
+void print(QWidget* widget) {
+    QPrinter printer;
+    QPrintDialog dialog(&printer, widget);
+    if (dialog.exec() != QDialog::Accepted) return;
+    QPainter painter(&printer);
+    painter.drawText(0, 100, QStringLiteral("Printed by the stand-in"));
+    sendTitle(widget, QStringLiteral("printed"));
+}
+
+// Messages whose first parameter is a record naming the window.
+int recordMessage(Component& c, unsigned int message, std::intptr_t p1, std::intptr_t p2) {
+    void* const record = reinterpret_cast<void*>(p1);
+    if (message == MSG_WC_OWNER_FOR_OBJECT) {
+        fxwcGetOwnerForObj* owner = static_cast<fxwcGetOwnerForObj*>(record);
+        if (!owner || std::find(c.widgets.begin(), c.widgets.end(), owner->object) == c.widgets.end()) return 1;
+        owner->iface = &c;
+        owner->widget = owner->object;
+        return 0;
+    }
+    // The window is the second word of each of these records.
+    QWidget* w = record ? static_cast<QWidget**>(record)[1] : nullptr;
+    if (!w || std::find(c.widgets.begin(), c.widgets.end(), w) == c.widgets.end()) return 1;
+    if (message == MSG_WC_CAPTION) {
+        const fxwcGetCaption* caption = static_cast<const fxwcGetCaption*>(record);
+        const int units = std::min(w->windowTitle().size(), (caption->capacity > 0 ? caption->capacity : 256) - 1);
+        coreWChar* reply = reinterpret_cast<coreWChar*>(p2);
+        std::memcpy(reply, w->windowTitle().utf16(), std::size_t(units) * sizeof(coreWChar));
+        reply[units] = 0;
+    } else if (message == MSG_PANEL_STATUS) {
+        const fxwcPanelStatus* status = reinterpret_cast<const fxwcPanelStatus*>(p2);
+        sendTitle(w, QStringLiteral("panel status=%1 value=%2").arg(status->status).arg(status->value));
+    } else {
+        const PROPERTY_CHANGE* change = static_cast<const PROPERTY_CHANGE*>(record);
+        sendTitle(w, QStringLiteral("property value=%1").arg(change->value));
+    }
+    return 0;
+}
+
 int windowMessage(Component& c, unsigned int message, std::intptr_t p1, std::intptr_t p2) {
+    if (message == MSG_WC_OWNER_FOR_OBJECT || message == MSG_WC_CAPTION || message == MSG_PANEL_STATUS ||
+        message == MSG_APPLY_PROPERTY)
+        return recordMessage(c, message, p1, p2);
     if (message == MSG_WC_CREATE) {
         CREATEWINDOWCOMPONENT* record = reinterpret_cast<CREATEWINDOWCOMPONENT*>(p1);
         QWidget* parent = record ? QWidget::find(WId(record->parentWindowId)) : nullptr;
@@ -114,6 +236,17 @@ int windowMessage(Component& c, unsigned int message, std::intptr_t p1, std::int
         case MSG_WC_DROP_INSTRUMENTS:
             if (!p2) return 1;
             sendTitle(widget, describe(reinterpret_cast<const fxwcDropList*>(p2)));
+            return 0;
+        case MSG_SAVE_CHART:
+            if (!p2) return 1;
+            saveLayout(widget, *reinterpret_cast<const coreSzNode*>(p2));
+            return 0;
+        case MSG_LOAD_CHART:
+            if (!p2) return 1;
+            sendTitle(widget, QStringLiteral("loaded ") + readEntries(*reinterpret_cast<const coreSzNode*>(p2)).join(","));
+            return 0;
+        case MSG_WC_PRINT:
+            print(widget);
             return 0;
         default:
             return 0;

@@ -24,11 +24,11 @@ enum PFHostMessage : unsigned int {
     MSG_EVENT_RAISE = 3113,          // p1 event id, p2 FXEvent
     MSG_LANGUAGE_COUNT = 3116,       // p1 coreLanguageRequest (null array)
     MSG_LANGUAGE_LIST = 3117,        // p1 coreLanguageRequest
-    MSG_UNDO_BEGIN = 3138,
-    MSG_UNDO_COMMIT = 3139,
-    MSG_UNDO_REPLY = 3141,           // reply to MSG_UNDO_REQUEST
-    MSG_UNDO_REFRESHED = 3142,
-    MSG_UNDO_NODE_INDEX = 3147,
+    MSG_UNDO_BEGIN = 3138,           // p1 coreUndoBegin
+    MSG_UNDO_COMMIT = 3139,          // p1 record id
+    MSG_UNDO_REPLY = 3141,           // reply to MSG_UNDO_REQUEST: p1 coreUndoRefresh, p2 result
+    MSG_UNDO_REFRESHED = 3142,       // p1 chart widget, p2 objects rebuilt
+    MSG_UNDO_NODE_INDEX = 3147,      // p1 coreSzNode; answers the node's index
     MSG_DESCRIBE_PRIMITIVE = 3048,   // p1 coreDragData ("kovar/primitive"), p2 fxwcDropInstrument
     MSG_DESCRIBE_DRAG = 3119,        // p1 coreDragData ("kovar/symbol-indicator"), p2 fxwcDropInstrument
     MSG_LINE_INDEX = 3053,           // p1 fxDataPointArray*; answers the array's line index
@@ -72,7 +72,7 @@ enum PFHostMessage : unsigned int {
     MSG_DEALING_READY = 3066,        // deal interfaces, accounts, status bar
     MSG_LS_UPDATE = 3073,
     MSG_EVENT = 3114,                // p1 FXEvent
-    MSG_UNDO_REQUEST = 3140,
+    MSG_UNDO_REQUEST = 3140,         // p1 coreUndoStart
     MSG_CONVERT_TO_TYPE = 3545,      // p1 0 middle, 1 bid, other ask
     MSG_NEED_TO_CONVERT = 3546,      // p1 coreConvertList
 

@@ -8,4 +8,5 @@
 #include "abi/records/dpa_records.h"
 #include "abi/records/workdata_records.h"
 #include "abi/records/dealing_records.h"
+#include "abi/records/undo_records.h"
 #include "abi/messages.h"

@@ -1,7 +1,8 @@
 // Saving and loading the layout of a chart window with 20 indicators (20 areas of USD/CHF
 // and TTRC) through the real entry points: the emulator loads libPFChartModule.so.1 and
 // sends 3021 (save into a fresh node) and 3020 (load into the same window, which replaces
-// what it shows and asks the data core for all 20 data objects again).
+// what it shows and asks the data core for all 20 data objects again). And the undo of an
+// area closed on a window with 10 indicators (3140: the area is rebuilt from its record).
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
@@ -13,6 +14,7 @@
 #include "host/ChartWindows.h"
 #include "host/CoreServices.h"
 #include "host/Emulator.h"
+#include "host/UndoStack.h"
 #include "host/WorkDataStore.h"
 
 namespace {
@@ -25,7 +27,7 @@ struct Window {
     void* document = nullptr;
     void* root = nullptr;
 
-    Window() {
+    explicit Window(int areas = 20) {
         host::EmulatorOptions options;
         options.workFolder = dir.path().toStdString();
         emulator.reset(new host::Emulator(options));
@@ -37,7 +39,7 @@ struct Window {
         emulator->startUp();
         widget = emulator->charts().create(host::data::ChartType::PointAndFigure);
         iface = emulator->core().componentObject("Points and Figures");
-        for (int i = 0; i < 20; ++i) emulator->charts().drop(widget, {i % 2 ? "TTRC" : "USDCHF"});
+        for (int i = 0; i < areas; ++i) emulator->charts().drop(widget, {i % 2 ? "TTRC" : "USDCHF"});
         document = emulator->workData().open(dir.filePath(QStringLiteral("layout.xml")));
         root = emulator->workData().createChild(document, QStringLiteral("Layout"));
     }
@@ -74,8 +76,20 @@ void BM_LoadLayout(benchmark::State& state) {
     }
 }
 
+void BM_UndoAreaClose(benchmark::State& state) {
+    Window w(10);
+    for (auto _ : state) {
+        state.PauseTiming();
+        w.emulator->host().journal().clear();
+        w.emulator->charts().closeArea(w.widget, 4);
+        state.ResumeTiming();
+        w.emulator->undo().undo();
+    }
+}
+
 }  // namespace
 
+BENCHMARK(BM_UndoAreaClose)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SaveLayout)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_LoadLayout)->Unit(benchmark::kMillisecond);
 

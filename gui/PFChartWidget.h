@@ -117,6 +117,21 @@ public:
     // a line or a line study.
     bool HoldsObject(const void* handle) const;
 
+    // ---- undo ----
+    // Records the zoom state for undo before a zoom of `zoomKind` (0 zoom in, 1 zoom out,
+    // 2 slider) changes it: a scale command is made and executed.
+    void RecordScaleUndo(int zoomKind);
+    // Records the selected lines (and what deleting them empties) before they are deleted.
+    void RecordLineDelete();
+    // Records the area at `position` before it is closed.
+    void RecordAreaDelete(int position);
+    // After an undo rebuilt `count` objects: scales, time scale, scroll bar and title follow,
+    // and the host hears 3142.
+    void AfterRestore(int count);
+    // Undoes a record of the host's undo stack (3140); the result record receives the
+    // record's first, third and fourth words. Returns 0 when done.
+    int UndoPop(const coreUndoStart* record, coreUndoRefresh* result);
+
     // ---- context menu and trading ----
     // Builds and pops up the context menu at `point` (widget coordinates).
     void ShowPopupMenu(const QPoint& point);
@@ -132,7 +147,8 @@ public:
     void SendMainChange(const QString& text);
     void StartSelectedPF(const QMouseEvent& event);
     void MoveSelectedPF(const QMouseEvent& event);
-    void EndSelectedPF(const QMouseEvent& event);
+    // Ends a zoom selection; true when the selection was wide enough and the view zoomed.
+    bool EndSelectedPF(const QMouseEvent& event);
     void UnStartSelectPF();
     void SetCursor();
     void ResetCursor();

@@ -73,9 +73,7 @@ void PFChartWidget::mouseReleaseEvent(QMouseEvent* event) {
         toolBar_->OnBnClickedCrossCursor();
     }
     if (event->button() == Qt::RightButton) FillContextMenu();
-    const boost::shared_ptr<gx::Area> area = currentArea_;
-    const bool zoomed = area && area->GetEngine()->GetFlag() && event->button() == Qt::LeftButton;
-    EndSelectedPF(*event);
+    const bool zoomed = EndSelectedPF(*event);
     chart_->mouseReleaseEvent(*event);
     if (zoomed || event->button() == Qt::MiddleButton || event->button() == Qt::RightButton) {
         update();
@@ -188,14 +186,16 @@ void PFChartWidget::MoveSelectedPF(const QMouseEvent& event) {
     repaint();
 }
 
-void PFChartWidget::EndSelectedPF(const QMouseEvent& event) {
-    if (event.button() != Qt::LeftButton || !currentArea_) return;
+bool PFChartWidget::EndSelectedPF(const QMouseEvent& event) {
+    if (event.button() != Qt::LeftButton || !currentArea_) return false;
     pf::ScaleEngine& e = *currentArea_->GetEngine();
-    if (!e.GetFlag()) return;
+    if (!e.GetFlag()) return false;
     e.SetFlag(false);
     const bool inside = static_cast<bool>(AreaAt(event.pos()));
     e.SetZoomEndPos(inside ? event.pos().x() : currentArea_->Rect().right() + 1);
-    if (e.GetEqualsPos()) {
+    const bool zoom = e.GetEqualsPos();
+    if (zoom) {
+        RecordScaleUndo(2);
         const int start = e.GetZoomStartPos();
         const int visible = e.GetZoomEndPos() - start;
         for (const boost::shared_ptr<gx::Area>& area : chart_->GetAreas()) {
@@ -209,6 +209,7 @@ void PFChartWidget::EndSelectedPF(const QMouseEvent& event) {
     }
     zoomRecording_ = false;
     update();
+    return zoom;
 }
 
 void PFChartWidget::UnStartSelectPF() {

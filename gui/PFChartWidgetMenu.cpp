@@ -226,6 +226,7 @@ void PFChartWidget::ZoomOut() {
 void PFChartWidget::OnDelete() {
     pf::gui::RunGuarded("OnDelete", [&] {
         gx::WidgetWalker<gx::SetManualDeleteLS>(chart_.get(), gx::SetManualDeleteLS()).Walk();
+        RecordLineDelete();
         gx::WidgetWalker2<gx::DeleteSelItems>(chart_.get(), gx::DeleteSelItems()).Walk();
         AfterDelete();
     });

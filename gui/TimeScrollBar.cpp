@@ -4,13 +4,29 @@
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOptionSlider>
+#include <QSignalBlocker>
+#include <QSlider>
 #include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <memory>
 
 #include "data/ScaleEngine.h"
+#include "gui/GuardedSlot.h"
 #include "gui/PFChartWidget.h"
+#include "gui/ToolBar.h"
 #include "gx/Area.h"
 #include "gx/Chart.h"
 #include "module/PFChartModule.h"
+#include "xml/CXMLWorkData.h"
+
+namespace {
+
+// The saved zoom state is a child "Node" of object type 3 (the time scroll bar).
+const char kNodeName[] = "Node";
+const int kObjectType = 3;
+
+}  // namespace
 
 CTimeScrollBar::CTimeScrollBar(PFChartWidget* widget) : QAbstractSlider(widget), widget_(widget) {
     setOrientation(Qt::Horizontal);
@@ -24,15 +40,24 @@ void CTimeScrollBar::SetQuietly(int minimum, int maximum, int value) {
     setRange(minimum, std::max(minimum, maximum));
     setValue(value);
     quiet_ = false;
+    RefreshScreenDataPoints();
+}
+
+void CTimeScrollBar::RefreshScreenDataPoints() {
+    gx::Chart* chart = widget_ ? widget_->GetChart() : nullptr;
+    if (chart && !chart->GetAreas().empty()) nScreenDataPoints_ = chart->GetAreas().front()->GetEngine()->GetColumnCount();
 }
 
 void CTimeScrollBar::OnValueChanged(int value) {
     if (quiet_ || !widget_ || !widget_->GetChart()) return;
-    for (const boost::shared_ptr<gx::Area>& area : widget_->GetChart()->GetAreas())
-        area->GetEngine()->SetFirstColumn(std::max(0, value));
-    widget_->UpdateTimeScale();
-    widget_->update();
-    if (widget_->GetModule()) widget_->GetModule()->SendMainAboutChange();
+    pf::gui::RunGuarded("CTimeScrollBar::OnValueChanged", [&] {
+        for (const boost::shared_ptr<gx::Area>& area : widget_->GetChart()->GetAreas())
+            area->GetEngine()->SetFirstColumn(std::max(0, value));
+        RefreshScreenDataPoints();
+        widget_->UpdateTimeScale();
+        widget_->update();
+        if (widget_->GetModule()) widget_->GetModule()->SendMainAboutChange();
+    });
 }
 
 void CTimeScrollBar::paintEvent(QPaintEvent*) {
@@ -63,4 +88,60 @@ void CTimeScrollBar::mousePressEvent(QMouseEvent* event) {
 
 void CTimeScrollBar::mouseMoveEvent(QMouseEvent* event) {
     if (event->buttons() & Qt::LeftButton) setValue(ValueAt(event->pos().x()));
+}
+
+void CTimeScrollBar::ToXml(CXMLWorkData* tree, int zoomType) const {
+    if (!tree) return;
+    std::unique_ptr<CXMLWorkData> node(tree->createNode(kNodeName));
+    if (!node) return;
+    node->writeInteger("ObjectType", kObjectType);
+    // The bar's identity: its address, of which the 32-bit host keeps the low 32 bits.
+    const std::uint32_t handle = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(this));
+    node->writeInteger("ObjHandle", static_cast<int>(handle));
+    node->writeInteger("nScreenDataPoints", nScreenDataPoints_);
+    node->writeInteger("nZoomType", zoomType);
+    if (const QSlider* slider = ZoomSlider()) node->writeInteger("zoomSlider", slider->value());
+    node->writeParameters();
+}
+
+void CTimeScrollBar::FromXml(CXMLWorkData* node) {
+    gx::Chart* chart = widget_ ? widget_->GetChart() : nullptr;
+    if (!node || !chart || chart->GetAreas().empty()) return;
+    node->readParameters();
+    nScreenDataPoints_ = node->readInteger("nScreenDataPoints", -1);
+    pf::gui::ToolBar* toolBar = widget_->GetToolBar();
+    if (!toolBar) return;
+    switch (node->readInteger("nZoomType", -1)) {
+        case pf::gui::ToolBar::ZoomKindIn:
+            // A zoom in is taken back by zooming out, and the other way round.
+            toolBar->OnBnClickedZoomOut(false);
+            break;
+        case pf::gui::ToolBar::ZoomKindOut: toolBar->OnBnClickedZoomIn(false); break;
+        case pf::gui::ToolBar::ZoomKindSlider: RestoreSlider(node->readInteger("zoomSlider", -1)); break;
+        default: break;
+    }
+}
+
+QSlider* CTimeScrollBar::ZoomSlider() const {
+    pf::gui::ToolBar* toolBar = widget_ ? widget_->GetToolBar() : nullptr;
+    return toolBar ? toolBar->GetZoomSlider() : nullptr;
+}
+
+void CTimeScrollBar::RestoreSlider(int sliderValue) {
+    QSlider* slider = ZoomSlider();
+    if (!slider || sliderValue == -1) return;
+    setPageStep(std::max(1, nScreenDataPoints_));
+    // The slider's algorithm runs once, explicitly, and without recording (a clear flag is
+    // only set): it must run even when the slider already stands at the saved value, since a
+    // zoom by selection changes the visible count without moving the slider.
+    widget_->SetZoomRecording(false);
+    {
+        const QSignalBlocker block(slider);
+        slider->setValue(sliderValue);
+    }
+    widget_->GetToolBar()->OnChangeZoom(slider->value());
+    widget_->SetZoomRecording(false);
+    const pf::ScaleEngine& e = *widget_->GetChart()->GetAreas().front()->GetEngine();
+    const long long maximum = static_cast<long long>(pf::TruncToInt(e.GetX1())) - e.GetColumnCount() + widget_->GetFreeStep();
+    SetQuietly(0, static_cast<int>(std::max<long long>(INT_MIN, std::min<long long>(INT_MAX, maximum))), e.GetFirstColumn());
 }

@@ -4,16 +4,32 @@
 #include <QAbstractSlider>
 
 class PFChartWidget;
+class CXMLWorkData;
+class QSlider;
 
 class CTimeScrollBar : public QAbstractSlider {
     Q_OBJECT
 public:
     explicit CTimeScrollBar(PFChartWidget* widget);
 
+    // The number of positions on screen: the first area's visible count, kept whenever the
+    // bar is set after a zoom or a scroll; -1 until known.
     int GetScreenDataPoints() const { return nScreenDataPoints_; }
     void SetScreenDataPoints(int n) { nScreenDataPoints_ = n; }
-    // Sets range and value without moving the areas (the caller already did).
+    // Sets range and value without moving the areas (the caller already did), and takes the
+    // number of positions on screen from the first area.
     void SetQuietly(int minimum, int maximum, int value);
+
+    // The zoom state before a zoom of kind `zoomType` (0 zoom in, 1 zoom out, 2 slider) as a
+    // child node "Node" of `tree`: "ObjectType" 3, "ObjHandle", "nScreenDataPoints",
+    // "nZoomType" and, with a zoom slider, "zoomSlider"; then the node's parameters are
+    // written.
+    void ToXml(CXMLWorkData* tree, int zoomType) const;
+    // Restores the zoom state from such a node itself (only when the chart has an area):
+    // "nScreenDataPoints" comes back, then the zoom is taken back: "nZoomType" 0 zooms out,
+    // 1 zooms in (both without recording), 2 sets the slider back to "zoomSlider" and the
+    // bar to the first area.
+    void FromXml(CXMLWorkData* node);
 
 public slots:
     // Every area's first visible position becomes `value` (0 when negative); the time scale
@@ -27,6 +43,11 @@ protected:
 
 private:
     int ValueAt(int x) const;
+    void RefreshScreenDataPoints();
+    QSlider* ZoomSlider() const;
+    // The slider at `sliderValue` (-1: none saved) with its algorithm run unrecorded, the page
+    // step from the saved screen count, the bar's range and value from the first area.
+    void RestoreSlider(int sliderValue);
 
     PFChartWidget* widget_;
     int nScreenDataPoints_ = -1;

@@ -5,8 +5,10 @@
 #include <QSlider>
 #include <QToolButton>
 #include <algorithm>
+#include <climits>
 
 #include "data/ScaleEngine.h"
+#include "gui/GuardedSlot.h"
 #include "gui/PFChartWidget.h"
 #include "gui/TimeScrollBar.h"
 #include "gx/Area.h"
@@ -30,6 +32,10 @@ QToolButton* MakeButton(QWidget* parent, const QString& icon, const QString& tip
 QString Tr(PFChartWidget* widget, const char* key) {
     return widget && widget->GetModule() ? widget->GetModule()->tr(key) : QString::fromLatin1(key);
 }
+
+// Sums of engine values are formed in 64 bits and brought back into the int range, so that
+// no total the host reports can overflow them.
+int ToInt(long long v) { return static_cast<int>(std::max<long long>(INT_MIN, std::min<long long>(INT_MAX, v))); }
 
 }  // namespace
 
@@ -58,54 +64,99 @@ ToolBar::ToolBar(PFChartWidget* widget) : QWidget(widget), widget_(widget) {
 
 ToolBar::~ToolBar() = default;
 
-void ToolBar::ZoomInClicked() { OnBnClickedZoomIn(true); }
-void ToolBar::ZoomOutClicked() { OnBnClickedZoomOut(true); }
-void ToolBar::SliderMoved(int value) { OnChangeZoom(value); }
-void ToolBar::CrossClicked() { OnBnClickedCrossCursor(); }
+void ToolBar::ZoomInClicked() {
+    RunGuarded("ToolBar::ZoomInClicked", [&] { OnBnClickedZoomIn(true); });
+}
+void ToolBar::ZoomOutClicked() {
+    RunGuarded("ToolBar::ZoomOutClicked", [&] { OnBnClickedZoomOut(true); });
+}
+void ToolBar::SliderMoved(int value) {
+    RunGuarded("ToolBar::SliderMoved", [&] { OnChangeZoom(value); });
+}
+void ToolBar::CrossClicked() {
+    RunGuarded("ToolBar::CrossClicked", [&] { OnBnClickedCrossCursor(); });
+}
+
+void ToolBar::RecordUndo(int zoomKind) {
+    // Losing the undo step is better than losing the zoom the user asked for.
+    RunGuarded("ToolBar::RecordUndo", [&] { widget_->RecordScaleUndo(zoomKind); });
+}
 
 void ToolBar::SetScrollRange(int total, int visible, int first, bool setValue) {
     CTimeScrollBar* bar = widget_->GetTimeScrollBar();
     if (!bar) return;
-    bar->SetQuietly(0, total - visible + widget_->GetFreeStep(), setValue ? first : bar->value());
+    const int value = setValue ? first : bar->value();
+    bar->SetQuietly(0, ToInt(static_cast<long long>(total) - visible + widget_->GetFreeStep()), value);
     bar->setPageStep(std::max(1, visible));
+    // A range that no longer holds the value clamps it; the areas then show what the bar
+    // says, as after any move of the bar.
+    if (bar->value() != value) bar->OnValueChanged(bar->value());
 }
 
-void ToolBar::OnBnClickedZoomIn(bool) {
+void ToolBar::MoveSliderQuietly(bool setMaximum, int maximum, int value) {
+    const QSignalBlocker block(slider_);
+    if (setMaximum) slider_->setMaximum(maximum);
+    slider_->setValue(value);
+}
+
+void ToolBar::AfterZoomButton(int sliderBefore, bool changed) {
+    if (slider_->value() != sliderBefore) widget_->SetZoomRecording(true);
+    if (changed && widget_->GetModule()) widget_->GetModule()->SendMainAboutChange();
+}
+
+void ToolBar::OnBnClickedZoomIn(bool record) {
     gx::Chart* chart = widget_->GetChart();
     if (!chart || chart->GetAreas().empty()) return;
+    // Nothing will change: no undo step, no repaint.
+    if (chart->GetAreas().front()->GetEngine()->GetColumnCount() < kMinZoomInVisible) return;
+    if (record) RecordUndo(ZoomKindIn);
+    const int sliderBefore = slider_->value();
+    // Areas are zoomed in order; one showing too few positions ends the zoom there, without
+    // a repaint, leaving the areas before it zoomed.
+    bool complete = true;
     for (const boost::shared_ptr<gx::Area>& area : chart->GetAreas()) {
         ScaleEngine& e = *area->GetEngine();
         const int visible = e.GetColumnCount();
-        if (visible < 6) return;
+        if (visible < kMinZoomInVisible) {
+            complete = false;
+            break;
+        }
         const int total = TruncToInt(e.GetX1());
         const int newVisible = TruncToInt(visible / kZoomFactor);
-        e.SetFirstColumn(e.GetFirstColumn() + visible - newVisible);
+        // The right edge stays where it was.
+        e.SetFirstColumn(ToInt(static_cast<long long>(e.GetFirstColumn()) + visible - newVisible));
         e.SetColumnCount(newVisible);
         SetScrollRange(total, newVisible, e.GetFirstColumn(), true);
         widget_->SetZoomRecording(false);
-        const QSignalBlocker block(slider_);
-        slider_->setMaximum(total - 4);
-        slider_->setValue(total - newVisible);
+        MoveSliderQuietly(true, ToInt(static_cast<long long>(total) - kMinSliderVisible),
+                          ToInt(static_cast<long long>(total) - newVisible));
     }
+    AfterZoomButton(sliderBefore, true);
+    if (!complete) return;
     widget_->UpdateTimeScale();
     widget_->update();
 }
 
-void ToolBar::OnBnClickedZoomOut(bool) {
+void ToolBar::OnBnClickedZoomOut(bool record) {
     gx::Chart* chart = widget_->GetChart();
     if (!chart || chart->GetAreas().empty()) return;
+    if (record) RecordUndo(ZoomKindOut);
+    const int sliderBefore = slider_->value();
+    bool changed = false;
     for (const boost::shared_ptr<gx::Area>& area : chart->GetAreas()) {
         ScaleEngine& e = *area->GetEngine();
         const int visible = e.GetColumnCount();
+        const int first = e.GetFirstColumn();
         const int total = TruncToInt(e.GetX1());
-        const int newVisible = TruncToInt(visible * kZoomFactor);
-        e.SetFirstColumn(std::max(0, e.GetFirstColumn() + visible - newVisible));
-        e.SetColumnCount(std::min(total + widget_->GetFreeStep(), newVisible));
+        const long long newVisible = static_cast<long long>(visible * kZoomFactor);
+        e.SetFirstColumn(ToInt(std::max(0LL, static_cast<long long>(first) + visible - newVisible)));
+        e.SetColumnCount(ToInt(std::min(static_cast<long long>(total) + widget_->GetFreeStep(), newVisible)));
+        changed = changed || e.GetFirstColumn() != first || e.GetColumnCount() != visible;
         SetScrollRange(total, e.GetColumnCount(), e.GetFirstColumn(), true);
         widget_->SetZoomRecording(false);
-        const QSignalBlocker block(slider_);
-        slider_->setValue(total - e.GetColumnCount());
+        MoveSliderQuietly(false, 0, ToInt(static_cast<long long>(total) - e.GetColumnCount()));
     }
+    AfterZoomButton(sliderBefore, changed);
     widget_->UpdateTimeScale();
     widget_->update();
 }
@@ -113,11 +164,12 @@ void ToolBar::OnBnClickedZoomOut(bool) {
 void ToolBar::OnChangeZoom(int value) {
     gx::Chart* chart = widget_->GetChart();
     if (!chart || chart->GetAreas().empty()) return;
-    if (!widget_->IsZoomRecording()) widget_->SetZoomRecording(true);
+    if (widget_->IsZoomRecording()) RecordUndo(ZoomKindSlider);
+    else widget_->SetZoomRecording(true);
     for (const boost::shared_ptr<gx::Area>& area : chart->GetAreas()) {
         ScaleEngine& e = *area->GetEngine();
         const int total = TruncToInt(e.GetX1());
-        e.SetColumnCount(std::max(0, total - value));
+        e.SetColumnCount(ToInt(std::max(0LL, static_cast<long long>(total) - value)));
         SetScrollRange(total, e.GetColumnCount(), e.GetFirstColumn(), false);
     }
     widget_->UpdateTimeScale();

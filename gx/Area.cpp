@@ -38,6 +38,13 @@ boost::shared_ptr<Layer> Area::AddLayer() {
     return layer;
 }
 
+boost::shared_ptr<Layer> Area::InsertLayer(int position) {
+    position = std::max(0, std::min(position, GetLayerCount()));
+    boost::shared_ptr<Layer> layer(new Layer(this, rect_, engine_));
+    layers_.insert(layers_.begin() + position, layer);
+    return layer;
+}
+
 int Area::GetIndex() const { return chart_ ? IndexOf(chart_->GetAreas(), this) : -1; }
 
 boost::shared_ptr<Layer> Area::GetSelLayer() const {

@@ -39,6 +39,8 @@ public:
     void SetRect(const QRect& rect) override;
 
     boost::shared_ptr<Layer> AddLayer();
+    // A new layer at `position` (clamped to 0 .. layer count).
+    boost::shared_ptr<Layer> InsertLayer(int position);
     // 0 for the first area, -i for the one at position i, -1 when not in the chart.
     int GetIndex() const;
     boost::shared_ptr<Layer> GetSelLayer() const;
@@ -58,6 +60,11 @@ public:
     void ToXML(CXMLWorkData* node) const;
     // One area per "PFArea" child of `chartNode`, each with its layers.
     static void FromXML(Chart& chart, CXMLWorkData* chartNode);
+    // Writes this area with its layers, indicators and lines as a "PFArea" child of `parent`,
+    // as a saved layout has it.
+    static void SaveSubtree(const boost::shared_ptr<Area>& area, CXMLWorkData* parent);
+    // Rebuilds an area saved by SaveSubtree (`areaNode` is its "PFArea" node) at `position`.
+    static boost::shared_ptr<Area> InsertFromXML(Chart& chart, CXMLWorkData* areaNode, int position);
     void FillContextMenu();
 
     void DrawZoomSelect(QPainter& painter) const;

@@ -59,6 +59,14 @@ boost::shared_ptr<Area> Chart::AddArea() {
     return area;
 }
 
+boost::shared_ptr<Area> Chart::InsertArea(int position) {
+    position = std::max(0, std::min(position, GetAreaCount()));
+    boost::shared_ptr<Area> area(new Area(this, rect_));
+    areas_.insert(areas_.begin() + position, area);
+    RePlaceAreas();
+    return area;
+}
+
 void Chart::DeleteArea(boost::shared_ptr<Area> area) {
     if (!area) return;
     FindIndicatorHandle handles = WidgetWalker<FindIndicatorHandle>(this, FindIndicatorHandle(area.get())).Walk();
@@ -166,6 +174,7 @@ void Chart::keyPressEvent(const QKeyEvent& event) {
         UpdateScreen();
         return;
     }
+    if (widget_) widget_->RecordLineDelete();
     WidgetWalker2<DeleteSelItems>(this, DeleteSelItems()).Walk();
     if (widget_) {
         widget_->UnStartSelectPF();
@@ -179,10 +188,15 @@ void Chart::mousePressEvent(const QMouseEvent& event) {
     for (const boost::shared_ptr<Area>& area : areas_)
         if (area->CheckClose(event)) closing.push_back(area);
     if (!closing.empty()) {
-        // Closing an area: select everything in it, then delete the selection.
+        // Closing an area: select everything in it, record it for undo, then delete the
+        // selection.
         for (const boost::shared_ptr<Area>& area : closing) {
             WidgetWalker<SelectAreaLines>(this, SelectAreaLines(area.get())).Walk();
             WidgetWalker<SelectAreaLS>(this, SelectAreaLS(area.get())).Walk();
+            if (widget_) {
+                const auto at = std::find(areas_.begin(), areas_.end(), area);
+                widget_->RecordAreaDelete(static_cast<int>(at - areas_.begin()));
+            }
         }
         WidgetWalker2<DeleteSelItems>(this, DeleteSelItems()).Walk();
         if (widget_) {

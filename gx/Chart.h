@@ -43,6 +43,8 @@ public:
     // divided by the number of areas (integer division); the remainder stays empty.
     void RePlaceAreas();
     boost::shared_ptr<Area> AddArea();
+    // A new area at `position` (clamped to 0 .. area count); the areas are re-stacked.
+    boost::shared_ptr<Area> InsertArea(int position);
     // Unsubscribes the area's indicators from the host, removes the area, and has the widget
     // re-place the areas and update its title.
     void DeleteArea(boost::shared_ptr<Area> area);

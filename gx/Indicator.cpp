@@ -149,8 +149,9 @@ void Indicator::OnDeleteIndicator() {
     Chart* chart = GetChart();
     if (!chart) return;
     for (const boost::shared_ptr<Line>& line : lines_) line->Select(true);
-    WidgetWalker<SetManualDeleteLS>(chart, SetManualDeleteLS()).Walk();
     PFChartWidget* widget = chart->GetWidget();
+    if (widget) widget->RecordLineDelete();
+    WidgetWalker<SetManualDeleteLS>(chart, SetManualDeleteLS()).Walk();
     // The cascade may release this indicator: nothing of it is used after the walk.
     WidgetWalker2<DeleteSelItems>(chart, DeleteSelItems()).Walk();
     if (widget) widget->AfterDelete();

@@ -130,7 +130,36 @@ void Line::ToXML(CXMLWorkData* node) const {
     node->writeDpaInfo(array_);
 }
 
+void Area::SaveSubtree(const boost::shared_ptr<Area>& area, CXMLWorkData* parent) {
+    if (!area || !parent) return;
+    SaveToXML save(parent);
+    save.chartNode.reset(parent, [](CXMLWorkData*) {});  // the area goes straight under `parent`
+    save.Visit(area);
+    for (const boost::shared_ptr<Layer>& layer : area->GetLayers()) {
+        save.Visit(layer);
+        for (const boost::shared_ptr<Indicator>& indicator : layer->GetIndicators()) {
+            save.Visit(indicator);
+            for (const boost::shared_ptr<Line>& line : indicator->GetLines()) save.Visit(line);
+        }
+    }
+}
+
 // ---- loading ----
+
+boost::shared_ptr<Area> Area::InsertFromXML(Chart& chart, CXMLWorkData* areaNode, int position) {
+    const boost::shared_ptr<Area> area = chart.InsertArea(position);
+    Layer::FromXML(area, areaNode);
+    return area;
+}
+
+void Indicator::RebuildLines() {
+    lines_.clear();
+    if (!source_) return;
+    const int count = source_->GetList().count;
+    for (int i = 0; i < count; ++i)
+        if (fxDataPointArray* array = source_->GetArray(i)) AddLine(array);
+}
+
 
 bool Chart::FromXML(PFChartWidget* widget, CXMLWorkData* widgetNode) {
     if (!widget || !widget->GetChart() || !widgetNode) return false;

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "gui/PFChartWidget.h"
 #include "gx/TextStatusBar.h"
 #include "module/KagiChartInterface.h"
 #include "module/PFChartInterface.h"
@@ -21,6 +22,21 @@ PFChartModule::PFChartModule()
 PFChartModule::~PFChartModule() {
     delete[] dealRequest_.result;
     dealRequest_.result = nullptr;
+}
+
+int PFChartModule::UndoRequest(const coreUndoStart* record) {
+    if (!record) return 1;
+    void* target = nullptr;  // packed record: the widget's word may sit at any address
+    std::memcpy(&target, reinterpret_cast<const char*>(record) + offsetof(coreUndoStart, widget), sizeof target);
+    // Only a window of the module's own is touched; any other address is never dereferenced.
+    PFChartWidget* widget = nullptr;
+    for (ChartInterface* iface : {GetPFInterface(), GetRenkoInterface(), GetKagiInterface()})
+        if (iface->IsListed(target)) widget = static_cast<PFChartWidget*>(target);
+    if (!widget || widget->IsBusy()) return 1;
+    coreUndoRefresh result;
+    const int answer = widget->UndoPop(record, &result);
+    if (sendToHost) sendToHost(hostHandle, MSG_UNDO_REPLY, reinterpret_cast<std::intptr_t>(&result), answer);
+    return answer;
 }
 
 void PFChartModule::CreateStatusBar() {
@@ -77,10 +93,7 @@ int PFChartModule::Dispatch(void* target, unsigned int message, std::intptr_t p1
             return 0;
         }
         case MSG_UNDO_REQUEST:
-            // The record names the chart widget to undo in. Until chart windows exist no
-            // widget is ours: the request is not handled, the record is not read and no
-            // reply (3141) is sent.
-            return 1;
+            return UndoRequest(reinterpret_cast<const coreUndoStart*>(p1));
         case MSG_CONVERT_TO_TYPE:
             return MwiConvertToType(p1, p2);
         case MSG_NEED_TO_CONVERT:

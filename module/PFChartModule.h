@@ -70,6 +70,9 @@ public:
     // The status bar panes of the main window (time and price under the mouse); made at 3066,
     // replacing the one held before. Null until then.
     void CreateStatusBar();
+    // 3140: a listed window that is not busy undoes the record and the host hears 3141 with
+    // the result; 1 (and no reply) for a null record, a busy window or one not the module's.
+    int UndoRequest(const coreUndoStart* record);
     gx::TextStatusBar* GetStatusBar() const { return statusBar_.get(); }
 
     ChartInterface* GetPFInterface() const;

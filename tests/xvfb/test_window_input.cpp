@@ -11,6 +11,7 @@
 #include <QRegularExpression>
 #include <QSlider>
 #include <QTest>
+#include <QToolButton>
 #include <QToolTip>
 #include <cstring>
 #include <memory>
@@ -79,6 +80,8 @@ protected:
             if (!qobject_cast<QSlider*>(s)) return s;
         return nullptr;
     }
+    // The tool bar's zoom slider.
+    QSlider* ZoomSlider() { return chart->findChild<QSlider*>(); }
     // Sends the tool-tip event a resting mouse makes and reads what the window showed.
     Column TipAt(QPoint p) {
         // A tip being hidden lingers for a moment: take it down at once so that only what
@@ -172,6 +175,68 @@ TEST_F(WindowInput, LeftDragAcrossMoreThanSixColumnsZoomsAndShorterDragsDoNot) {
     const Column first = ColumnFrom(0, y, &left);
     ASSERT_TRUE(first.found);
     EXPECT_EQ(first.index, bar->value());
+}
+
+TEST_F(WindowInput, KeysScrollTheBarAndZoomThroughTheSlider) {
+    QAbstractSlider* bar = ScrollBar();
+    QSlider* slider = ZoomSlider();
+    ASSERT_NE(bar, nullptr);
+    ASSERT_NE(slider, nullptr);
+    const int total = int(records.size());
+    const int end = total - 300 + 5;  // the first display: 300 positions, 5 free steps
+    ASSERT_EQ(bar->maximum(), end);
+    ASSERT_EQ(bar->value(), 0);
+    struct Case {
+        int key;
+        Qt::KeyboardModifiers modifiers;
+        int value;
+    };
+    const Case scrolls[] = {
+        {Qt::Key_End, Qt::NoModifier, end},   {Qt::Key_Home, Qt::NoModifier, 0},
+        {Qt::Key_Right, Qt::NoModifier, 1},   {Qt::Key_Right, Qt::AltModifier, 11},
+        {Qt::Key_Left, Qt::NoModifier, 10},   {Qt::Key_Left, Qt::AltModifier, 0},
+        {Qt::Key_Right, Qt::ControlModifier, end}, {Qt::Key_Left, Qt::ControlModifier, 0},
+        {Qt::Key_Left, Qt::NoModifier, 0},    // already at the start
+    };
+    for (const Case& c : scrolls) {
+        QTest::keyClick(chart, Qt::Key(c.key), c.modifiers);
+        EXPECT_EQ(bar->value(), c.value) << "key " << std::hex << c.key << " modifiers " << int(c.modifiers);
+    }
+    // "+" and "=" zoom in keeping the right edge, "-" zooms out; the slider follows.
+    const struct {
+        char key;
+        int visible;
+        int first;
+    } zooms[] = {{'+', 230, 70}, {'=', 176, 124}, {'-', 228, 72}, {'+', 175, 125}, {'+', 134, 166}};
+    for (const auto& z : zooms) {
+        QTest::keyClick(chart, z.key);
+        EXPECT_EQ(total + 5 - bar->maximum(), z.visible) << z.key;
+        EXPECT_EQ(bar->value(), z.first) << z.key;
+        EXPECT_EQ(slider->value(), total - z.visible) << z.key;
+    }
+    EXPECT_EQ(slider->maximum(), total - 4);
+    // Page Up moves forward by the positions on screen, Page Down back.
+    const int page = total + 5 - bar->maximum();
+    ASSERT_LT(page, bar->maximum());
+    QTest::keyClick(chart, Qt::Key_Home);
+    QTest::keyClick(chart, Qt::Key_PageUp);
+    EXPECT_EQ(bar->value(), page);
+    QTest::keyClick(chart, Qt::Key_PageUp);
+    EXPECT_EQ(bar->value(), bar->maximum());
+    QTest::keyClick(chart, Qt::Key_PageDown);
+    EXPECT_EQ(bar->value(), bar->maximum() - page);
+
+    // Escape ends the cross cursor switched on at the tool bar.
+    QToolButton* cross = nullptr;
+    for (QToolButton* b : chart->findChildren<QToolButton*>())
+        if (b->isCheckable()) cross = b;
+    ASSERT_NE(cross, nullptr);
+    QTest::mouseClick(cross, Qt::LeftButton);
+    ASSERT_TRUE(cross->isChecked());
+    EXPECT_EQ(chart->cursor().shape(), Qt::CrossCursor);
+    QTest::keyClick(chart, Qt::Key_Escape);
+    EXPECT_FALSE(cross->isChecked());
+    EXPECT_EQ(chart->cursor().shape(), Qt::ArrowCursor);
 }
 
 }  // namespace

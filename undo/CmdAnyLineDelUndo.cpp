@@ -1,0 +1,177 @@
+#include "undo/CmdAnyLineDelUndo.h"
+
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <tuple>
+#include <vector>
+
+#include "gui/PFChartWidget.h"
+#include "gx/Area.h"
+#include "gx/Chart.h"
+#include "gx/Indicator.h"
+#include "gx/Layer.h"
+#include "gx/Line.h"
+#include "module/PFChartModule.h"
+#include "undo/UndoRecord.h"
+#include "undo/XMLTreeWalker.h"
+#include "xml/CXMLWorkData.h"
+
+namespace {
+
+const int kObjectIndicator = 0;
+
+bool AllSelected(const gx::Indicator& indicator) {
+    for (const boost::shared_ptr<gx::Line>& line : indicator.GetLines())
+        if (!line->IsSelected()) return false;
+    return true;
+}
+
+bool LayerGoes(const gx::Layer& layer) {
+    for (const boost::shared_ptr<gx::Indicator>& indicator : layer.GetIndicators())
+        if (!AllSelected(*indicator)) return false;
+    return true;
+}
+
+bool AreaGoes(const gx::Area& area) {
+    for (const boost::shared_ptr<gx::Layer>& layer : area.GetLayers())
+        if (!LayerGoes(*layer)) return false;
+    return true;
+}
+
+// One node of the record, read back.
+struct Entry {
+    int area;
+    int layer;
+    int index;
+    bool areaGone;
+    bool layerGone;
+    bool indicatorGone;
+    void* node;  // the node's host handle, opened again when its turn comes
+};
+
+// Collects the record's line nodes; they are put back in order of place afterwards (the
+// order of the refresh), so that every area, layer and indicator lands where it was.
+struct LinePop {
+    std::vector<Entry> entries;
+    void Visit(CXMLWorkData* node) {
+        if (node->readInteger("ObjectType", -1) != kObjectIndicator) return;
+        Entry e{node->readInteger("nArea", -1),        node->readInteger("nLayer", -1),
+                node->readInteger("nodeIndex", -1),     node->readInteger("AreaGone", 0) != 0,
+                node->readInteger("LayerGone", 0) != 0, node->readInteger("IndicatorGone", 0) != 0,
+                node->node()};
+        if (e.area < 0 || e.layer < 0 || e.index < 0) return;
+        entries.push_back(e);
+    }
+};
+
+}  // namespace
+
+void CmdAnyLineDelUndo::Execute(int, void* target, void*, void*, void*) {
+    PFChartWidget* widget = static_cast<PFChartWidget*>(target);
+    if (!widget) return;
+    const std::vector<boost::shared_ptr<gx::Area> >& areas = widget->GetChart()->GetAreas();
+    bool any = false;
+    for (const boost::shared_ptr<gx::Area>& area : areas)
+        for (const boost::shared_ptr<gx::Layer>& layer : area->GetLayers())
+            for (const boost::shared_ptr<gx::Indicator>& indicator : layer->GetIndicators())
+                for (const boost::shared_ptr<gx::Line>& line : indicator->GetLines()) any = any || line->IsSelected();
+    if (!any) return;
+    UndoRecord record(widget, "G0134");
+    if (!record.Root()) return;
+    for (std::size_t a = 0; a < areas.size(); ++a) {
+        const gx::Area& area = *areas[a];
+        const bool areaGone = AreaGoes(area);
+        for (std::size_t l = 0; l < area.GetLayers().size(); ++l) {
+            const gx::Layer& layer = *area.GetLayers()[l];
+            const bool layerGone = LayerGoes(layer);
+            for (std::size_t i = 0; i < layer.GetIndicators().size(); ++i) {
+                const boost::shared_ptr<gx::Indicator>& indicator = layer.GetIndicators()[i];
+                bool selected = false;
+                for (const boost::shared_ptr<gx::Line>& line : indicator->GetLines()) selected = selected || line->IsSelected();
+                if (!selected) continue;
+                std::unique_ptr<CXMLWorkData> node(record.Root()->createNode("Node"));
+                if (!node) continue;
+                node->writeInteger("ObjectType", kObjectIndicator);
+                node->writeInteger("nArea", static_cast<int>(a));
+                node->writeInteger("nLayer", static_cast<int>(l));
+                node->writeInteger("nodeIndex", static_cast<int>(i));
+                node->writeInteger("AreaGone", areaGone ? 1 : 0);
+                node->writeInteger("LayerGone", layerGone ? 1 : 0);
+                node->writeInteger("IndicatorGone", AllSelected(*indicator) ? 1 : 0);
+                node->writeParameters();
+                std::unique_ptr<CXMLWorkData> saved(node->createNode("PFIndicator"));
+                if (!saved) continue;
+                indicator->ToXML(saved.get());
+                saved->writeParameters();
+                for (const boost::shared_ptr<gx::Line>& line : indicator->GetLines()) {
+                    if (!line->IsSelected()) continue;
+                    std::unique_ptr<CXMLWorkData> lineNode(saved->createNode("PFLine"));
+                    if (!lineNode) continue;
+                    line->ToXML(lineNode.get());
+                    lineNode->writeParameters();
+                }
+            }
+        }
+    }
+    record.Commit();
+}
+
+void CmdAnyLineDelUndo::UnExecute(int, void* target, void* record, void* result, void*) {
+    PFChartWidget* widget = static_cast<PFChartWidget*>(target);
+    if (!widget || !record) return;
+    const coreUndoStart start = *static_cast<const coreUndoStart*>(record);
+    std::unique_ptr<CXMLWorkData> root = UndoRecord::Open(widget, start);
+    LinePop pop;
+    XMLTreeWalker<LinePop>(root.get(), pop).Walk();
+    std::stable_sort(pop.entries.begin(), pop.entries.end(), [](const Entry& x, const Entry& y) {
+        return std::tie(x.area, x.layer, x.index) < std::tie(y.area, y.layer, y.index);
+    });
+    gx::Chart& chart = *widget->GetChart();
+    std::map<int, boost::shared_ptr<gx::Area> > madeAreas;
+    std::map<std::pair<int, int>, boost::shared_ptr<gx::Layer> > madeLayers;
+    int restored = 0;
+    for (const Entry& e : pop.entries) {
+        // Places come from a record the host keeps: one that no longer fits the chart (an
+        // edited record) is left out rather than guessed at.
+        boost::shared_ptr<gx::Area> area;
+        if (e.areaGone) {
+            boost::shared_ptr<gx::Area>& made = madeAreas[e.area];
+            if (!made && e.area <= chart.GetAreaCount()) made = chart.InsertArea(e.area);
+            area = made;
+        } else if (e.area < chart.GetAreaCount()) {
+            area = chart.GetAreas()[static_cast<std::size_t>(e.area)];
+        }
+        if (!area) continue;
+        boost::shared_ptr<gx::Layer> layer;
+        if (e.layerGone || e.areaGone) {
+            boost::shared_ptr<gx::Layer>& made = madeLayers[std::make_pair(e.area, e.layer)];
+            if (!made && e.layer <= area->GetLayerCount()) made = area->InsertLayer(e.layer);
+            layer = made;
+        } else if (e.layer < area->GetLayerCount()) {
+            layer = area->GetLayers()[static_cast<std::size_t>(e.layer)];
+        }
+        if (!layer) continue;
+        if (e.indicatorGone || e.layerGone || e.areaGone) {
+            const int before = layer->GetIndicatorCount();
+            if (e.index > before) continue;
+            PFChartModule* module = widget->GetModule();
+            const std::unique_ptr<CXMLWorkData> node(
+                new CXMLWorkData(module->hostHandle, root->document(), e.node, module->sendToHost));
+            gx::Indicator::FromXML(layer, node.get());
+            if (layer->GetIndicatorCount() == before) continue;
+            // Appended at the end: moved to its place.
+            std::vector<boost::shared_ptr<gx::Indicator> >& all = layer->GetIndicators();
+            const boost::shared_ptr<gx::Indicator> back = all.back();
+            all.pop_back();
+            all.insert(all.begin() + std::min<std::size_t>(static_cast<std::size_t>(e.index), all.size()), back);
+        } else if (e.index < layer->GetIndicatorCount()) {
+            layer->GetIndicators()[static_cast<std::size_t>(e.index)]->RebuildLines();
+        } else {
+            continue;
+        }
+        ++restored;
+    }
+    if (restored) widget->AfterRestore(restored);
+    UndoRecord::CopyWords(start, static_cast<coreUndoRefresh*>(result));
+}

@@ -1,0 +1,55 @@
+#include "undo/UndoRecord.h"
+
+#include <QString>
+#include <algorithm>
+#include <cstring>
+
+#include "gui/PFChartWidget.h"
+#include "module/PFChartModule.h"
+#include "xml/CXMLWorkData.h"
+
+namespace {
+
+void* Handle(std::uint32_t word) { return reinterpret_cast<void*>(static_cast<std::uintptr_t>(word)); }
+
+}  // namespace
+
+UndoRecord::UndoRecord(PFChartWidget* widget, const char* titleKey) : widget_(widget) {
+    std::memset(&begin_, 0, sizeof begin_);
+    PFChartModule* module = widget ? widget->GetModule() : nullptr;
+    if (!module || !module->sendToHost) return;
+    const QString title = module->tr(titleKey);
+    const int units = std::min(title.size(), 255);
+    std::memcpy(begin_.title, title.utf16(), sizeof(coreWChar) * static_cast<std::size_t>(units));
+    begin_.hostHandle = widget->GetHostHandle();
+    begin_.widget = widget;
+    if (module->sendToHost(module->hostHandle, MSG_UNDO_BEGIN, reinterpret_cast<std::intptr_t>(&begin_), 0) != 0)
+        return;
+    const coreSzNode root = begin_.root;
+    if (!root.node || !begin_.recordId) return;
+    root_.reset(new CXMLWorkData(module->hostHandle, Handle(root.document), Handle(root.node), module->sendToHost));
+}
+
+UndoRecord::~UndoRecord() = default;
+
+bool UndoRecord::Commit() {
+    PFChartModule* module = widget_ ? widget_->GetModule() : nullptr;
+    if (!root_ || committed_ || !module || !module->sendToHost) return false;
+    committed_ = true;
+    const std::int32_t id = begin_.recordId;
+    return module->sendToHost(module->hostHandle, MSG_UNDO_COMMIT, id, 0) == 0;
+}
+
+std::unique_ptr<CXMLWorkData> UndoRecord::Open(PFChartWidget* widget, const coreUndoStart& record) {
+    PFChartModule* module = widget ? widget->GetModule() : nullptr;
+    if (!module || !module->sendToHost || !record.node) return nullptr;
+    return std::unique_ptr<CXMLWorkData>(
+        new CXMLWorkData(module->hostHandle, Handle(record.document), Handle(record.node), module->sendToHost));
+}
+
+void UndoRecord::CopyWords(const coreUndoStart& record, coreUndoRefresh* result) {
+    if (!result) return;
+    result->first = record.document;
+    result->third = record.node;
+    result->fourth = record.widget;
+}

@@ -1,0 +1,34 @@
+// One record of the host's undo stack while a command writes it: begun with 3138 (titled
+// with the translation of a key, for the widget's window), its root node open for writing,
+// committed with 3139. Without a host, or when the host makes no record, Root() is null and
+// nothing is written.
+#pragma once
+
+#include <memory>
+
+#include "abi/records.h"
+
+class CXMLWorkData;
+class PFChartWidget;
+
+class UndoRecord {
+public:
+    UndoRecord(PFChartWidget* widget, const char* titleKey);
+    ~UndoRecord();
+
+    CXMLWorkData* Root() const { return root_.get(); }
+    // 3139; true when the host took the record.
+    bool Commit();
+
+    // The root of a record the host hands back (3140), read from the host; null without a
+    // host.
+    static std::unique_ptr<CXMLWorkData> Open(PFChartWidget* widget, const coreUndoStart& record);
+    // The record's first, third and fourth words into `result`.
+    static void CopyWords(const coreUndoStart& record, coreUndoRefresh* result);
+
+private:
+    PFChartWidget* widget_;
+    coreUndoBegin begin_;
+    std::unique_ptr<CXMLWorkData> root_;
+    bool committed_ = false;
+};

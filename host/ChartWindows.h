@@ -26,9 +26,16 @@
 //
 // Chart windows are the module's widgets inside the host's containers, so they must be
 // destroyed (destroyAll) while the module is still loaded.
+//
+// ChartGestures.cpp also plays the person at the window: the tool bar's buttons, the time
+// scroll bar, clicks, keys and resting the mouse for a tool tip, the areas' close buttons
+// and the selection and deletion of a line. They use only what any Qt window offers (child
+// widgets by class, events, the window's picture), never the module's classes.
 #pragma once
 
 #include <QImage>
+#include <QList>
+#include <QRect>
 #include <QObject>
 #include <QPoint>
 #include <QPointer>
@@ -43,9 +50,11 @@
 #include "host/Host.h"
 #include "host/data/ChartType.h"
 
+class QAbstractSlider;
 class QMdiSubWindow;
 class QMenu;
 class QMimeData;
+class QToolButton;
 class QWidget;
 
 namespace host {
@@ -152,6 +161,32 @@ public:
     // The entries of the menu `path` leads to (the context menu itself for an empty path),
     // separators left out, submenus ending in " >"; empty when there is no such menu.
     QStringList contextMenuEntries(void* widget, const QPoint& point, const QStringList& path = QStringList());
+
+    // The tool bar's buttons, left to right: Zoom In and Zoom Out come first.
+    QList<QToolButton*> toolButtons(void* widget) const;
+    // The time scroll bar: the chart widget's QAbstractSlider that is not a QSlider (that one
+    // is the zoom slider); null when there is none.
+    QAbstractSlider* timeScrollBar(void* widget) const;
+    // A left press and release at `point`, as a click on the chart lands.
+    void click(void* widget, const QPoint& point);
+    // A key pressed and released while the chart has the focus.
+    void pressKey(void* widget, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    // The tool tip the module shows with the mouse resting at `point`; empty for none.
+    QString toolTipAt(void* widget, const QPoint& point);
+
+    // The areas' close buttons as the window shows them now, top to bottom: the small framed
+    // squares with a cross at the right end of each area's caption strip, found in the
+    // window's picture. One per area.
+    std::vector<QRect> closeButtons(void* widget);
+    // A left click at the centre of area `index`'s close button (0 for the top area). True
+    // when the module took that area away (the window shows one close button fewer).
+    bool closeArea(void* widget, int index, std::string* error = nullptr);
+    // A point over a figure of area `index` where the module shows a tool tip, searched from
+    // the middle of the area outwards; false when the area shows none.
+    bool figureIn(void* widget, int index, QPoint* point, QString* tip = nullptr);
+    // A click on a figure of area `index`, which selects its line, then the Delete key. True
+    // when the module took the figure away (no tool tip shows there any more).
+    bool deleteLine(void* widget, int index, std::string* error = nullptr);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -12,6 +12,7 @@
 #include "host/DealingService.h"
 #include "host/DialogAnswerer.h"
 #include "host/MainWindowService.h"
+#include "host/UndoStack.h"
 #include "host/WorkDataStore.h"
 
 namespace host {
@@ -32,6 +33,7 @@ Emulator::Emulator(const EmulatorOptions& options) : options_(options), host_(ne
     dealing_.reset(new DealingService(*host_, *core_));
     charts_.reset(new ChartWindows(*host_, *core_, *data_, *mainWindow_));
     layouts_.reset(new ChartLayouts(*host_, *charts_, *workData_));
+    undo_.reset(new UndoStack(*host_, *workData_, *charts_));
     dialogs_.reset(new DialogAnswerer(QString::fromStdString(options_.workFolder)));
     // The module's question boxes label their buttons with its own "Yes" and "No" texts.
     dialogs_->setButtonTexts([this](bool yes) {
@@ -48,6 +50,7 @@ Emulator::~Emulator() {
     mainWindow_->closeWindow();
     host_->unload();
     dialogs_.reset();
+    undo_.reset();
     layouts_.reset();
     charts_.reset();
     dealing_.reset();

@@ -19,6 +19,7 @@ class DealingService;
 class ChartWindows;
 class ChartLayouts;
 class DialogAnswerer;
+class UndoStack;
 
 struct EmulatorOptions {
     std::string modulePath;              // default: the built libPFChartModule.so.1
@@ -44,6 +45,8 @@ public:
     DealingService& dealing() { return *dealing_; }
     ChartWindows& charts() { return *charts_; }
     ChartLayouts& layouts() { return *layouts_; }
+    // The terminal's undo stack: the module's undoable steps and the undo of the top one.
+    UndoStack& undo() { return *undo_; }
     // Answers the module's modal dialogs for as long as the emulator lives (no person is
     // there to do it); its policy is set by the tests and pfhost.
     DialogAnswerer& dialogs() { return *dialogs_; }
@@ -68,6 +71,7 @@ private:
     std::unique_ptr<DealingService> dealing_;
     std::unique_ptr<ChartWindows> charts_;
     std::unique_ptr<ChartLayouts> layouts_;
+    std::unique_ptr<UndoStack> undo_;
     std::unique_ptr<DialogAnswerer> dialogs_;
     std::string tempFolder_;
     MODULE_INFO info_;

@@ -203,6 +203,10 @@ bool WorkDataStore::save(void* handle, QString* error) {
         if (error) *error = QStringLiteral("unknown node");
         return false;
     }
+    if (doc->path.isEmpty()) {
+        if (error) *error = QStringLiteral("a document held in memory has no file");
+        return false;
+    }
     if (doc->top.children.empty()) {
         if (error) *error = QStringLiteral("%1: no root element to save").arg(doc->path);
         return false;
@@ -216,6 +220,27 @@ bool WorkDataStore::save(void* handle, QString* error) {
     }
     doc->changed = false;
     return true;
+}
+
+void* WorkDataStore::createDocument(const QString& rootName) {
+    if (!workdata::isXmlName(rootName)) return nullptr;
+    std::unique_ptr<Document> doc(new Document);
+    doc->top.addChild(rootName);
+    adopt(doc->top);
+    documents_.push_back(std::move(doc));
+    return documents_.back()->top.handle;
+}
+
+bool WorkDataStore::closeDocument(void* document) {
+    const Node* top = find(document);
+    if (!top || top->parent) return false;
+    for (auto it = documents_.begin(); it != documents_.end(); ++it) {
+        if (&(*it)->top != top) continue;
+        forget((*it)->top);
+        documents_.erase(it);
+        return true;
+    }
+    return false;
 }
 
 void* WorkDataStore::root(void* document) const {
@@ -256,6 +281,27 @@ bool WorkDataStore::setAttribute(void* handle, const QString& name, const QStrin
     n->setAttribute(name, value);
     touch(n);
     return true;
+}
+
+bool WorkDataStore::removeAttribute(void* handle, const QString& name) {
+    Node* n = find(handle);
+    if (!n) return false;
+    auto& attrs = n->attributes;
+    const auto it = std::find_if(attrs.begin(), attrs.end(),
+                                 [&name](const std::pair<QString, QString>& a) { return a.first == name; });
+    if (it == attrs.end()) return false;
+    attrs.erase(it);
+    touch(n);
+    return true;
+}
+
+int WorkDataStore::childIndex(void* handle) const {
+    const Node* n = find(handle);
+    if (!n || !n->parent) return -1;
+    const auto& siblings = n->parent->children;
+    for (std::size_t i = 0; i < siblings.size(); ++i)
+        if (siblings[i].get() == n) return static_cast<int>(i);
+    return -1;
 }
 
 bool WorkDataStore::describe(void* handle, coreSzNode* out) const {

@@ -18,6 +18,8 @@
 // - 3164 writes the whole document holding the node, atomically, when it has changed since
 //   it was read or last saved (so a document only read, such as a skin, is never rewritten);
 //   a document without a root element answers 1. A path stays open for the store's life.
+// - Documents can also live in memory only (createDocument): the undo stack keeps each
+//   record's tree in one. 3164 answers 1 for them; closeDocument drops one with its handles.
 //
 // Node and attribute names must be XML names without ':'; a write or creation with another
 // name is refused for that entry. 3012 (head node of a data object) belongs to the data core.
@@ -47,6 +49,12 @@ public:
     // failure and fills `error` when given.
     void* open(const QString& path, QString* error = nullptr);
     bool save(void* node, QString* error = nullptr);
+    // A document held in memory only, with one root element named `rootName`: its handle,
+    // or 0 for a name that is not an XML name. It has no path and is never written.
+    void* createDocument(const QString& rootName);
+    // Drops the document `document` (a document handle) with every node and handle in it;
+    // false for anything else.
+    bool closeDocument(void* document);
     // The root element of a document, or 0.
     void* root(void* document) const;
     // The first child of `node` named `name`, or 0.
@@ -56,6 +64,11 @@ public:
     bool clear(void* node);
     // Sets one attribute of an element; false for no element or a name 3168 would refuse.
     bool setAttribute(void* node, const QString& name, const QString& value);
+    // Removes one attribute of an element; false when it has none of that name.
+    bool removeAttribute(void* node, const QString& name);
+    // The node's position among its parent's children, 0 for the first; -1 for an unknown
+    // node and for a document node, which has no parent.
+    int childIndex(void* node) const;
     // The record the host hands the module for `node` (3020 and 3021).
     bool describe(void* node, coreSzNode* record) const;
     // The node of a handle, or null.

@@ -119,6 +119,10 @@ bool drawWindow(Emulator& emulator, ChartPicture& picture, std::string* error) {
     picture.replayed = 0;
     for (const std::string& name : picture.instruments) picture.replayed += core.replay(name, picture.replay);
     picture.notices = core.notices().size() - before;
+    if (!PlayActions(emulator, widget, picture.actions, error)) {
+        charts.destroy(widget);
+        return false;
+    }
 
     picture.image = charts.grab(widget, picture.size);
     picture.title = charts.title(widget);
@@ -149,6 +153,7 @@ QString ChartPicture::Describe() const {
     if (!saveLayout.isEmpty()) text += QStringLiteral("; layout saved to %1").arg(saveLayout);
     if (!printFile.isEmpty()) text += QStringLiteral("; printed to %1").arg(printFile);
     if (!trades.empty()) text += QStringLiteral("; %1 trades placed").arg(trades.size());
+    if (!actions.empty()) text += QStringLiteral("; %1 actions played").arg(actions.size());
     return text;
 }
 
@@ -233,12 +238,14 @@ bool parseExtras(const QStringList& args, ChartPicture& picture) {
         if (!m.hasMatch()) return false;
         picture.tradeAt = QPoint(m.captured(1).toInt(), m.captured(2).toInt());
     }
+    if (!ParseActions(args, &picture.actions)) return false;
     const QString answer = option(args, "--answer", "no");
     return answer == QLatin1String("yes") || answer == QLatin1String("no");
 }
 
-const char* const kExtraOptions[] = {"--replay", "--load-layout", "--save-layout", "--print", "--accounts",
-                                     "--trade",  "--at",          "--answer",      "--blotter"};
+const char* const kExtraOptions[] = {"--replay", "--load-layout", "--save-layout", "--print",       "--accounts",
+                                     "--trade",  "--at",          "--answer",      "--blotter",     "--zoom",
+                                     "--scroll", "--close-area",  "--delete-line", "--undo",        "--undo-list"};
 
 }  // namespace
 
@@ -299,6 +306,7 @@ int RunChartCommand(const QStringList& args, const char* command, const char* us
         const std::string blotter = emulator.dealing().describeBlotter();
         std::printf("blotter: %zu trades\n%s", emulator.dealing().blotter().size(), blotter.c_str());
     }
+    if (hasFlag(args, "--undo-list")) std::printf("%s", DescribeUndoStack(emulator).c_str());
     if (!saved) {
         std::fprintf(stderr, "pfhost %s: %s\n", command, error.c_str());
         return 1;

@@ -41,6 +41,13 @@ struct ChartPicture {
     std::vector<Trade> trades;
     int accounts = 1;                       // accounts the module was started with
     QPoint tradeAt;                         // where the menu opens; null: the middle of the window
+    // What the person at the terminal does to the window after the drops and the replay,
+    // before it is grabbed, in order (ChartActions.cpp).
+    struct Action {
+        enum Kind { ZoomIn, ZoomOut, Scroll, CloseArea, DeleteLine, Undo } kind;
+        int value;                          // Scroll: the position; CloseArea, DeleteLine: the area
+    };
+    std::vector<Action> actions;
 
     // What was drawn.
     QImage image;
@@ -59,6 +66,15 @@ struct ChartPicture {
 bool DrawChart(Emulator& emulator, ChartPicture& picture, std::string* error);
 // DrawChart, then the image written to `path` as PNG.
 bool SaveChart(Emulator& emulator, ChartPicture& picture, const QString& path, std::string* error);
+
+// The actions among `args` (--zoom in|out, --scroll N, --close-area I, --delete-line I,
+// --undo), in the order given; false for a malformed one.
+bool ParseActions(const QStringList& args, std::vector<ChartPicture::Action>* actions);
+// Plays `actions` on the window in order; false with `error` set at the first that fails.
+bool PlayActions(Emulator& emulator, void* widget, const std::vector<ChartPicture::Action>& actions,
+                 std::string* error);
+// The titles on the emulator's undo stack, one a line, the next to be undone first.
+std::string DescribeUndoStack(Emulator& emulator);
 
 // Puts a price source into the emulator's data core: a CSV path is loaded, anything else
 // names a built-in instrument. The last `holdBack` quotes wait for replay. The instrument's

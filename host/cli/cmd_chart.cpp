@@ -8,7 +8,8 @@ namespace {
 const char kUsage[] =
     "--data FILE.csv|NAME [--data ...] --type pf|renko|kagi [--box SIZE] [--reversal N] [--size WxH] "
     "[--replay N] [--answer yes|no] [--save-layout FILE.xml] [--print FILE.pdf] [--accounts N] "
-    "[--trade deal|order[:K] ...] [--at X,Y] [--blotter] --out FILE.png\n"
+    "[--trade deal|order[:K] ...] [--at X,Y] [--blotter] [--zoom in|out] [--scroll N] [--close-area I] "
+    "[--delete-line I] [--undo] [--undo-list] --out FILE.png\n"
     "    | --load-layout FILE.xml [--type pf|renko|kagi] [--data FILE.csv|NAME ...] [the options above] --out FILE.png";
 
 int runChart(const QStringList& args) { return host::cli::RunChartCommand(args, "chart", kUsage, true); }
@@ -17,6 +18,6 @@ int runChart(const QStringList& args) { return host::cli::RunChartCommand(args, 
 
 PF_HOST_COMMAND("chart", kUsage,
                 "open a chart window of the module, drop each price source on it (one area each) or load a saved "
-                "layout into it, replay the last N quotes and grab the window into a PNG; then save its layout, "
-                "print it, and trade from its context menu",
+                "layout into it, replay the last N quotes, zoom, scroll, close areas, delete lines and undo, and grab "
+                "the window into a PNG; then save its layout, print it, and trade from its context menu",
                 runChart);

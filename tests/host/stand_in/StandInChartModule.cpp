@@ -13,6 +13,8 @@
 //   5012  a QPrintDialog; accepted, a page with "Printed by the stand-in", titled "printed"
 //   5034  the title, cut to the capacity; 5025 the widget's own address is found
 //   3518, 10054  the title names the values received
+//   3140  for one of its windows: 3141 {document, root node, widget} with the result 0; a
+//         window whose record's root has an entry "Busy" is busy (answers 1, no 3141)
 // Drops of drag data are described by the host (3119, 3048; then 3012) and titled as 5007.
 // The context menu holds "Trade" > "Deal" and "Order"; choosing one titles the window with
 // it and the entries hovered on the way.
@@ -202,7 +204,21 @@ int recordMessage(Component& c, unsigned int message, std::intptr_t p1, std::int
     return 0;
 }
 
+// 3140: the record's words echoed back with 3141, unless the record says the window is busy.
+int undo(Component& c, const coreUndoStart* record) {
+    if (!record) return 1;
+    coreUndoStart r;
+    std::memcpy(&r, record, sizeof r);
+    void* const widget = r.widget;  // packed: read once into an aligned word
+    if (std::find(c.widgets.begin(), c.widgets.end(), widget) == c.widgets.end()) return 1;
+    if (readEntries(coreSzNode{r.document, r.document2, r.node}).contains(QStringLiteral("Busy"))) return 1;
+    coreUndoRefresh reply{r.document, r.node, widget};
+    g_send(g_core, MSG_UNDO_REPLY, P(&reply), 0);
+    return 0;
+}
+
 int windowMessage(Component& c, unsigned int message, std::intptr_t p1, std::intptr_t p2) {
+    if (message == MSG_UNDO_REQUEST) return undo(c, reinterpret_cast<const coreUndoStart*>(p1));
     if (message == MSG_WC_OWNER_FOR_OBJECT || message == MSG_WC_CAPTION || message == MSG_PANEL_STATUS ||
         message == MSG_APPLY_PROPERTY)
         return recordMessage(c, message, p1, p2);

@@ -1,0 +1,219 @@
+// Undo through the terminal's undo stack with the real module: a step the person takes in a
+// chart window (closing an area, deleting a line, zooming) is recorded by the module (3138,
+// work-data nodes, 3139); the terminal's undo hands the record back (3140) and the module
+// rebuilds what the step changed and answers (3141). Also undo records a careless or hostile
+// terminal may send.
+//
+// A busy window answers 3140 with 1 and sends no 3141; a window cannot be made busy from
+// outside, so that case is tested inside the module.
+#include <gtest/gtest.h>
+
+#include <QAbstractSlider>
+#include <QApplication>
+#include <QImage>
+#include <QMouseEvent>
+#include <QToolButton>
+#include <cstring>
+#include <functional>
+#include <vector>
+
+#include "ModuleHostTest.h"
+#include "host/ChartWindows.h"
+#include "host/CoreServices.h"
+#include "host/Emulator.h"
+#include "host/UndoStack.h"
+#include "host/WorkDataStore.h"
+#include "host/workdata/WorkTree.h"
+
+using host::data::ChartType;
+
+namespace {
+
+const QSize kPictureSize(900, 600);
+
+class Undo : public ModuleHostTest {
+protected:
+    void SetUp() override { Start(); }
+    host::ChartWindows& Charts() { return emulator->charts(); }
+    host::UndoStack& Stack() { return emulator->undo(); }
+    host::WorkDataStore& Store() { return emulator->workData(); }
+
+    void* Window(const std::vector<std::string>& instruments) {
+        void* widget = Charts().create(ChartType::PointAndFigure);
+        EXPECT_NE(widget, nullptr);
+        for (const std::string& name : instruments) EXPECT_EQ(Charts().drop(widget, {name}), 0) << name;
+        Picture(widget);  // laid out at the size the pictures are taken at
+        return widget;
+    }
+    QImage Picture(void* widget) { return Charts().grab(widget, kPictureSize); }
+    // The titles on the undo stack, bottom first, joined by "|".
+    std::string Titles() { return Stack().titles().join(QLatin1Char('|')).toStdString(); }
+    std::string Text(const char* key) { return emulator->moduleText(key).toStdString(); }
+
+    // The undo messages (3138 to 3141) in the journal from `from` on, in order.
+    std::vector<unsigned int> UndoMessages(std::size_t from) {
+        std::vector<unsigned int> out;
+        const auto& all = H().journal().entries();
+        for (std::size_t i = from; i < all.size(); ++i) {
+            const unsigned int m = all[i].message;
+            if (m != MSG_UNDO_BEGIN && m != MSG_UNDO_COMMIT && m != MSG_UNDO_REQUEST && m != MSG_UNDO_REPLY) continue;
+            EXPECT_EQ(all[i].result, 0) << "message " << m;
+            out.push_back(m);
+        }
+        return out;
+    }
+    // The top record undone; it must have been taken back as a whole.
+    void UndoTop() {
+        const host::UndoStack::Undo u = Stack().undo();
+        ASSERT_TRUE(u.sent) << "nothing on the stack";
+        EXPECT_EQ(u.answer, 0);
+        ASSERT_TRUE(u.replied) << "no 3141";
+        EXPECT_EQ(u.result, 0);
+    }
+    // A left drag across the chart from x1 to x2 at height y.
+    void Drag(void* widget, int x1, int x2, int y) {
+        QWidget* chart = Charts().chartWidget(widget);
+        auto send = [&](QEvent::Type type, int x, Qt::MouseButton button, Qt::MouseButtons buttons) {
+            const QPoint at(x, y);
+            QMouseEvent event(type, at, chart->mapToGlobal(at), button, buttons, Qt::NoModifier);
+            QApplication::sendEvent(chart, &event);
+        };
+        send(QEvent::MouseButtonPress, x1, Qt::LeftButton, Qt::LeftButton);
+        for (int x = x1; x < x2; x += 10) send(QEvent::MouseMove, x, Qt::NoButton, Qt::LeftButton);
+        send(QEvent::MouseButtonRelease, x2, Qt::LeftButton, Qt::NoButton);
+    }
+    // Calls `edit` for every node of the top record's tree with the node's handle.
+    void EditTopRecord(const std::function<void(void*, const host::workdata::Node&)>& edit) {
+        ASSERT_FALSE(Stack().records().empty());
+        std::vector<void*> open{Stack().records().back().root};
+        while (!open.empty()) {
+            void* handle = open.back();
+            open.pop_back();
+            const host::workdata::Node* node = Store().node(handle);
+            ASSERT_NE(node, nullptr);
+            for (const auto& child : node->children) open.push_back(child->handle);
+            edit(handle, *node);
+        }
+    }
+};
+
+TEST_F(Undo, ClosingAnAreaIsOneStepAndItsUndoRestoresThePicture) {
+    void* widget = Window({"USDCHF", "TTRC"});
+    const QImage before = Picture(widget);
+    const std::size_t from = H().journal().entries().size();
+    std::string error;
+    ASSERT_TRUE(Charts().closeArea(widget, 1, &error)) << error;
+    EXPECT_NE(Picture(widget), before);
+    ASSERT_EQ(Titles(), Text("G0135"));
+
+    UndoTop();
+    EXPECT_TRUE(Stack().records().empty());
+    EXPECT_EQ(Picture(widget), before);
+    EXPECT_EQ(Charts().closeButtons(widget).size(), 2u);
+    const std::vector<unsigned int> expected{MSG_UNDO_BEGIN, MSG_UNDO_COMMIT, MSG_UNDO_REQUEST, MSG_UNDO_REPLY};
+    EXPECT_EQ(UndoMessages(from), expected);
+}
+
+TEST_F(Undo, DeletingTheLastLineOfAnIndicatorIsUndoneToTheSamePicture) {
+    void* widget = Window({"USDCHF"});
+    const QImage before = Picture(widget);
+    std::string error;
+    ASSERT_TRUE(Charts().deleteLine(widget, 0, &error)) << error;
+    EXPECT_NE(Picture(widget), before);
+    ASSERT_EQ(Titles(), Text("G0134"));
+
+    UndoTop();
+    EXPECT_EQ(Picture(widget), before);
+    QPoint at;
+    EXPECT_TRUE(Charts().figureIn(widget, 0, &at)) << "the figures answer tool tips again";
+}
+
+TEST_F(Undo, ZoomByALeftDragIsUndoneToTheSamePicture) {
+    void* widget = Window({"USDCHF"});
+    QAbstractSlider* bar = Charts().timeScrollBar(widget);
+    ASSERT_NE(bar, nullptr);
+    const int range = bar->maximum();
+    const QImage before = Picture(widget);
+    QWidget* chart = Charts().chartWidget(widget);
+    // About sixty of the 300 columns shown.
+    Drag(widget, chart->width() / 3, chart->width() / 3 + chart->width() / 5, chart->height() / 2);
+    ASSERT_GT(bar->maximum(), range) << "the drag did not zoom";
+    EXPECT_EQ(Titles(), Text("G0138"));
+
+    UndoTop();
+    EXPECT_EQ(bar->maximum(), range);
+    EXPECT_EQ(Picture(widget), before);
+}
+
+TEST_F(Undo, ToolBarZoomInIsOneStepUndoneAsAZoomOut) {
+    // Undoing a zoom in zooms out again: the same picture as pressing Zoom In and Zoom Out.
+    void* zoomedOut = Window({"USDCHF"});
+    QList<QToolButton*> buttons = Charts().toolButtons(zoomedOut);
+    ASSERT_GE(buttons.size(), 2);
+    buttons[0]->click();
+    buttons[1]->click();
+    const QImage expected = Picture(zoomedOut);
+    ASSERT_TRUE(Charts().destroy(zoomedOut));
+    for (int i = 0; i < 8 && !Stack().records().empty(); ++i) Stack().undo();  // the other window's steps
+
+    void* widget = Window({"USDCHF"});
+    const QImage before = Picture(widget);
+    const std::size_t begun = H().journal().find(MSG_UNDO_BEGIN).size();
+    Charts().toolButtons(widget)[0]->click();
+    EXPECT_NE(Picture(widget), before);
+    EXPECT_EQ(H().journal().find(MSG_UNDO_BEGIN).size(), begun + 1) << "the zoom slider moved too, unrecorded";
+    ASSERT_EQ(Titles(), Text("G0138"));
+
+    UndoTop();
+    EXPECT_TRUE(Stack().records().empty());
+    EXPECT_EQ(Picture(widget), expected);
+}
+
+TEST_F(Undo, HostileUndoRecordsChangeNothing) {
+    void* widget = Window({"USDCHF", "TTRC"});
+    void* pf = emulator->core().componentObject("Points and Figures");
+    const QImage before = Picture(widget);
+    const std::size_t replies = H().journal().find(MSG_UNDO_REPLY).size();
+
+    // No record, and a record of a widget the module never made.
+    H().send(pf, MSG_UNDO_REQUEST, 0);
+    coreUndoStart stranger;
+    std::memset(&stranger, 0, sizeof stranger);
+    stranger.widget = reinterpret_cast<void*>(0x5150);
+    H().send(pf, MSG_UNDO_REQUEST, P(&stranger));
+    H().send(nullptr, MSG_UNDO_REQUEST, P(&stranger));
+    EXPECT_EQ(H().journal().find(MSG_UNDO_REPLY).size(), replies);
+    EXPECT_EQ(Picture(widget), before);
+
+    // A step of a window destroyed since.
+    void* other = Window({"USDCHF"});
+    Charts().toolButtons(other)[0]->click();
+    ASSERT_EQ(Stack().records().size(), 1u);
+    ASSERT_TRUE(Charts().destroy(other));
+    EXPECT_TRUE(Stack().undo().sent);
+    EXPECT_EQ(Picture(widget), before);
+
+    // A closed area whose record lost every ObjectType.
+    std::string error;
+    ASSERT_TRUE(Charts().closeArea(widget, 1, &error)) << error;
+    const QImage closed = Picture(widget);
+    EditTopRecord([this](void* handle, const host::workdata::Node&) {
+        Store().removeAttribute(handle, QStringLiteral("ObjectType"));
+    });
+    Stack().undo();
+    EXPECT_EQ(Picture(widget), closed);
+
+    // A deleted line whose record points at places that do not exist.
+    ASSERT_TRUE(Charts().deleteLine(widget, 0, &error)) << error;
+    const QImage deleted = Picture(widget);
+    EditTopRecord([this](void* handle, const host::workdata::Node& node) {
+        for (const char* name : {"nodeIndex", "nArea", "nLayer", "nIndicator", "nLine", "Index"})
+            if (node.attribute(QString::fromLatin1(name)))
+                Store().setAttribute(handle, QString::fromLatin1(name), QStringLiteral("1000000"));
+    });
+    Stack().undo();
+    EXPECT_EQ(Picture(widget), deleted);
+    EXPECT_TRUE(Stack().records().empty());
+}
+
+}  // namespace

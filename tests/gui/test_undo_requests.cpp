@@ -39,9 +39,12 @@ TEST_F(UndoRequests, OnlyAListedIdleWindowUndoesAndAnswersWith3141) {
     });
     EXPECT_EQ(send(&record), 0);
     ASSERT_EQ(host.find(MSG_UNDO_REPLY).size(), 1u);
-    EXPECT_EQ(reply.first, 0x11u);
-    EXPECT_EQ(reply.third, 0x33u);
-    EXPECT_EQ(reply.fourth, widget.get());
+    // Packed record: fields compared by value.
+    const std::uint32_t first = reply.first, third = reply.third;
+    void* const fourth = reply.fourth;
+    EXPECT_EQ(first, 0x11u);
+    EXPECT_EQ(third, 0x33u);
+    EXPECT_EQ(fourth, widget.get());
     EXPECT_EQ(widget->GetChart()->GetAreaCount(), 1);
     // A module record without a host tree to read: each command finds nothing of its kind.
     record.kind = 0;

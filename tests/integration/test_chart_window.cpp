@@ -6,6 +6,7 @@
 
 #include <QImage>
 #include <QLabel>
+#include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QPointer>
 #include <QSet>
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "ModuleHostTest.h"
 #include "host/ChartWindows.h"
@@ -60,21 +62,31 @@ TEST_F(ChartWindow, StartUpRegistersTheStatusPanesWithTheMainWindowsLabels) {
 
 TEST_F(ChartWindow, EachInterfaceMakesItsWidgetInsideTheWindowItIsGiven) {
     emulator->startUp();
-    for (ChartType type : {ChartType::PointAndFigure, ChartType::Renko, ChartType::Kagi}) {
-        SCOPED_TRACE(host::data::chartTypeName(type));
-        EXPECT_EQ(Charts().query(type), 1);  // 5020
-        void* widget = Charts().create(type);
+    const std::pair<ChartType, const char*> kinds[] = {
+        {ChartType::PointAndFigure, "Points and Figures"}, {ChartType::Renko, "Renko"}, {ChartType::Kagi, "Kagi"}};
+    for (const auto& kind : kinds) {
+        SCOPED_TRACE(kind.second);
+        EXPECT_EQ(Charts().query(kind.first), 1);  // 5020
+        void* widget = Charts().create(kind.first);
         ASSERT_NE(widget, nullptr);
         const host::Journal::Entry create = H().journal().entries()[LastIndexOf(MSG_WC_CREATE)];
         EXPECT_EQ(create.result, 0);
+        EXPECT_EQ(Charts().interfaceOf(widget), Interface(kind.second));
+        EXPECT_EQ(Charts().subWindow(widget)->widget(), Charts().container(widget));
         QWidget* chart = ChartOf(widget);
         ASSERT_NE(chart, nullptr);
         EXPECT_TRUE(chart->isVisible());
         EXPECT_EQ(chart->size(), Charts().container(widget)->size());  // filled by 5005
         EXPECT_EQ(Charts().show(widget), 0);
         // An empty chart window still paints something: its name and the hint to add data.
-        EXPECT_GT(Colours(Charts().grab(widget, QSize(400, 300))), 1);
+        // The grab resizes the container, and the host passes the resize on (5005).
+        const QImage image = Charts().grab(widget, QSize(400, 300));
+        EXPECT_EQ(image.size(), QSize(400, 300));
+        EXPECT_EQ(chart->size(), QSize(400, 300));
+        EXPECT_GT(Colours(image), 1);
     }
+    EXPECT_EQ(Charts().widgets().size(), 3u);
+    EXPECT_EQ(emulator->mainWindow().mdiArea()->subWindowList().size(), 3);
 }
 
 TEST_F(ChartWindow, DestroyIsAnnouncedAndOnlyTheOwningInterfaceDeletes) {
@@ -96,6 +108,13 @@ TEST_F(ChartWindow, DestroyIsAnnouncedAndOnlyTheOwningInterfaceDeletes) {
     EXPECT_EQ(gone.hostHandle, emulator->core().components()[0].handle);
     EXPECT_TRUE(pfChart.isNull());
     EXPECT_EQ(Charts().widgets(), std::vector<void*>{renko});
+    EXPECT_FALSE(Charts().destroy(pf));
+
+    // An emulator closed with a window open destroys it while the module is still loaded.
+    QPointer<QWidget> left = ChartOf(renko);
+    ASSERT_FALSE(left.isNull());
+    emulator.reset();
+    EXPECT_TRUE(left.isNull());
 }
 
 TEST_F(ChartWindow, DroppedInstrumentBecomesASubscribedChartOfTheWindowsType) {
@@ -125,6 +144,11 @@ TEST_F(ChartWindow, DroppedInstrumentBecomesASubscribedChartOfTheWindowsType) {
     EXPECT_FALSE(Charts().title(pf).isEmpty());
     EXPECT_EQ(Charts().subWindow(pf)->windowTitle(), Charts().title(pf));
     EXPECT_GT(Colours(Charts().grab(pf, QSize(800, 600))), before);  // the figures are drawn
+
+    // One instrument the host does not know: nothing is sent for any of them.
+    const std::size_t drops = H().journal().find(MSG_WC_DROP_INSTRUMENTS).size();
+    EXPECT_EQ(Charts().drop(pf, {"TTRC", "NOSUCH"}), -1);
+    EXPECT_EQ(H().journal().find(MSG_WC_DROP_INSTRUMENTS).size(), drops);
 }
 
 TEST_F(ChartWindow, ReplayedQuotesReachTheWindowAndChangeItsPicture) {

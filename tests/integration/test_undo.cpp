@@ -1,8 +1,9 @@
 // Undo through the terminal's undo stack with the real module: a step the person takes in a
 // chart window (closing an area, deleting a line, zooming) is recorded by the module (3138,
 // work-data nodes, 3139); the terminal's undo hands the record back (3140) and the module
-// rebuilds what the step changed and answers (3141). Also undo records a careless or hostile
-// terminal may send.
+// rebuilds what the step changed and answers (3141). Also the terminal's side of the records
+// (3138, 3139, 3147) played through the host callback, and undo records and messages a careless
+// or hostile party may send.
 //
 // A busy window answers 3140 with 1 and sends no 3141; a window cannot be made busy from
 // outside, so that case is tested inside the module.
@@ -15,6 +16,7 @@
 #include <QToolButton>
 #include <cstring>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "ModuleHostTest.h"
@@ -82,6 +84,31 @@ protected:
         for (int x = x1; x < x2; x += 10) send(QEvent::MouseMove, x, Qt::NoButton, Qt::LeftButton);
         send(QEvent::MouseButtonRelease, x2, Qt::LeftButton, Qt::NoButton);
     }
+    // A message from the module's side, through the host callback (to the core unless told).
+    int Send(unsigned int message, std::intptr_t p1, std::intptr_t p2 = 0, void* target = nullptr) {
+        return host::Host::callback(target ? target : H().coreHandle(), message, p1, p2);
+    }
+    // 3138 as the module fills it.
+    static coreUndoBegin Record(const QString& title, void* widget) {
+        coreUndoBegin r;
+        std::memset(&r, 0, sizeof r);
+        std::memcpy(r.title, title.utf16(), std::size_t(title.size()) * sizeof(coreWChar));
+        r.widget = widget;
+        r.recordId = -1;
+        return r;
+    }
+    // Begins and commits a record; its root node.
+    std::uint32_t Step(const QString& title, void* widget) {
+        coreUndoBegin r = Record(title, widget);
+        EXPECT_EQ(Send(MSG_UNDO_BEGIN, P(&r)), 0);
+        EXPECT_EQ(Send(MSG_UNDO_COMMIT, r.recordId), 0);
+        return r.root.node;
+    }
+    int NodeIndex(std::uint32_t node) {
+        const coreSzNode n{0, 0, node};
+        return Send(MSG_UNDO_NODE_INDEX, P(&n));
+    }
+    static void* W(std::uint32_t word) { return reinterpret_cast<void*>(std::uintptr_t(word)); }
     // Calls `edit` for every node of the top record's tree with the node's handle.
     void EditTopRecord(const std::function<void(void*, const host::workdata::Node&)>& edit) {
         ASSERT_FALSE(Stack().records().empty());
@@ -185,12 +212,17 @@ TEST_F(Undo, HostileUndoRecordsChangeNothing) {
     EXPECT_EQ(H().journal().find(MSG_UNDO_REPLY).size(), replies);
     EXPECT_EQ(Picture(widget), before);
 
-    // A step of a window destroyed since.
+    // A step of a window destroyed since: sent, unanswered, and its tree is gone.
     void* other = Window({"USDCHF"});
     Charts().toolButtons(other)[0]->click();
     ASSERT_EQ(Stack().records().size(), 1u);
+    void* otherRoot = Stack().records().back().root;
     ASSERT_TRUE(Charts().destroy(other));
-    EXPECT_TRUE(Stack().undo().sent);
+    const host::UndoStack::Undo gone = Stack().undo();
+    EXPECT_TRUE(gone.sent);
+    EXPECT_FALSE(gone.replied);
+    EXPECT_TRUE(Stack().records().empty());
+    EXPECT_EQ(Store().node(otherRoot), nullptr);
     EXPECT_EQ(Picture(widget), before);
 
     // A closed area whose record lost every ObjectType.
@@ -214,6 +246,115 @@ TEST_F(Undo, HostileUndoRecordsChangeNothing) {
     Stack().undo();
     EXPECT_EQ(Picture(widget), deleted);
     EXPECT_TRUE(Stack().records().empty());
+}
+
+// The terminal's side of the records: 3138 gives a root under which 3147 numbers the nodes,
+// 3139 puts the record on top, and a record begun and never committed goes when the next
+// one begins.
+TEST_F(Undo, BeginGivesARootUnderWhichNodesAreIndexedAndCommitPutsTheRecordOnTop) {
+    void* window = Window({});
+    coreUndoBegin r = Record(QStringLiteral("Delete Area"), window);
+    ASSERT_EQ(Send(MSG_UNDO_BEGIN, P(&r)), 0);
+    const std::int32_t id = r.recordId;  // fields of packed records are read into locals
+    ASSERT_NE(id, 0);
+    const host::workdata::Node* root = Store().node(W(r.root.node));
+    ASSERT_NE(root, nullptr);
+    EXPECT_EQ(root->name, QStringLiteral("UndoRecord"));
+    EXPECT_EQ(W(r.root.document), root->parent->handle);
+    EXPECT_TRUE(Stack().titles().isEmpty()) << "not committed yet";
+
+    coreCreateNode create{};
+    create.parent = W(r.root.node);
+    std::strcpy(create.name, "Node");
+    ASSERT_EQ(Send(MSG_WD_CREATE_NODE, P(&create)), 0);
+    const std::uint32_t first = std::uint32_t(std::uintptr_t(create.result));
+    ASSERT_EQ(Send(MSG_WD_CREATE_NODE, P(&create)), 0);
+    const std::uint32_t second = std::uint32_t(std::uintptr_t(create.result));
+    EXPECT_EQ(NodeIndex(first), 0);
+    EXPECT_EQ(NodeIndex(second), 1);
+    EXPECT_EQ(NodeIndex(r.root.node), 0);
+    EXPECT_EQ(NodeIndex(r.root.document), -1) << "a document has no parent";
+    EXPECT_EQ(NodeIndex(0x7ff0), -1);
+    EXPECT_EQ(Send(MSG_UNDO_NODE_INDEX, 0), -1);
+
+    ASSERT_EQ(Send(MSG_UNDO_COMMIT, id), 0);
+    EXPECT_EQ(Stack().titles(), QStringList{QStringLiteral("Delete Area")});
+    EXPECT_EQ(Send(MSG_UNDO_COMMIT, id), 1) << "committed once only";
+
+    coreUndoBegin dropped = Record(QStringLiteral("Dropped"), window);
+    ASSERT_EQ(Send(MSG_UNDO_BEGIN, P(&dropped)), 0);
+    const std::uint32_t next = Step(QStringLiteral("Change Scale"), window);
+    EXPECT_EQ(Store().node(W(dropped.root.node)), nullptr);
+    EXPECT_EQ(Send(MSG_UNDO_COMMIT, dropped.recordId), 1);
+    EXPECT_NE(next, std::uint32_t(r.root.node));
+    EXPECT_EQ(Stack().titles(), (QStringList{QStringLiteral("Delete Area"), QStringLiteral("Change Scale")}));
+
+    // Undo takes the top record to its window's interface and drops its tree.
+    void* renko = Charts().create(ChartType::Renko);
+    ASSERT_NE(renko, nullptr);
+    const std::uint32_t renkoRoot = Step(QStringLiteral("B"), renko);
+    const host::UndoStack::Undo u = Stack().undo();
+    EXPECT_TRUE(u.sent);
+    EXPECT_EQ(u.record.title, QStringLiteral("B"));
+    EXPECT_EQ(H().journal().find(MSG_UNDO_REQUEST).back().target,
+              std::uintptr_t(emulator->core().componentObject("Renko")));
+    EXPECT_EQ(Store().node(W(renkoRoot)), nullptr) << "the tree goes once undone";
+    EXPECT_NE(Store().node(W(next)), nullptr);
+
+    // The host's own record kinds, for windows it has.
+    EXPECT_TRUE(Stack().pushHostRecord(CORE_UNDO_KIND_HOST7, window));
+    EXPECT_FALSE(Stack().pushHostRecord(3, window));
+    EXPECT_FALSE(Stack().pushHostRecord(CORE_UNDO_KIND_HOST5, reinterpret_cast<void*>(0x5150)));
+    EXPECT_EQ(Stack().records().size(), 3u);
+    EXPECT_EQ(Stack().undo().record.kind, CORE_UNDO_KIND_HOST7);
+}
+
+TEST_F(Undo, HostileUndoMessagesAnswerFailureAndChangeNothing) {
+    void* window = Window({});
+    coreUndoBegin good = Record(QStringLiteral("Move Line"), window);
+    ASSERT_EQ(Send(MSG_UNDO_BEGIN, P(&good)), 0);
+
+    EXPECT_EQ(Send(MSG_UNDO_BEGIN, 0), 1);
+    coreUndoBegin bad = Record(QStringLiteral("x"), window);
+    EXPECT_EQ(Send(MSG_UNDO_BEGIN, P(&bad), 0, window), 1) << "not sent to the core";
+    const std::vector<coreWChar> unterminated(sizeof bad.title / sizeof(coreWChar), coreWChar('A'));
+    std::memcpy(bad.title, unterminated.data(), sizeof bad.title);
+    EXPECT_EQ(Send(MSG_UNDO_BEGIN, P(&bad)), 1);
+    EXPECT_EQ(std::int32_t(bad.recordId), 0);
+    for (void* widget : {static_cast<void*>(nullptr), reinterpret_cast<void*>(0x5150)}) {
+        coreUndoBegin stranger = Record(QStringLiteral("x"), widget);
+        EXPECT_EQ(Send(MSG_UNDO_BEGIN, P(&stranger)), 1);
+        EXPECT_EQ(std::int32_t(stranger.recordId), 0);
+    }
+    for (std::intptr_t id : {std::intptr_t(0), std::intptr_t(-1), std::intptr_t(good.recordId + 1)})
+        EXPECT_EQ(Send(MSG_UNDO_COMMIT, id), 1) << id;
+    if (sizeof(std::intptr_t) > 4) {  // a word whose low half is the id
+        const std::uint64_t word = std::uint64_t(std::int32_t(good.recordId)) | std::uint64_t(1) << 32;
+        EXPECT_EQ(Send(MSG_UNDO_COMMIT, static_cast<std::intptr_t>(word)), 1);
+    }
+
+    // The record begun before is still the one to commit, with its tree.
+    ASSERT_NE(Stack().pending(), nullptr);
+    EXPECT_NE(Store().node(W(good.root.node)), nullptr);
+    EXPECT_EQ(Send(MSG_UNDO_COMMIT, good.recordId), 0);
+    EXPECT_EQ(Stack().titles(), QStringList{QStringLiteral("Move Line")});
+
+    // The longest title that fits: 255 units and the terminator.
+    coreUndoBegin longest = Record(QString(255, QLatin1Char('T')), window);
+    EXPECT_EQ(Send(MSG_UNDO_BEGIN, P(&longest)), 0);
+
+    // Rebuilt notices for windows only, with a count; replies outside an undo are kept but refused.
+    EXPECT_EQ(Send(MSG_UNDO_REFRESHED, P(window), 3), 0);
+    EXPECT_EQ(Send(MSG_UNDO_REFRESHED, 0x5150, 1), 1);
+    EXPECT_EQ(Send(MSG_UNDO_REFRESHED, P(window), -1), 1);
+    ASSERT_EQ(Stack().refreshes().size(), 1u);
+    EXPECT_EQ(Stack().refreshes()[0].second, 3);
+    EXPECT_EQ(Send(MSG_UNDO_REPLY, 0), 1);
+    coreUndoRefresh stray{1, 2, window};
+    EXPECT_EQ(Send(MSG_UNDO_REPLY, P(&stray), 0), 1);
+    ASSERT_EQ(Stack().replies().size(), 1u);
+    EXPECT_FALSE(Stack().replies()[0].expected);
+    EXPECT_EQ(Stack().titles().size(), 1);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "undo/CmdAnyLineDelUndo.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <tuple>
@@ -12,6 +13,7 @@
 #include "gx/Indicator.h"
 #include "gx/Layer.h"
 #include "gx/Line.h"
+#include "gx/ls/LineStudy.h"
 #include "module/PFChartModule.h"
 #include "undo/UndoRecord.h"
 #include "undo/XMLTreeWalker.h"
@@ -20,6 +22,7 @@
 namespace {
 
 const int kObjectIndicator = 0;
+const int kObjectLineStudy = 2;
 
 bool AllSelected(const gx::Indicator& indicator) {
     for (const boost::shared_ptr<gx::Line>& line : indicator.GetLines())
@@ -67,6 +70,82 @@ struct LinePop {
 
 }  // namespace
 
+namespace {
+
+// Every line study that goes with the deletion (selected, or on a selected line): a "Node"
+// with its "LineStudy" (its host handle, its place, its point count), marked as deleted,
+// with the index the host gives the node (3147).
+void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
+    PFChartModule* module = widget->GetModule();
+    const std::vector<boost::shared_ptr<gx::Area> >& areas = widget->GetChart()->GetAreas();
+    for (std::size_t a = 0; a < areas.size(); ++a)
+        for (std::size_t l = 0; l < areas[a]->GetLayers().size(); ++l) {
+            const gx::Layer& layer = *areas[a]->GetLayers()[l];
+            for (std::size_t i = 0; i < layer.GetIndicators().size(); ++i) {
+                const gx::Indicator& indicator = *layer.GetIndicators()[i];
+                for (std::size_t n = 0; n < indicator.GetLines().size(); ++n) {
+                    const gx::Line& line = *indicator.GetLines()[n];
+                    for (const boost::shared_ptr<gx::LineStudy>& study : line.GetLineStudies()) {
+                        if (!study->IsSelected() && !line.IsSelected()) continue;
+                        std::unique_ptr<CXMLWorkData> node(root->createNode("Node"));
+                        std::unique_ptr<CXMLWorkData> saved(node ? node->createNode("LineStudy") : nullptr);
+                        if (!saved) continue;
+                        node->writeInteger("ObjectType", kObjectLineStudy);
+                        node->writeParameters();
+                        saved->writeInteger("ObjectType", kObjectLineStudy);
+                        saved->writeInteger("ObjHandle",
+                                            static_cast<int>(reinterpret_cast<std::uintptr_t>(study->GetHandle())));
+                        saved->writeInteger("ctrlPointCount", study->GetCPCount());
+                        saved->writeInteger("nArea", static_cast<int>(a));
+                        saved->writeInteger("nLayer", static_cast<int>(l));
+                        saved->writeInteger("nIndicator", static_cast<int>(i));
+                        saved->writeInteger("nLine", static_cast<int>(n));
+                        saved->writeInteger("DeleteLS", 1);
+                        coreSzNode where;
+                        saved->fillNodeData(where);
+                        const int index = module && module->sendToHost
+                                              ? module->sendToHost(module->hostHandle, MSG_UNDO_NODE_INDEX,
+                                                                   reinterpret_cast<std::intptr_t>(&where), 0)
+                                              : -1;
+                        saved->writeInteger("nodeIndex", index);
+                        saved->writeParameters();
+                    }
+                }
+            }
+        }
+}
+
+// The deleted line studies of a record, put back on their lines once the lines are back.
+struct LineStudyPop {
+    PFChartWidget* widget;
+    int restored = 0;
+    void Visit(CXMLWorkData* node) {
+        if (node->readInteger("ObjectType", -1) != kObjectLineStudy) return;
+        std::unique_ptr<CXMLWorkData> saved(node->getFirstNode("LineStudy"));
+        if (!saved || saved->readInteger("DeleteLS", 0) != 1) return;
+        const int a = saved->readInteger("nArea", -1), l = saved->readInteger("nLayer", -1);
+        const int i = saved->readInteger("nIndicator", -1), n = saved->readInteger("nLine", -1);
+        const std::vector<boost::shared_ptr<gx::Area> >& areas = widget->GetChart()->GetAreas();
+        if (a < 0 || a >= static_cast<int>(areas.size())) return;
+        const std::vector<boost::shared_ptr<gx::Layer> >& layers = areas[std::size_t(a)]->GetLayers();
+        if (l < 0 || l >= static_cast<int>(layers.size())) return;
+        const std::vector<boost::shared_ptr<gx::Indicator> >& indicators = layers[std::size_t(l)]->GetIndicators();
+        if (i < 0 || i >= static_cast<int>(indicators.size())) return;
+        const std::vector<boost::shared_ptr<gx::Line> >& lines = indicators[std::size_t(i)]->GetLines();
+        if (n < 0 || n >= static_cast<int>(lines.size())) return;
+        gx::Line& line = *lines[std::size_t(n)];
+        void* handle = reinterpret_cast<void*>(
+            static_cast<std::uintptr_t>(static_cast<std::uint32_t>(saved->readInteger("ObjHandle", 0))));
+        boost::shared_ptr<gx::LineStudy> study(new gx::LineStudy(&line, handle, line.GetEngine(), line.Rect()));
+        study->UpdateCPCount(saved->readInteger("ctrlPointCount", 0));
+        study->SetState(gx::LineStudy::StateCreated);
+        line.AddLineStudy(study);
+        ++restored;
+    }
+};
+
+}  // namespace
+
 void CmdAnyLineDelUndo::Execute(int, void* target, void*, void*, void*) {
     PFChartWidget* widget = static_cast<PFChartWidget*>(target);
     if (!widget) return;
@@ -75,7 +154,11 @@ void CmdAnyLineDelUndo::Execute(int, void* target, void*, void*, void*) {
     for (const boost::shared_ptr<gx::Area>& area : areas)
         for (const boost::shared_ptr<gx::Layer>& layer : area->GetLayers())
             for (const boost::shared_ptr<gx::Indicator>& indicator : layer->GetIndicators())
-                for (const boost::shared_ptr<gx::Line>& line : indicator->GetLines()) any = any || line->IsSelected();
+                for (const boost::shared_ptr<gx::Line>& line : indicator->GetLines()) {
+                    any = any || line->IsSelected();
+                    for (const boost::shared_ptr<gx::LineStudy>& study : line->GetLineStudies())
+                        any = any || study->IsSelected();
+                }
     if (!any) return;
     UndoRecord record(widget, "G0134");
     if (!record.Root()) return;
@@ -114,6 +197,7 @@ void CmdAnyLineDelUndo::Execute(int, void* target, void*, void*, void*) {
             }
         }
     }
+    PushLineStudies(record.Root(), widget);
     record.Commit();
 }
 
@@ -172,6 +256,9 @@ void CmdAnyLineDelUndo::UnExecute(int, void* target, void* record, void* result,
         }
         ++restored;
     }
+    LineStudyPop studies{widget};
+    XMLTreeWalker<LineStudyPop>(root.get(), studies).Walk();
+    restored += studies.restored;
     if (restored) widget->AfterRestore(restored);
     UndoRecord::CopyWords(start, static_cast<coreUndoRefresh*>(result));
 }

@@ -18,6 +18,8 @@
 #include "host/WorkDataStore.h"
 #include "host/workdata/WorkTree.h"
 #include "module/PFChartModule.h"
+#include "gx/Visitors.h"
+#include "gx/Walkers.h"
 #include "undo/CommandFactory.h"
 
 namespace {
@@ -115,6 +117,44 @@ TEST_F(UndoCommands, AnAreaDeletedAndUndoneComesBackInItsPlace) {
     EXPECT_EQ(widget->UpdateTitle(), QStringLiteral("PFChartModule, TTRC/Day"));
     Undo(CommandFactory::AreaDelete, records[0]);
     EXPECT_EQ(widget->UpdateTitle(), title);  // USD/CHF first again
+}
+
+TEST_F(UndoCommands, ALineAndItsStudiesDeletedTogetherComeBackWithOneUndo) {
+    auto addStudy = [](const boost::shared_ptr<gx::Line>& line, std::intptr_t handle, int points) {
+        boost::shared_ptr<gx::LineStudy> study(
+            new gx::LineStudy(line.get(), reinterpret_cast<void*>(handle), line->GetEngine(), line->Rect()));
+        study->UpdateCPCount(points);
+        line->AddLineStudy(study);
+        return study;
+    };
+    const auto handles = [](const gx::Line& line) {
+        std::vector<std::pair<void*, int> > out;
+        for (const boost::shared_ptr<gx::LineStudy>& s : line.GetLineStudies()) out.emplace_back(s->GetHandle(), s->GetCPCount());
+        return out;
+    };
+    addStudy(FirstLine(), 0x51, 2);
+    addStudy(FirstLine(), 0x52, 3);
+    const auto before = handles(*FirstLine());
+    const QString title = widget->UpdateTitle();
+
+    // A selected study alone: the line stays, the study goes and comes back.
+    FirstLine()->GetLineStudies()[1]->Select(true);
+    widget->RecordLineDelete();
+    gx::WidgetWalker2<gx::DeleteSelItems>(widget->GetChart(), gx::DeleteSelItems()).Walk();
+    ASSERT_EQ(FirstLine()->GetLineStudies().size(), 1u);
+    Undo(CommandFactory::LineDelete, records.back());
+    EXPECT_EQ(handles(*FirstLine()), before);
+
+    // The line with its studies: the area goes with it, one undo brings all back.
+    FirstLine()->Select(true);
+    widget->RecordLineDelete();
+    gx::WidgetWalker2<gx::DeleteSelItems>(widget->GetChart(), gx::DeleteSelItems()).Walk();
+    widget->AfterDelete();
+    ASSERT_EQ(widget->GetChart()->GetAreaCount(), 0);
+    Undo(CommandFactory::LineDelete, records.back());
+    ASSERT_EQ(widget->GetChart()->GetAreaCount(), 1);
+    EXPECT_EQ(handles(*FirstLine()), before);
+    EXPECT_EQ(widget->UpdateTitle(), title);
 }
 
 }  // namespace

@@ -205,9 +205,6 @@ void Chart::mousePressEvent(const QMouseEvent& event) {
         }
         return;
     }
-    FindArea found = WidgetWalker<FindArea>(this, FindArea(event.pos())).Walk();
-    (void)found;
-    WidgetWalker<FindLsByState>(this, FindLsByState(LineStudy::StateCreating)).Walk();
     for (const boost::shared_ptr<Area>& area : std::vector<boost::shared_ptr<Area> >(areas_))
         area->mousePressEvent(event);
 }

@@ -153,9 +153,6 @@ void Line::mousePressEvent(const QMouseEvent& event) {
     int candidates = 0;
     SelectingLS(event, hits, candidates);
     groupSelect_ = (hits <= 0 || hits >= candidates) ? 1 : 0;
-    // The studies get the press in order; the study placed by this press (if any) is found
-    // afterwards by its moving state.
-    (void)FindLS(LineStudy::StateMoving);
 }
 
 void Line::mouseReleaseEvent(const QMouseEvent&) {}

@@ -76,7 +76,6 @@ namespace {
 // with its "LineStudy" (its host handle, its place, its point count), marked as deleted,
 // with the index the host gives the node (3147).
 void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
-    PFChartModule* module = widget->GetModule();
     const std::vector<boost::shared_ptr<gx::Area> >& areas = widget->GetChart()->GetAreas();
     for (std::size_t a = 0; a < areas.size(); ++a)
         for (std::size_t l = 0; l < areas[a]->GetLayers().size(); ++l) {
@@ -101,13 +100,7 @@ void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
                         saved->writeInteger("nIndicator", static_cast<int>(i));
                         saved->writeInteger("nLine", static_cast<int>(n));
                         saved->writeInteger("DeleteLS", 1);
-                        coreSzNode where;
-                        saved->fillNodeData(where);
-                        const int index = module && module->sendToHost
-                                              ? module->sendToHost(module->hostHandle, MSG_UNDO_NODE_INDEX,
-                                                                   reinterpret_cast<std::intptr_t>(&where), 0)
-                                              : -1;
-                        saved->writeInteger("nodeIndex", index);
+                        saved->writeInteger("nodeIndex", UndoRecord::NodeIndex(widget, *saved));
                         saved->writeParameters();
                     }
                 }

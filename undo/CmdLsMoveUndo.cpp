@@ -7,7 +7,6 @@
 #include "gx/Visitors.h"
 #include "gx/Walkers.h"
 #include "gx/ls/LineStudy.h"
-#include "module/PFChartModule.h"
 #include "undo/UndoRecord.h"
 #include "undo/XMLTreeWalker.h"
 #include "xml/CXMLWorkData.h"
@@ -48,14 +47,7 @@ void CmdLsMoveUndo::Execute(int, void* target, void* extra, void*, void*) {
     saved->writeInteger("ObjectType", kObjectLineStudy);
     saved->writeInteger("ctrlPointCount", study->GetCPCount());
     saved->writeInteger("MoveLS", 1);
-    coreSzNode where;
-    saved->fillNodeData(where);
-    PFChartModule* module = widget->GetModule();
-    const int index = module && module->sendToHost
-                          ? module->sendToHost(module->hostHandle, MSG_UNDO_NODE_INDEX,
-                                               reinterpret_cast<std::intptr_t>(&where), 0)
-                          : -1;
-    saved->writeInteger("nodeIndex", index);
+    saved->writeInteger("nodeIndex", UndoRecord::NodeIndex(widget, *saved));
     saved->writeParameters();
     node->writeParameters();
     record.Commit();

@@ -47,6 +47,14 @@ std::unique_ptr<CXMLWorkData> UndoRecord::Open(PFChartWidget* widget, const core
         new CXMLWorkData(module->hostHandle, Handle(record.document), Handle(record.node), module->sendToHost));
 }
 
+int UndoRecord::NodeIndex(PFChartWidget* widget, const CXMLWorkData& node) {
+    PFChartModule* module = widget ? widget->GetModule() : nullptr;
+    if (!module || !module->sendToHost) return -1;
+    coreSzNode where;
+    node.fillNodeData(where);
+    return module->sendToHost(module->hostHandle, MSG_UNDO_NODE_INDEX, reinterpret_cast<std::intptr_t>(&where), 0);
+}
+
 void UndoRecord::CopyWords(const coreUndoStart& record, coreUndoRefresh* result) {
     if (!result) return;
     result->first = record.document;

@@ -23,6 +23,8 @@ public:
     // The root of a record the host hands back (3140), read from the host; null without a
     // host.
     static std::unique_ptr<CXMLWorkData> Open(PFChartWidget* widget, const coreUndoStart& record);
+    // The index the host gives `node` among its parent's children (3147); -1 without a host.
+    static int NodeIndex(PFChartWidget* widget, const CXMLWorkData& node);
     // The record's first, third and fourth words into `result`.
     static void CopyWords(const coreUndoStart& record, coreUndoRefresh* result);
 

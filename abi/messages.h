@@ -55,6 +55,22 @@ enum PFHostMessage : unsigned int {
     MSG_STATUS_PANE_ID = 7000,       // p1 coreStatusBarPanes*, p2 pane index
     MSG_STATUS_PANE_ID_AGAIN = 7001, // p1 coreStatusBarPanes*, p2 pane index
 
+    // module -> line-study provider (see abi/records/linestudy_records.h)
+    MSG_LS_CREATE_OBJECT = 4500,     // p1 lsCreateObject
+    MSG_LS_DELETE = 4501,            // p1 study id
+    MSG_LS_SHAPE_SIZES = 4505,       // p1 study id, p2 int32_t[shape count]
+    MSG_LS_GET_LIST_CONTROLPOINTER = 4510, // p1 study id, p2 lsControlPointsShapes
+    MSG_LS_PROPERTIES = 4511,        // p1 study id
+    MSG_LS_TITLE = 4516,             // p1 study id, p2 coreWChar[LS_TITLE_CHARS]
+    MSG_LS_FOCUS = 4517,             // p1 lsFocusRecord
+    // module -> data core
+    MSG_LS_ATTACH = 3068,            // p1 line data id, p2 lsAttachRecord
+    MSG_LS_DETACH = 3071,            // p1 line data id, p2 study id
+    // module -> main GUI
+    MSG_LS_DRAWING_MODE = 3500,      // p1 lsDrawingMode; 1 while a study tool is chosen
+    MSG_LS_END_DRAWING = 3501,
+    MSG_LS_BEFORE_PROPERTIES = 10041,
+
     // module -> dealing interface
     MSG_DEAL_ACCOUNT_COUNT = 16000,  // p1 fxdAccountRequest
     MSG_DEAL_ACCOUNT_LIST = 16001,   // p1 fxdAccountRequest
@@ -70,7 +86,7 @@ enum PFHostMessage : unsigned int {
     MSG_LOAD_CHART = 3020,           // to a chart type interface
     MSG_SAVE_CHART = 3021,           // to a chart type interface
     MSG_DEALING_READY = 3066,        // deal interfaces, accounts, status bar
-    MSG_LS_UPDATE = 3073,
+    MSG_LS_UPDATE = 3073,            // p1 lsUpdateRecord
     MSG_EVENT = 3114,                // p1 FXEvent
     MSG_UNDO_REQUEST = 3140,         // p1 coreUndoStart
     MSG_CONVERT_TO_TYPE = 3545,      // p1 0 middle, 1 bid, other ask

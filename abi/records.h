@@ -9,4 +9,5 @@
 #include "abi/records/workdata_records.h"
 #include "abi/records/dealing_records.h"
 #include "abi/records/undo_records.h"
+#include "abi/records/linestudy_records.h"
 #include "abi/messages.h"

@@ -335,6 +335,8 @@ void LineStudy::Draw(QPainter& painter) const {
     if (!chart || !chart->GetTimeScale() || !engine_) return;
     if (cps_.shapeCount != static_cast<int>(shapes_.size())) return;
     const int outUsed = OutPointsUsed();
+    // One save for all shapes: each shape sets its own clip inside a save of its own.
+    painter.save();
     for (int i = 0; i < static_cast<int>(shapes_.size()); ++i) {
         if (IsPolyLine() && i >= outUsed - 1 && i > 0) break;
         const lsShape& shape = shapes_[std::size_t(i)];
@@ -346,15 +348,14 @@ void LineStudy::Draw(QPainter& painter) const {
         pen.setStyle(style >= Qt::NoPen && style <= Qt::DashDotDotLine ? Qt::PenStyle(style) : Qt::SolidLine);
         pen.setCapStyle(Qt::SquareCap);
         pen.setJoinStyle(Qt::BevelJoin);
-        painter.save();
         painter.setPen(pen);
         try {
             LsFactory::Instance().Create(shape.type, engine_, rect_, cps_, i, this)->Draw(painter);
         } catch (const std::exception&) {
             // A shape of a type outside the table is left out.
         }
-        painter.restore();
     }
+    painter.restore();
     if (selected_) {
         QColor color(0, 0, 0, 255);
         const bool open = IsPolyLine() && ((state_ & StateCreating) || placed_ < outUsed);

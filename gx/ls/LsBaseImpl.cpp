@@ -13,10 +13,20 @@ namespace gx {
 
 namespace {
 
-QFont TitleFont() {
-    QFont font;
-    if (const CModule* module = CModule::Current()) font.setFamily(module->getFont(font::elementCode(12)));
-    font.setPointSize(7);
+// Shapes are made for every paint and hit test: the title font is made once per family.
+const QFont& TitleFont() {
+    static QFont font;
+    static QString family;
+    static bool made = false;
+    const CModule* module = CModule::Current();
+    const QString wanted = module ? module->getFont(font::elementCode(12)) : QString();
+    if (!made || wanted != family) {
+        font = QFont();
+        if (!wanted.isEmpty()) font.setFamily(wanted);
+        font.setPointSize(7);
+        family = wanted;
+        made = true;
+    }
     return font;
 }
 
@@ -24,7 +34,7 @@ QFont TitleFont() {
 
 LsBaseImpl::LsBaseImpl(const boost::shared_ptr<pf::ScaleEngine>& engine, const QRect& rect,
                        const lsControlPointsShapes& cps, int index, const LineStudy* study)
-    : engine_(engine), rect_(rect), font_(TitleFont()), study_(study) {
+    : engine_(engine), rect_(rect), study_(study) {
     if (index < 0 || index >= cps.shapeCount || !cps.shapes) return;
     shape_ = cps.shapes + index;
     void* data = nullptr;
@@ -61,7 +71,8 @@ void LsBaseImpl::DrawTitle(QPainter& painter, int x, int y) const {
     if (!shape_ || rect_.bottom() < y) return;
     const QString text = Title();
     if (text.isEmpty()) return;
-    const QFontMetrics metrics(font_);
+    const QFont& font = TitleFont();
+    const QFontMetrics metrics(font);
     const QRect bounds = metrics.boundingRect(QRect(0, 0, 10000, 10000), Qt::AlignLeft | Qt::AlignTop, text);
     const int width = bounds.width();
     const int height = bounds.height();
@@ -84,7 +95,7 @@ void LsBaseImpl::DrawTitle(QPainter& painter, int x, int y) const {
     const int clipLeft = std::max(textX, rect_.left());
     painter.save();
     painter.setClipRect(QRect(QPoint(clipLeft, baseline - height), QPoint(textX + cut - 1, baseline - 1)));
-    painter.setFont(font_);
+    painter.setFont(font);
     painter.drawText(textX, baseline, text);
     painter.restore();
 }

@@ -1,6 +1,7 @@
 // What every line-study shape shares: the area's scale engine and rectangle, the shape's
-// record, the title font and the owning study; the title drawing and the column x.
+// record and the owning study; the title drawing and the column x.
 //
+// The title font (the module's font 12 at 7 points) is made when a title is drawn.
 // A shape reads its data block only when the host reported it at least as large as the
 // block's record; a smaller or missing block, like a shape that is not visible, draws
 // nothing and is never hit.
@@ -51,7 +52,6 @@ protected:
     boost::shared_ptr<pf::ScaleEngine> engine_;
     QRect rect_;
     const lsShape* shape_ = nullptr;
-    QFont font_;
     const LineStudy* study_;
 
 private:

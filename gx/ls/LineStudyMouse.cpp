@@ -83,8 +83,9 @@ void LineStudy::mousePressEvent(const QMouseEvent& event) {
         const QPoint at = MarkerPos(i);
         if (std::abs(event.pos().x() - at.x()) <= 2 && std::abs(event.pos().y() - at.y()) <= 2) dragIndex_ = i;
     }
-    dragX_ = 0;
-    dragY_ = 0;
+    // The drag starts where the press was, so that the first move already moves.
+    dragX_ = event.pos().x();
+    dragY_ = event.pos().y();
     snapshot_.reset(new lsControlPointsShapesWrap(cps_, sizes_));
     if (wasSelected != selected_) SetFocus();
 }

@@ -129,14 +129,9 @@ void LineStudy::Attach() {
     SetFocus();
 }
 
-LineStudy::~LineStudy() {
-    try {
-        if (manualDelete_) Delete();
-    } catch (...) {
-        // A host that throws while its study goes changes nothing here.
-    }
-    ReleaseTempDraw();
-}
+// A study leaves the host only through Delete (a deletion by hand, a cancel): a window that
+// closes keeps its studies in the host, and its tree may be half gone by now.
+LineStudy::~LineStudy() { ReleaseTempDraw(); }
 
 // ---- host exchange ----
 
@@ -458,9 +453,9 @@ void LineStudy::FinishCreating(bool exchange) {
 
 void LineStudy::CancelCreatingLS(bool update) {
     Chart* chart = GetChart();
-    Send(chart ? chart->GetMainGUIInterface() : nullptr, MSG_LS_END_DRAWING, 0, 0);
-    // The host's object goes with the study.
+    // The host's object goes with the study; Delete also ends the drawing mode (3501).
     manualDelete_ = true;
+    Delete();
     Line* line = line_;
     if (chart) chart->ResetCursor();
     if (line) line->DeleteLineStudy(this);  // may destroy this study

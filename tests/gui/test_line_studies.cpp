@@ -197,6 +197,12 @@ TEST_F(LineStudies, PlacedPointByPointWithTheRubberBand) {
     EXPECT_TRUE(study->PtInCP(p1 + QPoint(2, -2), index));
     EXPECT_EQ(index, 1);
     EXPECT_FALSE(study->PtInCP(p1 + QPoint(3, 0), index));
+    // 5025 finds the window by the study's handle.
+    EXPECT_TRUE(widget->HoldsObject(study->GetHandle()));
+    gx::CRITICAL_POINT extremes;
+    study->GetCriticalPoints(&extremes);
+    EXPECT_EQ(extremes.minIndex, 10);
+    EXPECT_FLOAT_EQ(extremes.maxValue, study->GetInPoints()[1].value);
     // Only one study is made per tool choice.
     Click(At(40, 1.0f));
     EXPECT_EQ(Line().GetLineStudies().size(), 1u);

@@ -288,6 +288,24 @@ TEST_F(LineStudies, DraggedWholeOrByOnePointAndNeverLeftOfCandleZero) {
     (void)placed;
 }
 
+TEST_F(LineStudies, ChannelMarkersOfPointsOneAndThreeSitMidwayOnTheirLines) {
+    const QPoint p0 = At(10, 1.004f), p1 = At(14, 1.0f), p2 = At(30, 1.012f), p3 = At(20, 1.016f);
+    const boost::shared_ptr<LineStudy> channel = Place("Chanel", {p0, p1, p2, p3});
+    ASSERT_TRUE(channel);
+    ASSERT_EQ(channel->GetState(), LineStudy::StateCreated);
+    const int x = (p0.x() + p2.x()) / 2;
+    const float width = channel->GetInPoints()[3].value - channel->GetInPoints()[0].value;
+    const int top = (Engine().TranslateY(channel->GetInPoints()[0].value) + Engine().TranslateY(channel->GetInPoints()[2].value)) / 2;
+    const int bottom = (Engine().TranslateY(channel->GetInPoints()[0].value + width) +
+                        Engine().TranslateY(channel->GetInPoints()[2].value + width)) / 2;
+    int index = -1;
+    EXPECT_TRUE(channel->PtInCP(QPoint(x, top), index));
+    EXPECT_EQ(index, 1);
+    EXPECT_TRUE(channel->PtInCP(QPoint(x, bottom), index));
+    EXPECT_EQ(index, 3);
+    EXPECT_FALSE(channel->PtInCP(p1, index) && index == 1);  // not at its own place
+}
+
 TEST_F(LineStudies, PitchforkCountChangeLeavesTheLastHandleToTheHost) {
     const boost::shared_ptr<LineStudy> study =
         widget->StartLineStudy(MiddleOfArea(0), provider.handle(), "Andrews Pitchfork", 0, false);

@@ -330,20 +330,28 @@ void LineStudy::Draw(QPainter& painter) const {
     if (!chart || !chart->GetTimeScale() || !engine_) return;
     if (cps_.shapeCount != static_cast<int>(shapes_.size())) return;
     const int outUsed = OutPointsUsed();
-    // One save for all shapes: each shape sets its own clip inside a save of its own.
+    // One save for all shapes: each shape sets its own clip inside a save of its own. Shapes
+    // of one study mostly share their pen; it is set again only when it changes.
     painter.save();
+    std::uint32_t penRgb = 0;
+    std::int32_t penStyle = -1, penWidth = -1;
     for (int i = 0; i < static_cast<int>(shapes_.size()); ++i) {
         if (IsPolyLine() && i >= outUsed - 1 && i > 0) break;
         const lsShape& shape = shapes_[std::size_t(i)];
         const std::uint32_t rgb = shape.color;
         const std::int32_t style = shape.penStyle;
         const std::int32_t width = shape.penWidth;
-        QPen pen(QColor(static_cast<QRgb>(rgb | 0xFF000000u)));
-        pen.setWidth(std::max(0, std::min<std::int32_t>(width, 64)));
-        pen.setStyle(style >= Qt::NoPen && style <= Qt::DashDotDotLine ? Qt::PenStyle(style) : Qt::SolidLine);
-        pen.setCapStyle(Qt::SquareCap);
-        pen.setJoinStyle(Qt::BevelJoin);
-        painter.setPen(pen);
+        if (rgb != penRgb || style != penStyle || width != penWidth) {
+            QPen pen(QColor(static_cast<QRgb>(rgb | 0xFF000000u)));
+            pen.setWidth(std::max(0, std::min<std::int32_t>(width, 64)));
+            pen.setStyle(style >= Qt::NoPen && style <= Qt::DashDotDotLine ? Qt::PenStyle(style) : Qt::SolidLine);
+            pen.setCapStyle(Qt::SquareCap);
+            pen.setJoinStyle(Qt::BevelJoin);
+            painter.setPen(pen);
+            penRgb = rgb;
+            penStyle = style;
+            penWidth = width;
+        }
         try {
             LsFactory::Instance().Create(shape.type, engine_, rect_, cps_, i, this)->Draw(painter);
         } catch (const std::exception&) {

@@ -4,6 +4,7 @@
 #include <QTemporaryDir>
 #include <cstdio>
 #include <cstring>
+#include <vector>
 
 #include "host/ChartLayouts.h"
 #include "host/ChartWindows.h"
@@ -70,6 +71,14 @@ bool Emulator::loadModule(std::string* error) {
 }
 
 void Emulator::startUp() { host_->startUp(); }
+
+int Emulator::loadSkin(const QString& path) {
+    // The path travels as UTF-16 with its terminator; the module reads at most 255 units.
+    std::vector<ushort> text(path.utf16(), path.utf16() + path.size());
+    text.push_back(0);
+    return host_->send(nullptr, MSG_LOAD_SKIN, reinterpret_cast<std::intptr_t>(text.data()), 0,
+                       "skin " + path.toStdString());
+}
 
 QString Emulator::moduleText(const char* key) const {
     const QString context = QString::fromLatin1(info_.translateContext,

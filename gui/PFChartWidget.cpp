@@ -4,6 +4,7 @@
 #include <QMenu>
 #include <QPainter>
 #include <QPalette>
+#include <QPixmap>
 #include <QPaintEvent>
 #include <QSignalBlocker>
 #include <QSlider>
@@ -528,6 +529,42 @@ void PFChartWidget::paintEvent(QPaintEvent*) {
     Draw(painter, true);
 }
 
+void PFChartWidget::DrawBackImage(QPainter& painter, const QRect& data) const {
+    const CSkin* skin = GetSkin();
+    if (!skin || skin->GetBackImage().isNull() || data.width() < 1 || data.height() < 1) return;
+    // Background positions: 1 to 4 the corners (top left, top right, bottom left, bottom
+    // right), 5 tiled, 6 stretched over the data part, anything else centred. The picture
+    // is drawn faintly so that the grid stays readable through it.
+    enum { TopLeft = 1, TopRight = 2, BottomLeft = 3, BottomRight = 4, Tiled = 5, Stretched = 6 };
+    const int kMargin = 4;
+    const qreal kOpacity = 0.35;
+    const QImage& image = skin->GetBackImage();
+    painter.save();
+    painter.setClipRect(data);
+    painter.setOpacity(kOpacity);
+    const QSize size = image.size();
+    switch (skin->GetBackPos()) {
+        case TopLeft: painter.drawImage(data.topLeft() + QPoint(kMargin, kMargin), image); break;
+        case TopRight:
+            painter.drawImage(QPoint(data.right() - kMargin - size.width() + 1, data.top() + kMargin), image);
+            break;
+        case BottomLeft:
+            painter.drawImage(QPoint(data.left() + kMargin, data.bottom() - kMargin - size.height() + 1), image);
+            break;
+        case BottomRight:
+            painter.drawImage(data.bottomRight() - QPoint(kMargin + size.width() - 1, kMargin + size.height() - 1), image);
+            break;
+        case Tiled: painter.drawTiledPixmap(data, QPixmap::fromImage(image), QPoint()); break;
+        case Stretched: painter.drawImage(data, image); break;
+        default:
+            painter.drawImage(QPoint(data.left() + (data.width() - size.width()) / 2,
+                                     data.top() + (data.height() - size.height()) / 2),
+                              image);
+            break;
+    }
+    painter.restore();
+}
+
 void PFChartWidget::Draw(QPainter& painter, bool force) {
     if (busy_) return;
     if (repaintSuspended_ && !force) return;
@@ -559,6 +596,7 @@ void PFChartWidget::Draw(QPainter& painter, bool force) {
         painter.save();
         grid_->Draw(painter, range, area->GetEngine());
         painter.restore();
+        DrawBackImage(painter, r);
     }
     if (timeScale_) {
         painter.save();

@@ -277,6 +277,9 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    // The skin's background picture over an area's data part, under the figures, placed as
+    // the skin's background position says.
+    void DrawBackImage(QPainter& painter, const QRect& data) const;
     // True (and the event ignored) while the forbidden cursor is shown.
     bool Forbidden(QEvent* event) const;
     void PlaceChildren();

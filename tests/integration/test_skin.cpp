@@ -133,4 +133,32 @@ TEST_F(SkinWindow, PathsAndDocumentsThatAreNoSkinLeaveTheBuiltInLook) {
     EXPECT_NE(restyled, before);
 }
 
+TEST_F(SkinWindow, TheBackgroundPictureShowsFaintlyWhereTheSkinPlacesIt) {
+    void* pf = Window(ChartType::PointAndFigure);
+    QTemporaryDir dir;
+    QImage red(60, 60, QImage::Format_ARGB32);
+    red.fill(Qt::red);
+    ASSERT_TRUE(red.save(dir.filePath(QStringLiteral("red.png")), "PNG"));
+    auto reddish = [](QRgb c) { return qRed(c) > qGreen(c) + 60 && qGreen(c) > 100; };  // red over white, faint
+    const QRect centre(340, 190, 20, 20);
+    const QRect corner(kSize.width() - 90, kSize.height() - 110, 20, 20);
+    struct Case {
+        const char* position;
+        bool atCentre, atCorner;
+    } cases[] = {{"0", true, false}, {"4", false, true}, {"17", true, false}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.position);
+        const QString path = dir.filePath(QStringLiteral("back%1.xml").arg(c.position));
+        QFile f(path);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(QByteArray("<MainWindow><CHARTMODERN><PICT BACK_IMG=\"red.png\" BACK_POS=\"") + c.position +
+                "\"/></CHARTMODERN></MainWindow>");
+        f.close();
+        ASSERT_EQ(emulator->loadSkin(path), 0);
+        const QImage image = Grab(pf);
+        EXPECT_EQ(reddish(Most(image, centre)), c.atCentre);
+        EXPECT_EQ(reddish(Most(image, corner)), c.atCorner);
+    }
+}
+
 }  // namespace

@@ -62,11 +62,10 @@ if [ "${PF_I386_REBUILD:-0}" = "1" ] || [ ! -f "$ready" ]; then
         echo "i386: debootstrap failed (log: $root.log)"
         exit 1
     }
-    cat >"$root.new/etc/apt/sources.list" <<EOF
-deb $mirror bookworm main
-deb $mirror bookworm-updates main
-deb ${mirror%/debian}/debian-security bookworm-security main
-EOF
+    # The release and its point updates: the packages the build and the tests use. The
+    # security suite is left out: nothing in the root faces the outside world.
+    printf 'deb %s bookworm main\ndeb %s bookworm-updates main\n' "$mirror" "$mirror" \
+        >"$root.new/etc/apt/sources.list"
     mv "$root.new" "$root"
     touch "$ready"
 fi

@@ -12,6 +12,7 @@
 #include "host/DataCore.h"
 #include "host/DealingService.h"
 #include "host/DialogAnswerer.h"
+#include "host/InstallPaths.h"
 #include "host/MainWindowService.h"
 #include "host/UndoStack.h"
 #include "host/WorkDataStore.h"
@@ -20,7 +21,7 @@ namespace host {
 
 Emulator::Emulator(const EmulatorOptions& options) : options_(options), host_(new Host) {
     std::memset(&info_, 0, sizeof info_);
-    if (options_.modulePath.empty()) options_.modulePath = PF_MODULE_DEFAULT_PATH;
+    if (options_.modulePath.empty()) options_.modulePath = defaultModulePath();
     if (options_.workFolder.empty()) {
         tempFolder_ = QDir::tempPath().toStdString() + "/pfhost-work-" +
                       std::to_string(reinterpret_cast<std::uintptr_t>(this));

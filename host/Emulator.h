@@ -22,7 +22,7 @@ class DialogAnswerer;
 class UndoStack;
 
 struct EmulatorOptions {
-    std::string modulePath;              // default: the built libPFChartModule.so.1
+    std::string modulePath;              // default: the installed module, else the built one
     std::string workFolder;              // answered to 3503; default: a temporary folder
     std::vector<std::string> languages{"English"};  // installed languages (3116/3117)
     int selectedLanguage = 0;            // index into languages, -1 for none selected

@@ -14,6 +14,7 @@ PACKAGES=(
   libxml2-utils
   fonts-dejavu-core
   xvfb xauth poppler-utils
+  file  # the Debian package (CPack) finds its binaries with it
 )
 if [ "${PF_I386:-0}" = "1" ]; then
   PACKAGES+=(debootstrap)

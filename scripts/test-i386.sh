@@ -13,6 +13,7 @@
 #   PF_I386_ROOT       where the root is kept (default /var/cache/pfchart-i386/root)
 #   PF_I386_MIRROR     Debian mirror for debootstrap (default http://deb.debian.org/debian)
 #   PF_I386_REBUILD=1  make the root anew
+#   PF_I386_REQUIRED=1 fail instead of skipping where chroots are not allowed
 set -euo pipefail
 cd "$(dirname "$0")/.."
 src=$(pwd -P)
@@ -47,6 +48,14 @@ in_root() {  # script: runs a bash script in the root as a 32-bit machine, check
             DEBIAN_FRONTEND=noninteractive bash -euo pipefail -c "cd /src; $script"
     ' _ "$root" "$src" "$1"
 }
+
+# A container without the rights to make mount namespaces or chroots cannot hold the root.
+# That is reported and the run ends here, unless PF_I386_REQUIRED=1 makes it a failure.
+if ! unshare --mount --propagation private -- chroot / true 2>/dev/null; then
+    echo "i386: skipped: this machine does not allow mount namespaces and chroot"
+    [ "${PF_I386_REQUIRED:-0}" = "1" ] && exit 1
+    exit 0
+fi
 
 mkdir -p "$(dirname "$root")"
 exec 9>"$root.lock"

@@ -101,6 +101,16 @@ data::Instrument* DataCore::loadInstrument(const std::string& path, const LoadOp
     }
     std::unique_ptr<data::Instrument> instrument = data::CsvPriceReader::readFile(path, name, error);
     if (!instrument) return nullptr;
+    return addInstrument(std::move(instrument), options, error);
+}
+
+data::Instrument* DataCore::addInstrument(std::unique_ptr<data::Instrument> instrument, const LoadOptions& options,
+                                          std::string* error) {
+    if (!instrument) return nullptr;
+    if (instruments_.count(instrument->name())) {
+        if (error) *error = "an instrument named " + instrument->name() + " is already loaded";
+        return nullptr;
+    }
     if (options.live >= 0) instrument->holdBackAfter(std::size_t(options.live));
     const std::size_t live = instrument->quotes().size();
     if (options.holdBack > 0) instrument->holdBackAfter(live - std::min(live, options.holdBack));
@@ -112,6 +122,11 @@ data::Instrument* DataCore::instrument(const std::string& name) {
     if (it != instruments_.end()) return it->second.get();
     const std::string path = builtInPath(name);
     return path.empty() ? nullptr : loadInstrument(path, LoadOptions{name, -1, 0});
+}
+
+data::Instrument* DataCore::loaded(const std::string& name) const {
+    auto it = instruments_.find(name);
+    return it != instruments_.end() ? it->second.get() : nullptr;
 }
 
 std::vector<std::string> DataCore::instrumentNames() const {

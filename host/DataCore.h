@@ -70,8 +70,15 @@ public:
     // Null with `error` set when the file is unusable or the name is taken.
     data::Instrument* loadInstrument(const std::string& path, const LoadOptions& options = LoadOptions(),
                                      std::string* error = nullptr);
+    // An instrument read elsewhere (a price file read in the background) joins the data
+    // core, its quotes split by `options` as loadInstrument does (the name is its own).
+    // Null with `error` set when the name is taken.
+    data::Instrument* addInstrument(std::unique_ptr<data::Instrument> instrument, const LoadOptions& options,
+                                    std::string* error = nullptr);
     // A loaded or built-in instrument; null when there is none of that name.
     data::Instrument* instrument(const std::string& name);
+    // An instrument loaded already; null otherwise (a built-in is not loaded by asking).
+    data::Instrument* loaded(const std::string& name) const;
     // Names of the loaded and built-in instruments, sorted.
     std::vector<std::string> instrumentNames() const;
     // Path of a built-in instrument's file; empty for other names.

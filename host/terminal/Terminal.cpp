@@ -305,7 +305,7 @@ bool Terminal::eventFilter(QObject* watched, QEvent* event) {
         closing_ = true;
         replay_->pause();
         if (!workspacePath_.isEmpty()) saveWorkspace();
-        QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+        // The application ends with its last window (quitOnLastWindowClosed).
     }
     return QObject::eventFilter(watched, event);
 }

@@ -4,7 +4,9 @@
 #include <QApplication>
 #include <QFileInfo>
 #include <QMainWindow>
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 #include "host/DialogAnswerer.h"
 #include "host/MainWindowService.h"
@@ -16,10 +18,11 @@ namespace {
 
 const char kUsage[] =
     "[FILES.csv...] [--workspace FILE.xml] [--screenshot FILE.png [--quit]] [--hold-back N] [--speed N] "
-    "[--size WxH] [--accounts N] [--answer yes|no] [--language NAME] [--no-examples]";
+    "[--size WxH] [--accounts N] [--answer yes|no] [--language NAME] [--no-examples] "
+    "[--window pf|renko|kagi:INSTRUMENT ...] [--replay N] [--journal NUMBERS]";
 
 // Options that take a value; every other word that is not an option is a price file.
-const char* const kValued[] = {"--workspace", "--screenshot", "--hold-back", "--speed", "--size", "--accounts",
+const char* const kValued[] = {"--replay", "--journal", "--window", "--workspace", "--screenshot", "--hold-back", "--speed", "--size", "--accounts",
                                "--answer", "--language", "--module", "--work", "--log"};
 
 int fail(const QString& text) {
@@ -42,12 +45,22 @@ int runTerminal(const QStringList& args) {
             options.files << a;
         }
     }
+    bool ok = true;
+    for (const QString& w : host::cli::options(args, "--window")) {
+        const int colon = w.indexOf(QLatin1Char(':'));
+        host::data::ChartType type;
+        if (colon < 1 || colon + 1 >= w.size() || !host::data::parseChartType(w.left(colon).toStdString(), &type))
+            return fail(QStringLiteral("--window takes TYPE:INSTRUMENT, e.g. pf:USDCHF"));
+        options.windows.push_back({type, w.mid(colon + 1)});
+    }
+    options.replay = option(args, "--replay", "0").toULong(&ok);
+    if (!ok) return fail(QStringLiteral("--replay takes a number of quotes"));
+    options.journalFilter = option(args, "--journal");
     options.workspace = option(args, "--workspace");
     if (!options.workspace.isEmpty()) options.workspace = QFileInfo(options.workspace).absoluteFilePath();
     options.screenshot = option(args, "--screenshot");
     options.quit = host::cli::hasFlag(args, "--quit");
     options.examples = !host::cli::hasFlag(args, "--no-examples");
-    bool ok = true;
     options.holdBack = option(args, "--hold-back", "2000").toULong(&ok);
     if (!ok) return fail(QStringLiteral("--hold-back takes a number of quotes"));
     options.replaySpeed = option(args, "--speed", "100").toInt(&ok);

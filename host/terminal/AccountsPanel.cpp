@@ -133,6 +133,7 @@ void AccountsPanel::showDayOff() {
     dayOff_->clear();
     if (any)
         for (const std::string& name : data_.instrumentNames()) {
+            if (!data_.loaded(name)) continue;
             const QString symbol = QString::fromStdString(name);
             QListWidgetItem* item = new QListWidgetItem(symbol, dayOff_);
             item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsUserCheckable | Qt::ItemIsSelectable);

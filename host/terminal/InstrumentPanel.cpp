@@ -1,6 +1,7 @@
 #include "host/terminal/InstrumentPanel.h"
 
 #include <QMimeData>
+#include <vector>
 
 #include "host/DataCore.h"
 #include "host/DragData.h"
@@ -35,22 +36,32 @@ InstrumentPanel::InstrumentPanel(DataCore& data, QWidget* parent) : QListWidget(
 }
 
 void InstrumentPanel::refresh() {
+    std::vector<const data::Instrument*> all;
+    for (const std::string& name : data_.instrumentNames())
+        if (const data::Instrument* i = data_.loaded(name)) all.push_back(i);
+    // The same instruments: only their counts change (a replay), and the lines stay put,
+    // so that a drag or a selection in progress is not disturbed.
+    bool same = int(all.size()) == count();
+    for (int row = 0; same && row < count(); ++row)
+        same = item(row)->data(kNameRole).toString() == QString::fromStdString(all[std::size_t(row)]->name());
     const QString keep = current();
-    clear();
-    for (const std::string& name : data_.instrumentNames()) {
-        const data::Instrument* i = data_.loaded(name);
-        if (!i) continue;
-        const QString n = QString::fromStdString(name);
-        QListWidgetItem* item = new QListWidgetItem(
-            QStringLiteral("%1  %2, %3 quotes, %4 to replay")
-                .arg(n, periodText(i->period()))
-                .arg(i->quotes().size())
-                .arg(i->pendingCount()),
-            this);
-        item->setData(kNameRole, n);
-        item->setToolTip(QString::fromStdString(i->source()));
+    if (!same) clear();
+    for (std::size_t row = 0; row < all.size(); ++row) {
+        const data::Instrument* i = all[row];
+        const QString n = QString::fromStdString(i->name());
+        const QString text = QStringLiteral("%1  %2, %3 quotes, %4 to replay")
+                                 .arg(n, periodText(i->period()))
+                                 .arg(i->quotes().size())
+                                 .arg(i->pendingCount());
+        if (same) {
+            if (item(int(row))->text() != text) item(int(row))->setText(text);
+            continue;
+        }
+        QListWidgetItem* line = new QListWidgetItem(text, this);
+        line->setData(kNameRole, n);
+        line->setToolTip(QString::fromStdString(i->source()));
     }
-    if (!select(keep) && count() > 0) setCurrentRow(0);
+    if (!same && !select(keep) && count() > 0) setCurrentRow(0);
 }
 
 QString InstrumentPanel::current() const {

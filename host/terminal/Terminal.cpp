@@ -76,7 +76,10 @@ Terminal::Terminal(Emulator& emulator, const TerminalOptions& options, QObject* 
     buildPanels();
     buildMenus();
     buildStatusBar();
-    connect(replay_, &ReplayFeed::fedQuotes, this, [this] { refresh(); });
+    connect(replay_, &ReplayFeed::fedQuotes, this, [this] {
+        instruments_->refresh();
+        refresh();
+    });
     connect(replay_, &ReplayFeed::stateChanged, this, [this] { refresh(); });
     QTimer* timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, [this] { refresh(); });

@@ -55,6 +55,11 @@ struct TerminalOptions {
     int replaySpeed = 100;    // quotes per second
     QSize size{1400, 900};    // of the main window
     bool examples = true;     // the example instruments (USD/CHF, TTRC) are opened too
+    // Chart windows opened at start with one instrument each, tiled, when the workspace
+    // brings no windows of its own.
+    std::vector<std::pair<data::ChartType, QString> > windows;
+    std::size_t replay = 0;   // quotes fed once everything is open
+    QString journalFilter;    // shown in front, filtered, when not empty
 };
 
 class Terminal : public QObject {

@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QActionGroup>
 #include <QApplication>
+#include <QDockWidget>
 #include <QFileInfo>
 #include <QImage>
 #include <QLabel>
@@ -24,6 +25,7 @@
 #include "host/data/Instrument.h"
 #include "host/terminal/AccountsPanel.h"
 #include "host/terminal/InstrumentPanel.h"
+#include "host/terminal/JournalPanel.h"
 #include "host/terminal/PriceFileLoader.h"
 #include "host/terminal/ReplayFeed.h"
 #include "host/terminal/Terminal.h"
@@ -311,6 +313,17 @@ void Terminal::finishStart() {
         QStringList problems;
         Workspace::open(emulator_, startContents_, &problems);
         for (const QString& p : problems) showMessage(tr("Workspace: %1").arg(p), true);
+    }
+    if (emulator_.charts().widgets().empty() && !options_.windows.empty()) {
+        for (const auto& w : options_.windows)
+            if (newChart(w.first)) addToActiveChart(w.second);
+        emulator_.mainWindow().mdiArea()->tileSubWindows();
+    }
+    if (options_.replay > 0) replay_->feed(options_.replay);
+    if (!options_.journalFilter.isEmpty()) {
+        if (!journal_->setFilter(options_.journalFilter))
+            showMessage(tr("\"%1\" is no list of message numbers.").arg(options_.journalFilter), true);
+        if (QDockWidget* d = window()->findChild<QDockWidget*>(QStringLiteral("journalDock"))) d->raise();
     }
     ready_ = true;
     refresh();

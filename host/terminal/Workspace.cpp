@@ -67,6 +67,7 @@ bool Workspace::read(WorkDataStore& store, const QString& path, Contents* conten
             Instrument i;
             i.name = attribute(n, "Name");
             i.source = attribute(n, "Source");
+            if (i.source.isEmpty()) i.source = QString::fromStdString(DataCore::builtInPath(i.name.toStdString()));
             long live = -1;
             if (number(n, "Live", 0, 2147483647L, &live)) i.live = live;
             if (i.name.isEmpty()) {
@@ -130,7 +131,9 @@ bool Workspace::write(Emulator& emulator, const QString& path, const Contents& c
         if (!i) continue;
         void* node = store.createChild(root, QStringLiteral("Instrument"));
         store.setAttribute(node, QStringLiteral("Name"), QString::fromStdString(name));
-        store.setAttribute(node, QStringLiteral("Source"), QString::fromStdString(i->source()));
+        // The example instruments are found by name on any machine; other files by path.
+        const bool example = i->source() == DataCore::builtInPath(name);
+        store.setAttribute(node, QStringLiteral("Source"), example ? QString() : QString::fromStdString(i->source()));
         store.setAttribute(node, QStringLiteral("Live"), QString::number(i->quotes().size()));
     }
 

@@ -3,7 +3,8 @@
 // choices, in one work-data document:
 //
 //   <Workspace Version="1" Language="English" PriceType="0" ReplaySpeed="100">
-//     <Instrument Name="USDCHF" Source="/…/usdchf-30min.csv" Live="60497"/>
+//     <Instrument Name="USDCHF" Source="" Live="60497"/>   (an example: found by name)
+//     <Instrument Name="EURUSD" Source="/data/eurusd.csv" Live="1200"/>
 //     <Window Type="pf" X="0" Y="0" Width="640" Height="420" State="normal" Active="1">
 //       <ChartWindow> … </ChartWindow>     the node of 3021 and 3020: the module's layout
 //     </Window>

@@ -172,7 +172,7 @@ bool Terminal::exportActive(const QString& path, QString* error) {
     }
     bool ok = false;
     if (path.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive)) {
-        QPrinter printer(QPrinter::HighResolution);
+        QPrinter printer(QPrinter::ScreenResolution);
         printer.setOutputFormat(QPrinter::PdfFormat);
         printer.setOutputFileName(path);
         printer.setPageOrientation(container->width() >= container->height() ? QPageLayout::Landscape

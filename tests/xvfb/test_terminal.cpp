@@ -30,10 +30,13 @@
 #include "host/MainWindowService.h"
 #include "host/UndoStack.h"
 #include "host/data/ChartObject.h"
+#include "host/terminal/AccountsPanel.h"
 #include "host/terminal/BlotterPanel.h"
 #include "host/terminal/InstrumentPanel.h"
+#include "host/terminal/JournalPanel.h"
 #include "host/terminal/ReplayFeed.h"
 #include "host/terminal/Terminal.h"
+#include "host/terminal/Workspace.h"
 
 using host::data::ChartType;
 using host::terminal::Terminal;
@@ -200,6 +203,63 @@ TEST_F(TerminalSession, ChartsGrowUndoTradeAndComeBackFromTheWorkspace) {
         ASSERT_EQ(restored[i].second.size(), saved[i].second.size()) << i;
         EXPECT_TRUE(restored[i].second == saved[i].second) << "window " << i << " differs";
     }
+}
+
+// The menus and panels that reach the module beyond the windows themselves: dealing events,
+// the price type, printing and export, the journal's filter and the language.
+TEST_F(TerminalSession, PanelsAndMenusReachTheModule) {
+    Open(workspace);
+    void* pf = terminal->newChart(ChartType::PointAndFigure);
+    ASSERT_TRUE(DragInstrument(pf, QStringLiteral("USDCHF")));
+    QWidget* container = Charts().container(pf);
+    const QImage trading = container->grab().toImage();
+
+    // A day off marks the window's caption; trading again gives the same picture back.
+    const std::size_t events = emulator->host().journal().find(MSG_EVENT).size();
+    ASSERT_TRUE(terminal->accounts()->setDayOff(QStringLiteral("USDCHF"), true));
+    QTest::qWait(100);
+    EXPECT_FALSE(container->grab().toImage() == trading);
+    ASSERT_TRUE(terminal->accounts()->setDayOff(QStringLiteral("USDCHF"), false));
+    QTest::qWait(100);
+    EXPECT_TRUE(container->grab().toImage() == trading);
+    // Accounts opened and closed are told to the module.
+    EXPECT_GT(terminal->accounts()->addAccount(), 0);
+    EXPECT_TRUE(terminal->accounts()->removeSelected());
+    EXPECT_EQ(emulator->host().journal().find(MSG_EVENT).size(), events + 4);
+
+    // Bid for every chart; the charts then advise the middle price, in the status bar.
+    const QString advice = terminal->setPriceType(1);
+    EXPECT_EQ(advice, QStringLiteral("Price type Bid (charts: switch to Middle)"));
+    EXPECT_EQ(terminal->window()->findChild<QLabel*>(QStringLiteral("priceAdvice"))->text(), advice);
+
+    // Export renders the window; printing goes through the module's print dialog, which the
+    // emulator answers with a PDF file here.
+    const QString png = dir.filePath(QStringLiteral("chart.png")), pdf = dir.filePath(QStringLiteral("chart.pdf"));
+    ASSERT_TRUE(terminal->exportActive(png));
+    EXPECT_EQ(QImage(png).size(), container->size());
+    ASSERT_TRUE(terminal->exportActive(pdf));
+    QFile pdfFile(pdf);
+    ASSERT_TRUE(pdfFile.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(pdfFile.read(5) == "%PDF-");
+    emulator->dialogs().clearAnswers();
+    Trigger("print");
+    ASSERT_EQ(emulator->dialogs().answers().size(), 1u);
+    EXPECT_EQ(emulator->dialogs().answers()[0].answer, QStringLiteral("accepted"));
+    EXPECT_TRUE(QFile::exists(emulator->dialogs().answers()[0].file));
+
+    // The journal shows only the numbers asked for; nonsense leaves the filter as it was.
+    terminal->journal()->refresh();
+    ASSERT_TRUE(terminal->journal()->setFilter(QStringLiteral("3545 - 3546, 5012")));
+    const QStringList lines = terminal->journal()->lines();
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_TRUE(lines[0].contains(QLatin1String(" 3545 ")) && lines[2].contains(QLatin1String(" 5012 ")));
+    EXPECT_FALSE(terminal->journal()->setFilter(QStringLiteral("31x")));
+    EXPECT_EQ(terminal->journal()->lines(), lines);
+
+    // The language is the workspace's, for the next start.
+    terminal->setLanguage(QStringLiteral("Chinese (Simplified)"));
+    ASSERT_TRUE(terminal->saveWorkspace());
+    EXPECT_EQ(host::terminal::Workspace::languageOf(workspace), QStringLiteral("Chinese (Simplified)"));
 }
 
 // Files a person may open by mistake: each is refused with a message that says why, and the

@@ -81,6 +81,18 @@ Terminal::Terminal(Emulator& emulator, const TerminalOptions& options, QObject* 
         refresh();
     });
     connect(replay_, &ReplayFeed::stateChanged, this, [this] { refresh(); });
+    // The window in front shows its caption as the module gives it on request (5034); the
+    // module also announces every change of a title (3125).
+    connect(emulator_.mainWindow().mdiArea(), &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* sub) {
+        ChartWindows& charts = emulator_.charts();
+        for (void* w : charts.widgets())
+            if (sub && charts.subWindow(w) == sub) {
+                const ChartWindows::Caption c = charts.caption(w);
+                if (c.answer == 0 && c.terminated && !c.text.isEmpty() && sub->windowTitle() != c.text)
+                    sub->setWindowTitle(c.text);
+            }
+        refresh();
+    });
     QTimer* timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, [this] { refresh(); });
     timer->start(kRefreshInterval);

@@ -85,18 +85,19 @@ bool JournalPanel::setFilter(const QString& text) {
     int kept = 0;
     while (start > 0 && kept < kMaxLines)
         if (passes(all[--start].message)) ++kept;
-    shown_ = start;
+    shown_ = journal_.dropped() + start;
     refresh();
     return true;
 }
 
 void JournalPanel::refresh() {
     const auto& all = journal_.entries();
-    if (shown_ > all.size()) shown_ = 0;  // the journal was cleared
-    if (shown_ == all.size()) return;
+    const std::size_t first = journal_.dropped(), end = first + all.size();
+    if (shown_ < first) shown_ = first;  // entries forgotten before they were shown
+    if (shown_ >= end) return;
     QStringList add;
-    for (; shown_ < all.size(); ++shown_)
-        if (passes(all[shown_].message)) add << line(all[shown_]);
+    for (; shown_ < end; ++shown_)
+        if (passes(all[shown_ - first].message)) add << line(all[shown_ - first]);
     if (add.size() > kMaxLines) add = add.mid(add.size() - kMaxLines);
     if (!add.isEmpty()) view_->appendPlainText(add.join(QLatin1Char('\n')));
 }

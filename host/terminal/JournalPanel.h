@@ -42,7 +42,7 @@ private:
     QLineEdit* filter_;
     QPlainTextEdit* view_;
     std::vector<std::pair<unsigned, unsigned> > ranges_;
-    std::size_t shown_ = 0;
+    std::size_t shown_ = 0;  // entries looked at, counted from the journal's first ever
 };
 
 }  // namespace terminal

@@ -41,6 +41,9 @@ const int kRefreshInterval = 200;
 // Replay speeds offered, quotes per second.
 const int kSpeeds[] = {10, 100, 1000, 10000};
 const char* const kLanguages[] = {"English", "Chinese (Simplified)"};
+// Journal entries kept: above the high mark the oldest go down to the low mark.
+const std::size_t kJournalHigh = 200000;
+const std::size_t kJournalLow = 100000;
 
 QAction* addAction(QMenu* menu, QObject* owner, const char* name, const QString& text, const QKeySequence& key,
                    std::function<void()> run) {
@@ -281,6 +284,11 @@ void Terminal::buildStatusBar() {
 void Terminal::refresh() {
     blotter_->refresh();
     journal_->refresh();
+    // A replay left running for hours must not fill the memory: the journal keeps its
+    // newest entries, and the data notices (which only tests read) are let go.
+    Journal& journal = emulator_.host().journal();
+    if (journal.entries().size() > kJournalHigh) journal.dropOldest(journal.entries().size() - kJournalLow);
+    if (emulator_.data().notices().size() > kJournalHigh) emulator_.data().clearNotices();
     const QStringList titles = emulator_.undo().titles();
     QAction* u = action(QStringLiteral("undo"));
     u->setEnabled(!titles.isEmpty());

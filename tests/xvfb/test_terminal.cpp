@@ -256,6 +256,16 @@ TEST_F(TerminalSession, PanelsAndMenusReachTheModule) {
     EXPECT_FALSE(terminal->journal()->setFilter(QStringLiteral("31x")));
     EXPECT_EQ(terminal->journal()->lines(), lines);
 
+    // With the keyboard only: a new Renko window (Ctrl+2), Alt+1 to the Instruments panel,
+    // Return on its line adds the instrument to the window in front.
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_2, Qt::ControlModifier);
+    void* renko = terminal->activeChart();
+    ASSERT_NE(renko, pf);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_1, Qt::AltModifier);
+    ASSERT_EQ(QApplication::focusWidget(), terminal->instruments());
+    QTest::keyClick(terminal->instruments(), Qt::Key_Return);
+    EXPECT_TRUE(Charts().title(renko).contains(QLatin1String("USDCHF"))) << Charts().title(renko).toStdString();
+
     // The language is the workspace's, for the next start.
     terminal->setLanguage(QStringLiteral("Chinese (Simplified)"));
     ASSERT_TRUE(terminal->saveWorkspace());

@@ -165,13 +165,14 @@ int LineStudies::create(void* target, lsCreateObject* record, std::string& detai
     s.attached = false;
     s.selected = false;
     s.exchanges = 0;
+    s.sizes.assign(ls::shapeTypes(kind).size(), 0);
     const int points = ls::controlPointCount(kind);
     s.in.assign(std::size_t(points), lsPointShape{});
     s.out = s.in;
     studies_[s.id] = s;
-    record->id = s.id;
+    record->id = faults_.zeroId ? 0 : s.id;
     record->cpCount = points;
-    record->shapeCount = std::int32_t(ls::shapeTypes(kind).size());
+    record->shapeCount = faults_.overrideShapeCount ? faults_.shapeCount : std::int32_t(ls::shapeTypes(kind).size());
     detail += " = " + std::to_string(s.id) + ", " + std::to_string(record->cpCount) + " points, " +
               std::to_string(record->shapeCount) + " shapes";
     return 0;
@@ -190,11 +191,16 @@ int LineStudies::shapeSizes(void* target, std::intptr_t id, std::int32_t* sizes,
     Study* s = target == handle_ ? find(std::int32_t(id)) : nullptr;
     if (!s || !sizes) return 1;
     const std::vector<std::int32_t> types = ls::shapeTypes(s->kind);
-    for (std::size_t i = 0; i < types.size(); ++i) {
-        const std::int32_t size = ls::shapeDataSize(types[i]);
+    // As many entries as the count 4500 reported, never more than the study has.
+    std::size_t n = types.size();
+    if (faults_.overrideShapeCount) n = std::min<std::size_t>(n, std::size_t(std::max(0, faults_.shapeCount)));
+    s->sizes.assign(types.size(), 0);
+    for (std::size_t i = 0; i < n; ++i) {
+        const std::int32_t size = faults_.overrideShapeSize ? faults_.shapeSize : ls::shapeDataSize(types[i]);
+        s->sizes[i] = size;
         std::memcpy(sizes + i, &size, sizeof size);
     }
-    detail = std::to_string(types.size()) + " shape sizes of study " + std::to_string(id);
+    detail = std::to_string(n) + " shape sizes of study " + std::to_string(id);
     return 0;
 }
 
@@ -221,9 +227,32 @@ int LineStudies::exchange(void* target, std::intptr_t id, lsControlPointsShapes*
         return 1;
     }
     std::memcpy(s->in.data(), record->in, sizeof(lsPointShape) * std::size_t(points));
+    // The shapes are computed into the host's own copies; the chart's records get the
+    // host's fields, and each data block at most the size 4505 reported for it.
+    std::vector<lsShape> shapes(types.size());
+    std::vector<std::vector<char> > blocks(types.size());
+    for (std::size_t i = 0; i < types.size(); ++i) {
+        std::memcpy(&shapes[i], &record->shapes[i], sizeof(lsShape));
+        blocks[i].assign(std::size_t(ls::shapeDataSize(types[i])), '\0');
+        shapes[i].data = blocks[i].data();
+    }
     const ls::SeriesView view = series(s->dataArray);
-    ls::computeStudy(s->kind, s->params, view, s->in.data(), s->out.data(), record->shapes);
+    ls::computeStudy(s->kind, s->params, view, s->in.data(), s->out.data(), shapes.data());
     std::memcpy(record->out, s->out.data(), sizeof(lsPointShape) * std::size_t(points));
+    for (std::size_t i = 0; i < types.size(); ++i) {
+        void* data = record->shapes[i].data;
+        const std::int32_t reported = i < s->sizes.size() ? s->sizes[i] : 0;
+        const std::size_t n = std::min(blocks[i].size(), std::size_t(std::max(0, reported)));
+        shapes[i].data = data;
+        if (faults_.overrideShapeType) shapes[i].type = faults_.shapeType;
+        std::memcpy(&record->shapes[i], &shapes[i], sizeof(lsShape));
+        if (n) std::memcpy(data, blocks[i].data(), n);
+    }
+    if (faults_.errorFlag) {
+        record->error = 1;
+        detail += ": answered with the error flag";
+        return 0;
+    }
     record->error = 0;
     ++s->exchanges;
     detail += " (" + std::string(ls::studyName(s->kind)) + "): " + std::to_string(points) + " points, " +

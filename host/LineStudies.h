@@ -68,6 +68,7 @@ public:
         std::vector<lsPointShape> in;   // as the chart sent them last (4510)
         std::vector<lsPointShape> out;  // as the host corrected them
         int exchanges;           // 4510s answered
+        std::vector<std::int32_t> sizes;  // the data block sizes 4505 reported
     };
     // The live studies, by id; null for an unknown or deleted id.
     const Study* study(std::int32_t id) const;
@@ -91,6 +92,20 @@ public:
         int answer;
     };
     const std::vector<Update>& updates() const { return updates_; }
+
+    // A terminal that answers badly, for tests of the chart's defences. Each field left at
+    // its default changes nothing.
+    struct Faults {
+        bool zeroId = false;          // 4500 answers 0 but leaves the id 0
+        bool errorFlag = false;       // 4510 answers 0 with the error flag set
+        bool overrideShapeCount = false;
+        std::int32_t shapeCount = 0;  // what 4500 reports instead of the real count
+        bool overrideShapeSize = false;
+        std::int32_t shapeSize = 0;   // what 4505 reports for every shape
+        bool overrideShapeType = false;
+        std::int32_t shapeType = 0;   // the type 4510 writes into every shape
+    };
+    void setFaults(const Faults& faults) { faults_ = faults; }
 
     // The series a study is computed on: the candles' times of the data object owning
     // `array` (empty for an array of no object).
@@ -123,6 +138,7 @@ private:
     int ended_ = 0;
     std::string tool_;
     std::uint32_t toolColour_ = 0x0000C0;
+    Faults faults_;
 };
 
 }  // namespace host

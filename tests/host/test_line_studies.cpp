@@ -4,6 +4,7 @@
 // and its refusal of records it cannot trust.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <memory>
@@ -392,4 +393,49 @@ TEST_F(Studies, RecordsThatCannotBeTrustedAreRefused) {
     EXPECT_EQ(Send(nullptr, MSG_LS_DETACH, 77, s->id), 0);
     EXPECT_EQ(Exchange(*s), 1);
     EXPECT_EQ(Send(Provider(), MSG_LS_DELETE, s->id), 1);
+}
+
+TEST_F(Studies, AFaultyTerminalStillWritesNoMoreThanItReported) {
+    host::LineStudies::Faults faults;
+    faults.zeroId = true;
+    LS().setFaults(faults);
+    lsCreateObject create;
+    std::memset(&create, 0, sizeof create);
+    std::strcpy(create.name, "HLine");
+    EXPECT_EQ(Send(Provider(), MSG_LS_CREATE_OBJECT, P(&create)), 0);
+    EXPECT_EQ(create.id, 0);
+
+    // 4505 reports 2 bytes a shape: the data block gets 2 bytes and no more, whatever the
+    // study needs.
+    faults = host::LineStudies::Faults();
+    faults.overrideShapeSize = true;
+    faults.shapeSize = 2;
+    faults.overrideShapeType = true;
+    faults.shapeType = 99;
+    faults.errorFlag = true;
+    LS().setFaults(faults);
+    std::unique_ptr<ChartSide> s = Make("Line");
+    std::vector<char> guarded(64, 0x5A);
+    s->shapes[0].data = guarded.data();
+    s->in[0] = At(10, 1.4f);
+    s->in[1] = At(20, 1.5f);
+    EXPECT_EQ(Exchange(*s), 0);
+    EXPECT_EQ(s->record.error, 1);
+    EXPECT_EQ(s->shapes[0].type, 99);
+    EXPECT_EQ(s->shapes[0].data, guarded.data());
+    EXPECT_EQ(std::count(guarded.begin() + 2, guarded.end(), 0x5A), 62);
+
+    // A count claimed below the real one: 4505 fills no more entries than it claimed.
+    faults = host::LineStudies::Faults();
+    faults.overrideShapeCount = true;
+    faults.shapeCount = 1;
+    LS().setFaults(faults);
+    std::memset(&create, 0, sizeof create);
+    std::strcpy(create.name, "Arc");
+    ASSERT_EQ(Send(Provider(), MSG_LS_CREATE_OBJECT, P(&create)), 0);
+    EXPECT_EQ(create.shapeCount, 1);
+    std::int32_t sizes[4] = {-7, -7, -7, -7};
+    ASSERT_EQ(Send(Provider(), MSG_LS_SHAPE_SIZES, create.id, P(sizes)), 0);
+    EXPECT_EQ(sizes[0], std::int32_t(sizeof(lsShapeLine)));
+    EXPECT_EQ(sizes[1], -7);
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/DataCore.h"
+#include "host/DragData.h"
 #include "host/Emulator.h"
 #include "host/LineStudies.h"
 #include "host/MainWindowService.h"
@@ -438,4 +439,27 @@ TEST_F(Studies, AFaultyTerminalStillWritesNoMoreThanItReported) {
     ASSERT_EQ(Send(Provider(), MSG_LS_SHAPE_SIZES, create.id, P(sizes)), 0);
     EXPECT_EQ(sizes[0], std::int32_t(sizeof(lsShapeLine)));
     EXPECT_EQ(sizes[1], -7);
+}
+
+TEST_F(Studies, AStudyToolDraggedFromTheTerminalIsDescribedAsALineStudy) {
+    void* core = emulator.host().coreHandle();
+    const QByteArray bytes = host::drag::studyBytes("Andrews Pitchfork");
+    EXPECT_EQ(bytes, QByteArray("Andrews Pitchfork;study"));
+    coreDragData drag{bytes.constData(), std::int32_t(bytes.size())};
+    fxwcDropInstrument record;
+    std::memset(&record, 0x5A, sizeof record);
+    ASSERT_EQ(Send(core, MSG_DESCRIBE_PRIMITIVE, P(&drag), P(&record)), 0);
+    EXPECT_EQ(record.baseHandle, Provider());
+    EXPECT_STREQ(record.symbol, "Andrews Pitchfork");
+    EXPECT_STREQ(record.instrumentType, "LineStudy");
+    EXPECT_EQ(record.style, 0x0000C0);
+    // Not a study of this terminal, and not an instrument either.
+    const QByteArray wrong = host::drag::studyBytes("Channel");
+    coreDragData other{wrong.constData(), std::int32_t(wrong.size())};
+    fxwcDropInstrument untouched;
+    std::memset(&untouched, 0x5A, sizeof untouched);
+    record = untouched;
+    EXPECT_EQ(Send(core, MSG_DESCRIBE_PRIMITIVE, P(&other), P(&record)), 1);
+    EXPECT_EQ(Send(core, MSG_DESCRIBE_DRAG, P(&drag), P(&record)), 1);
+    EXPECT_EQ(std::memcmp(&record, &untouched, sizeof record), 0);
 }

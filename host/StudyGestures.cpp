@@ -77,15 +77,29 @@ bool StudyPixel(Emulator& emulator, void* widget, const StudyPoint& point, QPoin
         if (!inside && top >= 0) break;
     }
     if (top < 0) return fail(error, "the status bar shows no time and price over the window");
-    // The column: the last one whose time is not after the point's.
+    // The column: the last one whose time is not after the point's. Times the status bar
+    // shows nowhere are out of view.
     const int row = (top + bottom) / 2;
     int best = -1, bestEnd = -1;
     std::int64_t bestTime = std::numeric_limits<std::int64_t>::min();
-    int first = -1;
-    for (int x = 0; x < chart->width(); ++x) {
-        const Reading r = read(emulator, chart, QPoint(x, row));
+    std::int64_t earliest = std::numeric_limits<std::int64_t>::max(), latest = earliest;
+    // Runs of pixels that show one time: the columns' widths.
+    std::vector<int> widths;
+    int runStart = -1;
+    std::int64_t runTime = 0;
+    for (int x = 0; x <= chart->width(); ++x) {
+        const Reading r = x < chart->width() ? read(emulator, chart, QPoint(x, row)) : Reading{false, 0, 0.0};
+        if (runStart >= 0 && (!r.inside || r.time != runTime)) {
+            widths.push_back(x - runStart);
+            runStart = -1;
+        }
         if (!r.inside) continue;
-        if (first < 0) first = x;
+        if (runStart < 0) {
+            runStart = x;
+            runTime = r.time;
+        }
+        earliest = std::min(earliest, r.time);
+        latest = latest == std::numeric_limits<std::int64_t>::max() ? r.time : std::max(latest, r.time);
         if (r.time <= point.time && r.time > bestTime) {
             bestTime = r.time;
             best = bestEnd = x;
@@ -93,8 +107,22 @@ bool StudyPixel(Emulator& emulator, void* widget, const StudyPoint& point, QPoin
             bestEnd = x;
         }
     }
-    if (first < 0) return fail(error, "the status bar shows no time along the first area");
-    const int x = best < 0 ? first : (best + bestEnd) / 2;
+    // The middle of the column; the last column's time also covers the free space after it,
+    // so a run much wider than the usual column is taken from its start. Such a run shows
+    // that the data's end is in view: later times belong to its last column.
+    std::sort(widths.begin(), widths.end());
+    const int usual = widths.empty() ? 1 : std::max(1, widths[widths.size() / 2]);
+    const bool wide = best >= 0 && bestEnd - best + 1 > usual + usual / 2;
+    if (best < 0 || (point.time > latest && !wide)) {
+        const auto text = [](std::int64_t t) {
+            return QDateTime::fromSecsSinceEpoch(t, Qt::UTC).toString(QStringLiteral("dd.MM.yyyy hh:mm:ss")).toStdString();
+        };
+        if (latest == std::numeric_limits<std::int64_t>::max())
+            return fail(error, "the status bar shows no time along the first area");
+        return fail(error, "the time " + text(point.time) + " is not in view (the first area shows " + text(earliest) +
+                               " to " + text(latest) + ")");
+    }
+    const int x = wide ? best + usual / 2 : (best + bestEnd) / 2;
     // The row whose price is nearest; the middle of rows that read the same.
     int y0 = -1, y1 = -1;
     double bestDistance = std::numeric_limits<double>::max();

@@ -26,9 +26,10 @@ struct StudyPoint {
 };
 
 // The pixel (chart widget coordinates) of the first area where the status bar shows the
-// column holding `time` (the last column whose time is not after it; the first column when
-// it is before them all) and the price nearest `price`. False with `error` when the status
-// bar shows no time or price anywhere in the area.
+// column holding `time` (the last column whose time is not after it) and the price nearest
+// `price`. False with `error` when the status bar shows no time or price in the area, or
+// when `time` lies before the first time or after the last time it shows (out of view:
+// the window must be scrolled first).
 bool StudyPixel(Emulator& emulator, void* widget, const StudyPoint& point, QPoint* at, std::string* error);
 
 // The control points the user clicks for `points` given on the command line: the points

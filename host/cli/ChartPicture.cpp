@@ -120,6 +120,10 @@ bool drawWindow(Emulator& emulator, ChartPicture& picture, std::string* error) {
     picture.replayed = 0;
     for (const std::string& name : picture.instruments) picture.replayed += core.replay(name, picture.replay);
     picture.notices = core.notices().size() - before;
+    if (!PlayActions(emulator, widget, picture.actions, error)) {
+        charts.destroy(widget);
+        return false;
+    }
     for (const ChartPicture::Study& study : picture.studies) {
         std::vector<StudyPoint> points;
         for (const auto& p : study.points) points.push_back(StudyPoint{p.first, p.second});
@@ -128,10 +132,6 @@ bool drawWindow(Emulator& emulator, ChartPicture& picture, std::string* error) {
             charts.destroy(widget);
             return false;
         }
-    }
-    if (!PlayActions(emulator, widget, picture.actions, error)) {
-        charts.destroy(widget);
-        return false;
     }
 
     picture.image = charts.grab(widget, picture.size);

@@ -50,8 +50,8 @@ struct ChartPicture {
         int value;                          // Scroll: the position; CloseArea, DeleteLine: the area
     };
     std::vector<Action> actions;
-    // Line studies placed with the mouse on the first area after the drops and the replay,
-    // before the actions (--study NAME:TIME,PRICE[:TIME,PRICE...]).
+    // Line studies placed with the mouse on the first area after the actions (so that
+    // --scroll can bring their times into view) (--study NAME:TIME,PRICE[:TIME,PRICE...]).
     struct Study {
         std::string name;
         std::vector<std::pair<std::int32_t, double> > points;  // UNIX time, price

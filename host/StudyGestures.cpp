@@ -168,14 +168,20 @@ bool PlaceStudy(Emulator& emulator, void* widget, const std::string& name, const
                 std::int32_t* id, std::string* error) {
     std::vector<StudyPoint> clicks;
     if (!StudyClicks(name, points, &clicks, error)) return false;
-    QPointer<QWidget> chart(emulator.charts().chartWidget(widget));
-    if (!chart) return fail(error, "not a chart window");
     std::vector<QPoint> pixels;
     for (const StudyPoint& p : clicks) {
         QPoint at;
         if (!StudyPixel(emulator, widget, p, &at, error)) return false;
         pixels.push_back(at);
     }
+    return PlaceStudyAt(emulator, widget, name, pixels, id, error);
+}
+
+bool PlaceStudyAt(Emulator& emulator, void* widget, const std::string& name, const std::vector<QPoint>& pixels,
+                  std::int32_t* id, std::string* error) {
+    QPointer<QWidget> chart(emulator.charts().chartWidget(widget));
+    if (!chart) return fail(error, "not a chart window");
+    if (pixels.empty()) return fail(error, "no points to click");
     LineStudies& studies = emulator.studies();
     const std::vector<std::int32_t> before = studies.ids();
     const int ended = studies.endedDrawing();
@@ -197,6 +203,8 @@ bool PlaceStudy(Emulator& emulator, void* widget, const std::string& name, const
         mouse(chart, QEvent::MouseButtonDblClick, from, Qt::LeftButton, Qt::LeftButton);
         if (chart) mouse(chart, QEvent::MouseButtonRelease, from, Qt::LeftButton, Qt::NoButton);
     }
+    // A study that takes more points than were given (the pitchfork's fourth handle is the
+    // host's, yet clicked) has them at the last one.
     for (int i = 0; i < kMaxExtraClicks && chart && studies.endedDrawing() == ended; ++i) {
         mouse(chart, QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
         if (chart) mouse(chart, QEvent::MouseButtonRelease, from, Qt::LeftButton, Qt::NoButton);

@@ -45,6 +45,10 @@ bool StudyClicks(const std::string& name, const std::vector<StudyPoint>& points,
 bool PlaceStudy(Emulator& emulator, void* widget, const std::string& name, const std::vector<StudyPoint>& points,
                 std::int32_t* id, std::string* error);
 
+// PlaceStudy with the pixels (chart widget coordinates) of the clicks given.
+bool PlaceStudyAt(Emulator& emulator, void* widget, const std::string& name, const std::vector<QPoint>& pixels,
+                  std::int32_t* id, std::string* error);
+
 // Parses "NAME:TIME,PRICE[:TIME,PRICE...]"; false for a malformed text.
 bool ParseStudy(const std::string& text, std::string* name, std::vector<StudyPoint>* points);
 

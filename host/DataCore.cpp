@@ -252,9 +252,15 @@ void DataCore::distribute(data::Instrument& instrument, const data::Quote& quote
         if (data::DataObject* o = object(reinterpret_cast<std::intptr_t>(handle))) notify(*o);
 }
 
+data::DataObject* DataCore::ownerOf(const void* array) const {
+    if (!array) return nullptr;
+    for (const auto& o : objects_)
+        if (static_cast<const void*>(o.second->array()) == array) return o.second.get();
+    return nullptr;
+}
+
 void DataCore::notify(data::DataObject& object) {
     const std::vector<data::Subscription> subscribers = object.subscriptions();
-    if (subscribers.empty()) return;
     void* provider = nullptr;
     if (data::ChartObject* c = dynamic_cast<data::ChartObject*>(&object)) {
         provider = providerInterface(c->type());
@@ -264,6 +270,7 @@ void DataCore::notify(data::DataObject& object) {
     }
     const coreNameInstrument name = object.instrument().nameRecord();
     void* const handle = object.handle();
+    const fxDataPointArray* const array = object.array();
     for (const data::Subscription& s : subscribers) {
         coreCoreUpdateDpaData record;
         std::memset(&record, 0, sizeof record);
@@ -276,6 +283,9 @@ void DataCore::notify(data::DataObject& object) {
                                       "data " + hex(handle) + " changed, subscriber " + hex(s.subscriber));
         notices_.push_back(Notice{s.first, handle, s.subscriber, record.reference, result});
     }
+    // Listeners hear after the subscribers, so that what they make the module redo sees the
+    // new data. `object` may be gone by now: only the array's address is passed on.
+    for (const ChangeListener& listener : std::vector<ChangeListener>(listeners_)) listener(array);
 }
 
 // ---- messages ----

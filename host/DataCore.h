@@ -34,6 +34,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -129,6 +130,14 @@ public:
     void clearNotices() { notices_.clear(); }
     std::size_t subscriptionCount(void* handle) const;
 
+    // ---- observers ----
+    // `listener` hears of every object whose array changed (new quotes, new settings), with
+    // the array, before the object's subscribers are told.
+    using ChangeListener = std::function<void(const fxDataPointArray* array)>;
+    void addChangeListener(ChangeListener listener) { listeners_.push_back(std::move(listener)); }
+    // The object whose array is `array` (compared by address, never read); null for none.
+    data::DataObject* ownerOf(const void* array) const;
+
 private:
     data::DataObject* object(std::intptr_t handle) const;
     void addBuiltIns();
@@ -149,6 +158,7 @@ private:
     void* providers_[3];
     data::ChartSettings createSettings_[3];
     std::vector<Notice> notices_;
+    std::vector<ChangeListener> listeners_;
     std::int32_t reference_ = 0;
 };
 

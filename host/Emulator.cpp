@@ -11,6 +11,7 @@
 #include "host/DataCore.h"
 #include "host/DealingService.h"
 #include "host/DialogAnswerer.h"
+#include "host/LineStudies.h"
 #include "host/MainWindowService.h"
 #include "host/UndoStack.h"
 #include "host/WorkDataStore.h"
@@ -35,6 +36,7 @@ Emulator::Emulator(const EmulatorOptions& options) : options_(options), host_(ne
     layouts_.reset(new ChartLayouts(*host_, *charts_, *workData_));
     undo_.reset(new UndoStack(*host_, *workData_, *charts_));
     dialogs_.reset(new DialogAnswerer(QString::fromStdString(options_.workFolder)));
+    studies_.reset(new LineStudies(*host_, *data_, *mainWindow_));
     // The module's question boxes label their buttons with its own "Yes" and "No" texts.
     dialogs_->setButtonTexts([this](bool yes) {
         const QString text = moduleText(yes ? "C0078" : "C0077");
@@ -49,6 +51,7 @@ Emulator::~Emulator() {
     charts_->destroyAll();
     mainWindow_->closeWindow();
     host_->unload();
+    studies_.reset();
     dialogs_.reset();
     undo_.reset();
     layouts_.reset();

@@ -12,7 +12,9 @@
 #include <QSize>
 #include <QString>
 #include <QStringList>
+#include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/data/ChartType.h"
@@ -48,6 +50,13 @@ struct ChartPicture {
         int value;                          // Scroll: the position; CloseArea, DeleteLine: the area
     };
     std::vector<Action> actions;
+    // Line studies placed with the mouse on the first area after the actions (so that
+    // --scroll can bring their times into view) (--study NAME:TIME,PRICE[:TIME,PRICE...]).
+    struct Study {
+        std::string name;
+        std::vector<std::pair<std::int32_t, double> > points;  // UNIX time, price
+    };
+    std::vector<Study> studies;
 
     // What was drawn.
     QImage image;

@@ -20,6 +20,7 @@ class ChartWindows;
 class ChartLayouts;
 class DialogAnswerer;
 class UndoStack;
+class PropertyService;
 
 struct EmulatorOptions {
     std::string modulePath;              // default: the built libPFChartModule.so.1
@@ -50,6 +51,8 @@ public:
     // Answers the module's modal dialogs for as long as the emulator lives (no person is
     // there to do it); its policy is set by the tests and pfhost.
     DialogAnswerer& dialogs() { return *dialogs_; }
+    // The terminal's property dialogs (10052, 10053, 10054).
+    PropertyService& properties() { return *properties_; }
 
     // dlopen, GetModuleInfo and Initialize, as the terminal does.
     bool loadModule(std::string* error = nullptr);
@@ -73,6 +76,7 @@ private:
     std::unique_ptr<ChartLayouts> layouts_;
     std::unique_ptr<UndoStack> undo_;
     std::unique_ptr<DialogAnswerer> dialogs_;
+    std::unique_ptr<PropertyService> properties_;
     std::string tempFolder_;
     MODULE_INFO info_;
 };

@@ -123,6 +123,10 @@ bool drawWindow(Emulator& emulator, ChartPicture& picture, std::string* error) {
         charts.destroy(widget);
         return false;
     }
+    if (!picture.properties.empty() && !SetProperties(emulator, widget, picture, error)) {
+        charts.destroy(widget);
+        return false;
+    }
 
     picture.image = charts.grab(widget, picture.size);
     picture.title = charts.title(widget);
@@ -154,6 +158,7 @@ QString ChartPicture::Describe() const {
     if (!printFile.isEmpty()) text += QStringLiteral("; printed to %1").arg(printFile);
     if (!trades.empty()) text += QStringLiteral("; %1 trades placed").arg(trades.size());
     if (!actions.empty()) text += QStringLiteral("; %1 actions played").arg(actions.size());
+    if (!properties.empty()) text += QStringLiteral("; %1 properties applied").arg(properties.size());
     return text;
 }
 
@@ -239,13 +244,19 @@ bool parseExtras(const QStringList& args, ChartPicture& picture) {
         picture.tradeAt = QPoint(m.captured(1).toInt(), m.captured(2).toInt());
     }
     if (!ParseActions(args, &picture.actions)) return false;
+    for (const QString& p : options(args, "--property")) {
+        const int eq = p.indexOf(QLatin1Char('='));
+        if (eq < 1) return false;
+        picture.properties.emplace_back(p.left(eq), p.mid(eq + 1));
+    }
     const QString answer = option(args, "--answer", "no");
     return answer == QLatin1String("yes") || answer == QLatin1String("no");
 }
 
 const char* const kExtraOptions[] = {"--replay", "--load-layout", "--save-layout", "--print",       "--accounts",
                                      "--trade",  "--at",          "--answer",      "--blotter",     "--zoom",
-                                     "--scroll", "--close-area",  "--delete-line", "--undo",        "--undo-list"};
+                                     "--scroll", "--close-area",  "--delete-line", "--undo",        "--undo-list",
+                                     "--property"};
 
 }  // namespace
 

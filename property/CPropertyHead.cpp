@@ -155,7 +155,7 @@ int CPropertyHead::addProperty(int group, PROPERTY& property) {
                 PROPERTY_VALUE_LIST list;
                 std::memcpy(&list, copy->value, sizeof list);
                 list.count = std::max(0, std::min<std::int32_t>(list.count, kMaxListItems));
-                list.items = CopyItems(list.items, list.count);
+                list.items = list.items ? CopyItems(list.items, list.count) : nullptr;
                 if (!list.items) list.count = 0;
                 if (list.selected < 0 || list.selected >= list.count) list.selected = 0;
                 std::memcpy(copy->value, &list, sizeof list);

@@ -21,6 +21,7 @@ class ChartLayouts;
 class DialogAnswerer;
 class UndoStack;
 class LineStudies;
+class PropertyService;
 
 struct EmulatorOptions {
     std::string modulePath;              // default: the built libPFChartModule.so.1
@@ -53,6 +54,8 @@ public:
     DialogAnswerer& dialogs() { return *dialogs_; }
     // The line-study provider and the drawing tool the user has chosen.
     LineStudies& studies() { return *studies_; }
+    // The terminal's property dialogs (10052, 10053, 10054).
+    PropertyService& properties() { return *properties_; }
 
     // dlopen, GetModuleInfo and Initialize, as the terminal does.
     bool loadModule(std::string* error = nullptr);
@@ -77,6 +80,7 @@ private:
     std::unique_ptr<UndoStack> undo_;
     std::unique_ptr<DialogAnswerer> dialogs_;
     std::unique_ptr<LineStudies> studies_;
+    std::unique_ptr<PropertyService> properties_;
     std::string tempFolder_;
     MODULE_INFO info_;
 };

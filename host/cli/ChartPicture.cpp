@@ -133,6 +133,10 @@ bool drawWindow(Emulator& emulator, ChartPicture& picture, std::string* error) {
             return false;
         }
     }
+    if (!picture.properties.empty() && !SetProperties(emulator, widget, picture, error)) {
+        charts.destroy(widget);
+        return false;
+    }
 
     picture.image = charts.grab(widget, picture.size);
     picture.title = charts.title(widget);
@@ -165,6 +169,7 @@ QString ChartPicture::Describe() const {
     if (!trades.empty()) text += QStringLiteral("; %1 trades placed").arg(trades.size());
     if (!actions.empty()) text += QStringLiteral("; %1 actions played").arg(actions.size());
     if (!studies.empty()) text += QStringLiteral("; %1 line studies placed").arg(studies.size());
+    if (!properties.empty()) text += QStringLiteral("; %1 properties applied").arg(properties.size());
     return text;
 }
 
@@ -263,6 +268,11 @@ bool parseExtras(const QStringList& args, ChartPicture& picture) {
         for (const StudyPoint& p : points) study.points.push_back(std::make_pair(p.time, p.price));
         picture.studies.push_back(study);
     }
+    for (const QString& p : options(args, "--property")) {
+        const int eq = p.indexOf(QLatin1Char('='));
+        if (eq < 1) return false;
+        picture.properties.emplace_back(p.left(eq), p.mid(eq + 1));
+    }
     const QString answer = option(args, "--answer", "no");
     return answer == QLatin1String("yes") || answer == QLatin1String("no");
 }
@@ -270,7 +280,8 @@ bool parseExtras(const QStringList& args, ChartPicture& picture) {
 const char* const kExtraOptions[] = {"--replay", "--load-layout", "--save-layout", "--print",       "--accounts",
                                      "--trade",  "--at",          "--answer",      "--blotter",     "--zoom",
                                      "--scroll", "--close-area",  "--delete-line", "--undo",        "--undo-list",
-                                     "--study"};
+                                     "--study",
+                                     "--property"};
 
 }  // namespace
 

@@ -9,7 +9,8 @@ const char kUsage[] =
     "--data FILE.csv|NAME [--data ...] --type pf|renko|kagi [--box SIZE] [--reversal N] [--size WxH] "
     "[--replay N] [--answer yes|no] [--save-layout FILE.xml] [--print FILE.pdf] [--accounts N] "
     "[--trade deal|order[:K] ...] [--at X,Y] [--blotter] [--zoom in|out] [--scroll N] [--close-area I] "
-    "[--delete-line I] [--undo] [--undo-list] [--study NAME:TIME,PRICE[:TIME,PRICE...] ...] --out FILE.png\n"
+    "[--delete-line I] [--undo] [--undo-list] [--study NAME:TIME,PRICE[:TIME,PRICE...] ...] [--property \"NAME=VALUE\" ...]\n"
+    "    --out FILE.png\n"
     "    | --load-layout FILE.xml [--type pf|renko|kagi] [--data FILE.csv|NAME ...] [the options above] --out FILE.png";
 
 int runChart(const QStringList& args) { return host::cli::RunChartCommand(args, "chart", kUsage, true); }

@@ -43,6 +43,7 @@ namespace gx {
 class Chart;
 class Area;
 class Line;
+class LineStudy;
 class TimeScale;
 class LRScale;
 class Grid;
@@ -133,6 +134,24 @@ public:
     void RecordLineDelete();
     // Records the area at `position` before it is closed.
     void RecordAreaDelete(int position);
+    // Records the points a line study had when its move began (after a move that changed it).
+    void RecordLineStudyMove(gx::LineStudy* study);
+
+    // ---- line studies ----
+    // True while the host's drawing mode has a study tool chosen (3500); `mode` gets it.
+    bool GetDrawingMode(lsDrawingMode& mode) const;
+    // Starts the chosen study on the first line of the area under `at`: placed point by
+    // point, or with every point at `at` when `dropped`. Nothing is made (and nothing thrown)
+    // when the host refuses it.
+    boost::shared_ptr<gx::LineStudy> StartLineStudy(const QPoint& at, void* provider, const QString& name,
+                                                    std::uint32_t color, bool dropped);
+    // Deletes one study through the line-delete command, so that undo brings it back.
+    void DeleteLineStudy(gx::LineStudy* study);
+    // 3073: the host changed a study of this window; false when none of its studies is the
+    // one named.
+    bool OnUpdateLS(const lsUpdateRecord* record);
+    // Escape: every study being placed is cancelled.
+    void CancelCreatingLineStudies();
     // After an undo rebuilt `count` objects: scales, time scale, scroll bar and title follow,
     // and the host hears 3142.
     void AfterRestore(int count);

@@ -98,7 +98,16 @@ int PFChartModule::Dispatch(void* target, unsigned int message, std::intptr_t p1
             return MwiConvertToType(p1, p2);
         case MSG_NEED_TO_CONVERT:
             return MwiNeedToConvert(p1, p2);
-        case MSG_LS_UPDATE:
+        case MSG_LS_UPDATE: {
+            // The record names the study, not its window: every window looks for it.
+            const lsUpdateRecord* record = reinterpret_cast<const lsUpdateRecord*>(p1);
+            if (!record) return 0;
+            for (ChartInterface* iface : {GetPFInterface(), GetRenkoInterface(), GetKagiInterface()})
+                if (iface)
+                    for (PFChartWidget* widget : std::vector<PFChartWidget*>(iface->GetWidgets()))
+                        if (widget->OnUpdateLS(record)) return 0;
+            return 0;
+        }
         default:
             return 0;
     }

@@ -21,9 +21,12 @@
 #include "host/DataCore.h"
 #include "host/DealingService.h"
 #include "host/DialogAnswerer.h"
+#include "host/LineStudies.h"
 #include "host/Emulator.h"
 #include "host/MainWindowService.h"
+#include "host/PropertyService.h"
 #include "host/UndoStack.h"
+#include "host/ls/StudyGeometry.h"
 #include "host/terminal/AccountsPanel.h"
 #include "host/terminal/BlotterPanel.h"
 #include "host/terminal/InstrumentPanel.h"
@@ -202,7 +205,28 @@ void Terminal::buildMenus() {
     chart->addSeparator();
     addAction(chart, this, "addInstrument", tr("&Add selected instrument"), QKeySequence(tr("Ctrl+I")),
               [this] { addToActiveChart(instruments_->current()); });
+    addAction(chart, this, "properties", tr("P&roperties..."), QKeySequence(tr("Alt+Return")), [this] { showProperties(); });
     addAction(chart, this, "closeChart", tr("&Close chart"), QKeySequence(tr("Ctrl+W")), [this] { closeActiveChart(); });
+
+    // The line-study tools: the one chosen is what the next clicks on a chart draw; the chart
+    // puts it down when the study is placed (3501), and the pointer comes back.
+    QMenu* studies = bar->addMenu(tr("&Tools"));
+    studyTools_ = new QActionGroup(this);
+    QAction* pointer = addAction(studies, this, "toolPointer", tr("&Pointer"), QKeySequence(), [this] { chooseStudy(QString()); });
+    pointer->setCheckable(true);
+    pointer->setChecked(true);
+    studyTools_->addAction(pointer);
+    studies->addSeparator();
+    for (const std::string& name : ls::studyNames()) {
+        ls::StudyKind kind;
+        if (!ls::kindFromName(name, &kind)) continue;
+        const QString type = QString::fromStdString(name);
+        QAction* a = addAction(studies, this, "study", ls::studyTitle(kind), QKeySequence(), [this, type] { chooseStudy(type); });
+        a->setObjectName(QStringLiteral("study:") + type);
+        a->setData(type);
+        a->setCheckable(true);
+        studyTools_->addAction(a);
+    }
 
     QMenu* replay = bar->addMenu(tr("&Replay"));
     QToolBar* tools = main->addToolBar(tr("Replay"));
@@ -302,8 +326,11 @@ void Terminal::refresh() {
     action(QStringLiteral("play"))->setEnabled(!replay_->playing() && pending > 0);
     action(QStringLiteral("pause"))->setEnabled(replay_->playing());
     action(QStringLiteral("step"))->setEnabled(pending > 0);
+    const QString tool = QString::fromStdString(emulator_.studies().tool());
+    for (QAction* a : studyTools_->actions())
+        if (a->data().toString() == tool && !a->isChecked()) a->setChecked(true);
     const bool chart = activeChart() != nullptr;
-    for (const char* name : {"closeChart", "addInstrument", "print", "exportPng", "exportPdf"})
+    for (const char* name : {"closeChart", "addInstrument", "print", "exportPng", "exportPdf", "properties"})
         action(QString::fromLatin1(name))->setEnabled(chart);
     action(QStringLiteral("stopLoading"))->setEnabled(loading());
 }

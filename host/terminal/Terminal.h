@@ -3,8 +3,9 @@
 // becomes a terminal a person can use. Around it:
 //   docked panels  Instruments, Accounts and day-off, Blotter, Journal;
 //   menus          File (price files, workspace, print, export), Edit (undo), Chart (new
-//                  Point and Figure / Renko / Kagi window, close, add instrument), Replay,
-//                  Options (price type, language), Window;
+//                  Point and Figure / Renko / Kagi window, add instrument, properties,
+//                  close), Tools (line studies), Replay, Options (price type, language),
+//                  Window;
 //   replay         play, pause, step, speed: held-back quotes fed into the data core, so every
 //                  chart grows through 3009;
 //   workspace      every chart window with its layout and place, restored at start, saved on
@@ -101,6 +102,12 @@ public:
     // (3546), shown in the status bar and returned.
     QString setPriceType(int type);
     QString askPriceType();
+    // The line-study tool the next clicks on a chart draw with (a type name as the chart
+    // knows it, "HLine" ...); empty for the pointer. False for an unknown type.
+    bool chooseStudy(const QString& type);
+    // The active window's property page in the terminal's property dialog; false without a
+    // window or when none opened (the reason is shown).
+    bool showProperties();
     // The language the module starts in next time.
     void setLanguage(const QString& language);
     // The active window printed by the module (5012); false without one.
@@ -154,6 +161,7 @@ private:
     QActionGroup* priceTypes_ = nullptr;
     QActionGroup* languages_ = nullptr;
     QActionGroup* speeds_ = nullptr;
+    QActionGroup* studyTools_ = nullptr;
     std::vector<PriceFileLoader*> loaders_;
     std::vector<std::pair<QString, long> > liveCounts_;  // from the workspace: name, live quotes
     Workspace::Contents startContents_;

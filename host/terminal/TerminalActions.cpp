@@ -20,7 +20,9 @@
 #include "host/ChartWindows.h"
 #include "host/DataCore.h"
 #include "host/Emulator.h"
+#include "host/LineStudies.h"
 #include "host/MainWindowService.h"
+#include "host/PropertyService.h"
 #include "host/UndoStack.h"
 #include "host/data/Instrument.h"
 #include "host/terminal/AccountsPanel.h"
@@ -110,6 +112,32 @@ bool Terminal::undo() {
                 !done);
     refresh();
     return done;
+}
+
+// ---- line studies and properties ----
+
+bool Terminal::chooseStudy(const QString& type) {
+    if (type.isEmpty()) {
+        emulator_.studies().clearTool();
+    } else if (!emulator_.studies().chooseTool(type.toStdString())) {
+        showMessage(tr("No line study of type %1.").arg(type), true);
+        return false;
+    } else {
+        showMessage(tr("Click the chart to place the points of the %1.").arg(type));
+    }
+    refresh();
+    return true;
+}
+
+bool Terminal::showProperties() {
+    void* widget = activeChart();
+    if (!widget) return false;
+    std::string why;
+    if (!emulator_.properties().open(widget, &why)) {
+        showMessage(tr("The properties of %1 did not open: %2").arg(chartName(widget), QString::fromStdString(why)), true);
+        return false;
+    }
+    return true;
 }
 
 // ---- price type and language ----

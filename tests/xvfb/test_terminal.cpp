@@ -27,7 +27,9 @@
 #include "host/DealingService.h"
 #include "host/DialogAnswerer.h"
 #include "host/Emulator.h"
+#include "host/LineStudies.h"
 #include "host/MainWindowService.h"
+#include "host/PropertyService.h"
 #include "host/UndoStack.h"
 #include "host/data/ChartObject.h"
 #include "host/terminal/AccountsPanel.h"
@@ -255,6 +257,25 @@ TEST_F(TerminalSession, PanelsAndMenusReachTheModule) {
     EXPECT_TRUE(lines[0].contains(QLatin1String(" 3545 ")) && lines[2].contains(QLatin1String(" 5012 ")));
     EXPECT_FALSE(terminal->journal()->setFilter(QStringLiteral("31x")));
     EXPECT_EQ(terminal->journal()->lines(), lines);
+
+    // Tools > Horizontal line, then a click on the chart places the study; the chart puts the
+    // tool down and the menu shows the pointer again.
+    Trigger("study:HLine");
+    EXPECT_EQ(emulator->studies().tool(), "HLine");
+    QWidget* chart = Charts().chartWidget(pf);
+    const QPoint at = chart->rect().center();
+    QTest::mouseMove(chart, at - QPoint(20, 0));
+    QTest::mouseMove(chart, at);
+    QTest::mouseClick(chart, Qt::LeftButton, Qt::NoModifier, at);
+    EXPECT_EQ(emulator->studies().ids().size(), 1u);
+    QTest::qWait(250);
+    EXPECT_TRUE(emulator->studies().tool().empty());
+    EXPECT_TRUE(terminal->action(QStringLiteral("toolPointer"))->isChecked());
+
+    // Chart > Properties opens the window's page in the terminal's property dialog.
+    Trigger("properties");
+    EXPECT_NE(emulator->properties().dialogFor(pf), nullptr);
+    emulator->properties().closeAll();
 
     // With the keyboard only: a new Renko window (Ctrl+2), Alt+1 to the Instruments panel,
     // Return on its line adds the instrument to the window in front.

@@ -31,6 +31,7 @@ class ChartInterface;
 class CTimeScrollBar;
 class CPropertyWork;
 class CListOnePropery;
+class CSkin;
 
 namespace pf {
 class DataSource;
@@ -258,6 +259,15 @@ public:
     // Button colours of the skin: pressed fill and frame.
     QColor GetButtonFillColor() const;
     QColor GetButtonFrameColor() const;
+    // The module's skin; null without a module.
+    const CSkin* GetSkin() const;
+    // The colour of the time scale's labels: the skin's time-scale font colour.
+    QColor GetTimeScaleFontColor() const;
+    // Takes the skin's look: grid and area colours, the close buttons, the time scale's
+    // labels and the tool bar. A skin read from a document also gives the scales' font
+    // colour and the time scale's background and grid; the built-in skin gives a window its
+    // own start values for them. `creating` also takes the skin's auto-scroll flag.
+    void ApplySkin(bool creating = false);
     // Where the mouse was last seen, widget coordinates.
     QPoint GetMousePos() const { return mousePos_; }
     // Top edge of the time scroll bar: the time scale ends one pixel above it.
@@ -315,6 +325,9 @@ private:
     void LoadPropertyValues();
     void StorePropertyValues();
 
+    // The skin's background picture over an area's data part, under the figures, placed as
+    // the skin's background position says.
+    void DrawBackImage(QPainter& painter, const QRect& data) const;
     // True (and the event ignored) while the forbidden cursor is shown.
     bool Forbidden(QEvent* event) const;
     void PlaceChildren();

@@ -129,14 +129,9 @@ void LineStudy::Attach() {
     SetFocus();
 }
 
-LineStudy::~LineStudy() {
-    try {
-        if (manualDelete_) Delete();
-    } catch (...) {
-        // A host that throws while its study goes changes nothing here.
-    }
-    ReleaseTempDraw();
-}
+// A study leaves the host only through Delete (a deletion by hand, a cancel): a window that
+// closes keeps its studies in the host, and its tree may be half gone by now.
+LineStudy::~LineStudy() { ReleaseTempDraw(); }
 
 // ---- host exchange ----
 
@@ -335,20 +330,28 @@ void LineStudy::Draw(QPainter& painter) const {
     if (!chart || !chart->GetTimeScale() || !engine_) return;
     if (cps_.shapeCount != static_cast<int>(shapes_.size())) return;
     const int outUsed = OutPointsUsed();
-    // One save for all shapes: each shape sets its own clip inside a save of its own.
+    // One save for all shapes: each shape sets its own clip inside a save of its own. Shapes
+    // of one study mostly share their pen; it is set again only when it changes.
     painter.save();
+    std::uint32_t penRgb = 0;
+    std::int32_t penStyle = -1, penWidth = -1;
     for (int i = 0; i < static_cast<int>(shapes_.size()); ++i) {
         if (IsPolyLine() && i >= outUsed - 1 && i > 0) break;
         const lsShape& shape = shapes_[std::size_t(i)];
         const std::uint32_t rgb = shape.color;
         const std::int32_t style = shape.penStyle;
         const std::int32_t width = shape.penWidth;
-        QPen pen(QColor(static_cast<QRgb>(rgb | 0xFF000000u)));
-        pen.setWidth(std::max(0, std::min<std::int32_t>(width, 64)));
-        pen.setStyle(style >= Qt::NoPen && style <= Qt::DashDotDotLine ? Qt::PenStyle(style) : Qt::SolidLine);
-        pen.setCapStyle(Qt::SquareCap);
-        pen.setJoinStyle(Qt::BevelJoin);
-        painter.setPen(pen);
+        if (rgb != penRgb || style != penStyle || width != penWidth) {
+            QPen pen(QColor(static_cast<QRgb>(rgb | 0xFF000000u)));
+            pen.setWidth(std::max(0, std::min<std::int32_t>(width, 64)));
+            pen.setStyle(style >= Qt::NoPen && style <= Qt::DashDotDotLine ? Qt::PenStyle(style) : Qt::SolidLine);
+            pen.setCapStyle(Qt::SquareCap);
+            pen.setJoinStyle(Qt::BevelJoin);
+            painter.setPen(pen);
+            penRgb = rgb;
+            penStyle = style;
+            penWidth = width;
+        }
         try {
             LsFactory::Instance().Create(shape.type, engine_, rect_, cps_, i, this)->Draw(painter);
         } catch (const std::exception&) {
@@ -458,9 +461,9 @@ void LineStudy::FinishCreating(bool exchange) {
 
 void LineStudy::CancelCreatingLS(bool update) {
     Chart* chart = GetChart();
-    Send(chart ? chart->GetMainGUIInterface() : nullptr, MSG_LS_END_DRAWING, 0, 0);
-    // The host's object goes with the study.
+    // The host's object goes with the study; Delete also ends the drawing mode (3501).
     manualDelete_ = true;
+    Delete();
     Line* line = line_;
     if (chart) chart->ResetCursor();
     if (line) line->DeleteLineStudy(this);  // may destroy this study

@@ -44,11 +44,17 @@ void LsArch::Draw(QPainter& painter) {
     try {
         const QRect box = CalcArcRect();
         if (box.width() > 0) {
-            painter.save();
-            painter.setClipRect(rect_);
             const std::int32_t lower = Block<lsShapeArc>()->lowerHalf;
-            painter.drawArc(box, 0, lower == 0 ? 2880 : -2880);
-            painter.restore();
+            const std::int32_t width = shape_->penWidth;
+            const int h = static_cast<int>(width * 0.5 + 0.5) + 1;
+            if (rect_.contains(box.adjusted(-h, -h, h, h))) {
+                painter.drawArc(box, 0, lower == 0 ? 2880 : -2880);
+            } else {
+                painter.save();
+                painter.setClipRect(rect_);
+                painter.drawArc(box, 0, lower == 0 ? 2880 : -2880);
+                painter.restore();
+            }
         }
     } catch (const StraightLine<float>::Error&) {
         // No geometry: the arc is not drawn, its title still is.

@@ -46,11 +46,17 @@ void LsLine::Draw(QPainter& painter) {
     if (e.extendLeft && e.x0 != e.x1) from = Extend(left.x(), left.y(), slope, rect_.left());
     const std::int32_t width = shape_->penWidth;
     const int h = static_cast<int>(width * 0.5 + 0.5);
-    painter.save();
+    // Clipped to its box grown by half the pen, within the area; a line whose box lies in the
+    // area needs no clip to look the same.
     const QRect box = QRect(from, to).normalized().adjusted(-h, -h, h, h);
-    painter.setClipRect(box.intersected(rect_));
-    painter.drawLine(from, to);
-    painter.restore();
+    if (rect_.contains(box)) {
+        painter.drawLine(from, to);
+    } else {
+        painter.save();
+        painter.setClipRect(box.intersected(rect_));
+        painter.drawLine(from, to);
+        painter.restore();
+    }
     switch (static_cast<std::int32_t>(shape_->titlePosition)) {
         case 1: DrawTitle(painter, to.x(), to.y()); break;
         case 2: DrawTitle(painter, from.x(), from.y()); break;

@@ -26,12 +26,19 @@ void LsVLine::Draw(QPainter& painter) {
     if (x < e.GetLeft() || x > e.GetRight() + 1) return;
     const std::int32_t width = shape_->penWidth;
     const int h = static_cast<int>(width * 0.5 + 0.5);
-    painter.save();
-    // The clip's width is x + h, as the horizontal line's height is y + h.
-    painter.setClipRect(QRect(QPoint(x - h, e.GetTop()), QPoint(2 * x - 1, e.GetBottom() - 1)));
-    // The line ends at bottom - top of the engine's rectangle, not at its bottom.
-    painter.drawLine(x, e.GetTop(), x, e.GetBottom() - e.GetTop());
-    painter.restore();
+    // The clip's width is x + h, as the horizontal line's height is y + h; the line ends at
+    // bottom - top of the engine's rectangle, not at its bottom. Inside the clip it is drawn
+    // without setting it.
+    const QRect clip(QPoint(x - h, e.GetTop()), QPoint(2 * x - 1, e.GetBottom() - 1));
+    const QLine line(x, e.GetTop(), x, e.GetBottom() - e.GetTop());
+    if (clip.contains(QRect(line.p1(), line.p2()).normalized().adjusted(-h, -h, h, h))) {
+        painter.drawLine(line);
+    } else {
+        painter.save();
+        painter.setClipRect(clip);
+        painter.drawLine(line);
+        painter.restore();
+    }
     switch (static_cast<std::int32_t>(shape_->titlePosition)) {
         case 3: DrawTitle(painter, x, rect_.top()); break;
         case 4: DrawTitle(painter, x, rect_.bottom()); break;

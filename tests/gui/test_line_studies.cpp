@@ -197,6 +197,12 @@ TEST_F(LineStudies, PlacedPointByPointWithTheRubberBand) {
     EXPECT_TRUE(study->PtInCP(p1 + QPoint(2, -2), index));
     EXPECT_EQ(index, 1);
     EXPECT_FALSE(study->PtInCP(p1 + QPoint(3, 0), index));
+    // 5025 finds the window by the study's handle.
+    EXPECT_TRUE(widget->HoldsObject(study->GetHandle()));
+    gx::CRITICAL_POINT extremes;
+    study->GetCriticalPoints(&extremes);
+    EXPECT_EQ(extremes.minIndex, 10);
+    EXPECT_FLOAT_EQ(extremes.maxValue, study->GetInPoints()[1].value);
     // Only one study is made per tool choice.
     Click(At(40, 1.0f));
     EXPECT_EQ(Line().GetLineStudies().size(), 1u);
@@ -280,6 +286,24 @@ TEST_F(LineStudies, DraggedWholeOrByOnePointAndNeverLeftOfCandleZero) {
     EXPECT_EQ(study->GetInPoints()[1].index, 20);
     EXPECT_NEAR(study->GetInPoints()[1].value, Engine().UnTranslateY(At(20, 1.02f).y()), 1e-5);
     (void)placed;
+}
+
+TEST_F(LineStudies, ChannelMarkersOfPointsOneAndThreeSitMidwayOnTheirLines) {
+    const QPoint p0 = At(10, 1.004f), p1 = At(14, 1.0f), p2 = At(30, 1.012f), p3 = At(20, 1.016f);
+    const boost::shared_ptr<LineStudy> channel = Place("Chanel", {p0, p1, p2, p3});
+    ASSERT_TRUE(channel);
+    ASSERT_EQ(channel->GetState(), LineStudy::StateCreated);
+    const int x = (p0.x() + p2.x()) / 2;
+    const float width = channel->GetInPoints()[3].value - channel->GetInPoints()[0].value;
+    const int top = (Engine().TranslateY(channel->GetInPoints()[0].value) + Engine().TranslateY(channel->GetInPoints()[2].value)) / 2;
+    const int bottom = (Engine().TranslateY(channel->GetInPoints()[0].value + width) +
+                        Engine().TranslateY(channel->GetInPoints()[2].value + width)) / 2;
+    int index = -1;
+    EXPECT_TRUE(channel->PtInCP(QPoint(x, top), index));
+    EXPECT_EQ(index, 1);
+    EXPECT_TRUE(channel->PtInCP(QPoint(x, bottom), index));
+    EXPECT_EQ(index, 3);
+    EXPECT_FALSE(channel->PtInCP(p1, index) && index == 1);  // not at its own place
 }
 
 TEST_F(LineStudies, PitchforkCountChangeLeavesTheLastHandleToTheHost) {

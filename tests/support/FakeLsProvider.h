@@ -1,7 +1,8 @@
 // A line-study provider for tests: creates studies (4500), reports shape sizes (4505) and
 // computes simple shapes from the control points (4510): "HLine", "VLine", "Line", "Text",
-// "Arc" (three arcs), "PolyLine" (ten points, nine segments), "Andrews Pitchfork" (three
-// points, one line). It also plays the main GUI's drawing mode (3500) for a chosen tool.
+// "Arc" (three arcs), "PolyLine" (ten points, nine segments), "Chanel" (four points: the ends
+// of its first line and the width; three lines), "Andrews Pitchfork" (three points; the median
+// and two prongs). It also plays the main GUI's drawing mode (3500) for a chosen tool.
 // Switches make it hostile: no id, an error flag, counts, sizes and shape types of its choice.
 #pragma once
 
@@ -112,7 +113,8 @@ public:
         if (name == "Line") points = 2;
         else if (name == "Arc") points = 2, shapes = 3;
         else if (name == "PolyLine") points = 10, shapes = 9;
-        else if (name == "Andrews Pitchfork") points = 3;
+        else if (name == "Andrews Pitchfork") points = 3, shapes = 3;
+        else if (name == "Chanel") points = 4, shapes = 3;
     }
     static int Type(const std::string& name) {
         if (name == "HLine") return LS_SHAPE_HLINE;
@@ -175,6 +177,29 @@ private:
                     lsShapeLine* line = reinterpret_cast<lsShapeLine*>(data);
                     line->points[0] = cps.in[std::min(s, n - 1)];
                     line->points[1] = cps.in[std::min(s + 1, n - 1)];
+                    if (study.name == "Chanel" && n >= 4) {
+                        // Lines 0 and 2 run from point 0 to point 2, the second moved by the
+                        // width (point 3's price over point 0's); line 1 is their middle.
+                        const float width = cps.in[3].value - cps.in[0].value;
+                        const float shift = s == 0 ? 0.0f : s == 1 ? width / 2 : width;
+                        line->points[0] = cps.in[0];
+                        line->points[1] = cps.in[2];
+                        line->points[0].value += shift;
+                        line->points[1].value += shift;
+                    } else if (study.name == "Andrews Pitchfork" && n >= 3) {
+                        // The median from point 0 through the middle of points 1 and 2, and the
+                        // prongs through 1 and 2 parallel to it.
+                        lsPointShape mid = cps.in[1];
+                        mid.index = (cps.in[1].index + cps.in[2].index) / 2;
+                        mid.value = (cps.in[1].value + cps.in[2].value) / 2;
+                        const lsPointShape from = s == 0 ? cps.in[0] : cps.in[s];
+                        lsPointShape to = from;
+                        to.index = from.index + (mid.index - cps.in[0].index);
+                        to.value = from.value + (mid.value - cps.in[0].value);
+                        line->points[0] = from;
+                        line->points[1] = to;
+                        line->extendRight = 1;
+                    }
                     break;
                 }
             }

@@ -146,6 +146,8 @@ TEST_F(LineStudyLayout, EveryStudySavedAndRestoredInAFreshWindowWithTheSamePictu
     ASSERT_TRUE(Make(*first, "Text", {{60, price(0.9f)}}));
     ASSERT_TRUE(Make(*first, "Arc", {{70, price(0.3f)}, {50, price(0.5f)}}));
     ASSERT_TRUE(Make(*first, "PolyLine", {{90, price(0.1f)}, {85, price(0.4f)}, {75, price(0.2f)}, {65, price(0.6f)}}));
+    ASSERT_TRUE(Make(*first, "Chanel", {{140, price(0.75f)}, {130, price(0.7f)}, {100, price(0.9f)}, {120, price(0.6f)}}));
+    ASSERT_TRUE(Make(*first, "Andrews Pitchfork", {{200, price(0.2f)}, {170, price(0.45f)}, {160, price(0.25f)}}));
     EXPECT_EQ(line.GetLineStudies()[2]->GetInPoints()[1].indexType, 1);
     EXPECT_EQ(line.GetLineStudies()[2]->GetInPoints()[1].index, 3);
     const QImage before = Picture(*first);

@@ -44,12 +44,14 @@ enum PFHostMessage : unsigned int {
     MSG_WD_PARAM_COUNT = 3170,       // number of entries of a node
     MSG_LOG_BIND = 3205,             // p1 coreLogSink* slot
     MSG_DATE_FUNCTIONS = 3207,       // p1 coreDateTimeFunctions
+    MSG_PROPERTY_REFRESH = 10053,    // p1 PROPERTY_PAGE*, p2 result; an open dialog shows it again
 
     // module -> main window interface
     MSG_MAIN_WINDOW_ID = 3502,       // p1 int32_t* window id (initialised to -1)
     MSG_MAIN_WORK_FOLDER = 3503,     // p1 12288-byte buffer, wide string
     MSG_MAIN_CHANGED = 5008,         // p1 coreMainChangeNotice
     MSG_SHOW_PROPERTIES = 3092,      // p1 chart widget, p2 data object handle of the indicator
+    MSG_SHOW_PROPERTY_PAGE = 10052,  // p1 PROPERTY_PAGE*, p2 the chart widget it belongs to
 
     // module -> host core: the status-bar panes (coreStatusBarPanes)
     MSG_STATUS_PANE_ID = 7000,       // p1 coreStatusBarPanes*, p2 pane index
@@ -107,7 +109,7 @@ enum PFHostMessage : unsigned int {
     MSG_WC_UNICODE_NAME = 5022,
     MSG_WC_OWNER_FOR_OBJECT = 5025,
     MSG_WC_CAPTION = 5034,
-    MSG_APPLY_PROPERTY = 10054,
+    MSG_APPLY_PROPERTY = 10054,      // p1 PROPERTY_CHANGE
 };
 
 // Event codes carried in FXEvent::code.

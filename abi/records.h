@@ -10,4 +10,5 @@
 #include "abi/records/dealing_records.h"
 #include "abi/records/undo_records.h"
 #include "abi/records/linestudy_records.h"
+#include "abi/records/property_records.h"
 #include "abi/messages.h"

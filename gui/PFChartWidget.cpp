@@ -32,6 +32,8 @@
 #include "gx/Walkers.h"
 #include "module/ChartInterface.h"
 #include "module/PFChartModule.h"
+#include "property/CListOnePropery.h"
+#include "property/CPropertyWork.h"
 
 namespace {
 
@@ -514,10 +516,6 @@ void PFChartWidget::SendMainChange(const QString& text) {
 
 void PFChartWidget::ShowIndicatorProp(const boost::shared_ptr<gx::Line>& line) {
     if (line && line->GetIndicator()) line->GetIndicator()->OnShowPropIndicator();
-}
-
-void PFChartWidget::ShowProperties() {
-    // The chart window's own property page is shown by the host's property dialog.
 }
 
 // ---- painting ----

@@ -29,6 +29,8 @@ class CXMLWorkData;
 class PFChartModule;
 class ChartInterface;
 class CTimeScrollBar;
+class CPropertyWork;
+class CListOnePropery;
 class CSkin;
 
 namespace pf {
@@ -101,7 +103,7 @@ public:
     void ToXML(const boost::shared_ptr<CXMLWorkData>& tree);
     void FromXML(const boost::shared_ptr<CXMLWorkData>& tree);
     void getStartParam();
-    void setStartParam();
+    void setStartParam() override;
     // The node of the chart type in the default-parameters file ("PointFigure", "Renko",
     // "Kagi"); null for another chart type value.
     const char* StartParamNodeName() const;
@@ -113,8 +115,14 @@ public:
     void PanelChangeStatus(int status, int value);
     // Prints the window (5012); refused while busy.
     void Print();
-    // Applies a property page of the host's dialog (10054).
+    // Applies a property page of the host's dialog (10054): the page's values (taken from
+    // `page` when the dialog sent a copy of the window's own) become the window's settings.
     void ApplyProperty(void* page, int value);
+    // The window's property page as last built for the dialog; null before the first
+    // ShowProperties.
+    CPropertyWork* GetPropertyPage() const { return propertyPage_.get(); }
+    // Puts the current settings into the property page and tells an open dialog (10053).
+    void RefreshProperties();
     // Whether the tree holds an object of this handle: the widget itself, an area, a layer,
     // a line or a line study.
     bool HoldsObject(const void* handle) const;
@@ -196,7 +204,8 @@ public:
     QColor GetAreasColor() const;
     // Opens the host's properties dialog for the indicator of `line` (3092).
     void ShowIndicatorProp(const boost::shared_ptr<gx::Line>& line);
-    // The widget's own properties (a double click on empty chart space).
+    // The widget's own properties (a double click on empty chart space): the page is filled
+    // with the current settings and shown in the host's dialog (10052 to the main window).
     void ShowProperties();
 
     // After a deletion in the tree: unsubscribes the data sources no indicator uses any more,
@@ -296,6 +305,26 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    // The settings as the property page's bindings hold them while the dialog is open.
+    struct PropertyValues {
+        int gridShow = 1;
+        long gridColor = 0;
+        long areaColor = 0;
+        int leftScale = 1;
+        int rightScale = 1;
+        int freeStep = 0;
+        int autoScroll = 0;
+        QFont areasFont;
+        long areasFontColor = 0;
+        long tsBackgroundColor = 0;
+        long tsGridColor = 0;
+    };
+    // Makes the page and its bindings on first use.
+    void BuildPropertyPage();
+    // Settings -> bindings' variables, and back.
+    void LoadPropertyValues();
+    void StorePropertyValues();
+
     // The skin's background picture over an area's data part, under the figures, placed as
     // the skin's background position says.
     void DrawBackImage(QPainter& painter, const QRect& data) const;
@@ -350,4 +379,8 @@ private:
     QString titleSent_;
     QString priceType_;
     int scaleWidth_;
+    boost::scoped_ptr<CPropertyWork> propertyPage_;
+    boost::scoped_ptr<CListOnePropery> propertyList_;
+    PropertyValues propertyValues_;
+    bool applyingProperties_ = false;  // while ApplyProperty takes a page
 };

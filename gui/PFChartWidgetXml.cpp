@@ -69,6 +69,7 @@ void PFChartWidget::ReadWidgetData(CXMLWorkData* tree) {
     tsBackgroundColor_ = Opaque(tree->readColor("TSBackgroundColor", tsBackgroundColor_));
     tsGridColor_ = Opaque(tree->readColor("TSGridColor", tsGridColor_));
     UpdateScalesProperties();
+    RefreshProperties();
 }
 
 void PFChartWidget::UpdateScalesProperties() {
@@ -130,6 +131,8 @@ void PFChartWidget::getStartParam() {
 }
 
 void PFChartWidget::setStartParam() {
+    // "Save as default" applied with other changes of the same page stores the new settings.
+    if (applyingProperties_) StorePropertyValues();
     if (!module_ || !StartParamNodeName()) return;
     std::unique_ptr<CXMLWorkData> tree(module_->getDefaultXml());
     if (!tree || !tree->isValid()) return;
@@ -149,10 +152,6 @@ void PFChartWidget::PanelChangeStatus(int, int) {
     UpdateTitle();
     update();
     SendMainChange(QStringLiteral("TimeFrame Changed"));
-}
-
-void PFChartWidget::ApplyProperty(void*, int) {
-    // The chart window's property page is not offered to the host yet; nothing to apply.
 }
 
 namespace {

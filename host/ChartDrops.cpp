@@ -7,6 +7,7 @@
 #include "host/ChartWindows.h"
 #include "host/DataCore.h"
 #include "host/DragData.h"
+#include "host/ls/StudyGeometry.h"
 
 namespace host {
 
@@ -23,6 +24,30 @@ std::intptr_t P(const void* p) { return reinterpret_cast<std::intptr_t>(p); }
 void copyText(char* field, std::size_t size, const std::string& text) {
     std::strncpy(field, text.c_str(), size - 1);
     field[size - 1] = 0;
+}
+
+// The colour of a study dropped from the terminal's tool palette (0x00RRGGBB).
+const std::uint32_t kDroppedStudyColour = 0x0000C0;
+
+// 3048 for a line study tool: instrumentType "LineStudy", the provider in baseHandle, the
+// study's type name as the symbol and its colour as the style.
+int describeStudy(Host& host, const std::string& study, fxwcDropInstrument* record, std::string& detail) {
+    detail = "study \"" + study + "\"";
+    const std::vector<Host::Interface> providers = host.findInterfaces("LINESTUDY", "TELVIX", "");
+    if (!ls::kindFromName(study, nullptr) || providers.empty()) {
+        detail += providers.empty() ? ": no line-study provider" : ": no such study";
+        return 1;
+    }
+    fxwcDropInstrument filled;
+    std::memset(&filled, 0, sizeof filled);
+    filled.baseHandle = providers.front().handle;
+    copyText(filled.symbol, sizeof filled.symbol, study);
+    copyText(filled.instrumentType, sizeof filled.instrumentType, "LineStudy");
+    copyText(filled.providerName, sizeof filled.providerName, "TELVIX");
+    filled.style = std::int32_t(kDroppedStudyColour);
+    std::memcpy(record, &filled, sizeof filled);
+    detail += " -> provider " + hex(filled.baseHandle);
+    return 0;
 }
 
 }  // namespace
@@ -76,6 +101,8 @@ int ChartWindows::describeDrag(void* target, bool primitive, const coreDragData*
     const bool readable = primitive ? drag::readPrimitive(bytes, &name, &type) : drag::readInstrument(bytes, &name);
     detail = std::string(primitive ? "primitive " : "instrument ") + "\"" +
              QString::fromUtf8(bytes).toStdString() + "\"";
+    std::string study;
+    if (primitive && !readable && drag::readStudy(bytes, &study)) return describeStudy(host_, study, record, detail);
     fxwcDropInstrument filled;
     if (!readable || !dropRecord(name, std::nullopt, &filled)) {
         detail += readable ? ": no such instrument" : ": unreadable";

@@ -39,18 +39,24 @@ bool ChartLayouts::save(void* widget, const QString& path, QString* error) {
         root = store_.createChild(document, QString::fromLatin1(rootName()));
     }
     void* node = store_.createChild(root, QString::fromLatin1(windowName()));
-    coreSzNode record;
-    if (!node || !store_.describe(node, &record) ||
-        !store_.setAttribute(root, QStringLiteral("Type"), QString::fromLatin1(kTypeWords[int(type)])))
+    if (!node || !store_.setAttribute(root, QStringLiteral("Type"), QString::fromLatin1(kTypeWords[int(type)])))
         return fail(error, QStringLiteral("%1: the layout could not be made").arg(path));
+    if (!saveInto(widget, node, error)) return false;
+    return store_.save(node, error);
+}
 
+bool ChartLayouts::saveInto(void* widget, void* node, QString* error) {
+    coreSzNode record;
+    if (!charts_.typeOf(widget, nullptr)) return fail(error, QStringLiteral("not a chart window"));
+    if (!store_.clear(node) || !store_.describe(node, &record))
+        return fail(error, QStringLiteral("no node for the layout"));
     const int answer = host_.send(charts_.interfaceOf(widget), MSG_SAVE_CHART, P(widget), P(&record),
-                                  "save layout into " + path.toStdString());
+                                  "save layout into " + store_.path(node).toStdString());
     if (answer != 0) return fail(error, QStringLiteral("the module answered 3021 with %1").arg(answer));
     const workdata::Node* written = store_.node(node);
     if (!written || (written->children.empty() && written->attributes.empty()))
         return fail(error, QStringLiteral("the module wrote nothing into the layout"));
-    return store_.save(node, error);
+    return true;
 }
 
 void* ChartLayouts::windowNode(const QString& path, QString* error) {
@@ -79,15 +85,22 @@ bool ChartLayouts::typeOf(const QString& path, data::ChartType* type, QString* e
 
 void* ChartLayouts::load(data::ChartType type, const QString& path, QString* error) {
     void* node = windowNode(path, error);
+    return node ? loadFrom(type, node, error) : nullptr;
+}
+
+void* ChartLayouts::loadFrom(data::ChartType type, void* node, QString* error) {
     coreSzNode record;
-    if (!node || !store_.describe(node, &record)) return nullptr;
+    if (!store_.describe(node, &record)) {
+        fail(error, QStringLiteral("no node for the layout"));
+        return nullptr;
+    }
     void* widget = charts_.create(type);
     if (!widget) {
         fail(error, QStringLiteral("the module made no %1 chart window").arg(QString::fromLatin1(data::chartTypeName(type))));
         return nullptr;
     }
     const int answer = host_.send(charts_.interfaceOf(widget), MSG_LOAD_CHART, P(widget), P(&record),
-                                  "load layout from " + path.toStdString());
+                                  "load layout from " + store_.path(node).toStdString());
     if (answer != 0) {
         fail(error, QStringLiteral("the module answered 3020 with %1").arg(answer));
         charts_.destroy(widget);

@@ -39,6 +39,11 @@ public:
     // holds no layout, the module makes no window or answers 3020 with other than 0 (the
     // window is destroyed again then).
     void* load(data::ChartType type, const QString& path, QString* error = nullptr);
+    // The same into and from a node of any work-data document the host holds (a
+    // workspace keeps one per window): `node` is cleared and handed to 3021, or handed to
+    // 3020 for a new window of `type`.
+    bool saveInto(void* widget, void* node, QString* error = nullptr);
+    void* loadFrom(data::ChartType type, void* node, QString* error = nullptr);
     // The chart type a layout document was saved from.
     bool typeOf(const QString& path, data::ChartType* type, QString* error = nullptr);
 

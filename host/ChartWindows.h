@@ -19,7 +19,9 @@
 //   3119  instrument drag data: the instrument's record; 1 for unreadable data or an
 //         instrument the data core does not have
 //   3048  primitive drag data: the same, with the record's style set to the chart type
-//         value (0 Point and Figure, 1 Renko, 2 Kagi)
+//         value (0 Point and Figure, 1 Renko, 2 Kagi); for a line study tool
+//         ("NAME;study") instrumentType "LineStudy", baseHandle the line-study provider,
+//         symbol the study's type name and style its colour
 // Either answers 1 and writes nothing for a null record or bytes, a length outside 1 to
 // drag::kMaxBytes, or a target other than the core. Drags themselves are played with
 // dragDrop, context menus with chooseFromContextMenu (ChartGestures.cpp).

@@ -102,6 +102,16 @@ data::Instrument* DataCore::loadInstrument(const std::string& path, const LoadOp
     }
     std::unique_ptr<data::Instrument> instrument = data::CsvPriceReader::readFile(path, name, error);
     if (!instrument) return nullptr;
+    return addInstrument(std::move(instrument), options, error);
+}
+
+data::Instrument* DataCore::addInstrument(std::unique_ptr<data::Instrument> instrument, const LoadOptions& options,
+                                          std::string* error) {
+    if (!instrument) return nullptr;
+    if (instruments_.count(instrument->name())) {
+        if (error) *error = "an instrument named " + instrument->name() + " is already loaded";
+        return nullptr;
+    }
     if (options.live >= 0) instrument->holdBackAfter(std::size_t(options.live));
     const std::size_t live = instrument->quotes().size();
     if (options.holdBack > 0) instrument->holdBackAfter(live - std::min(live, options.holdBack));
@@ -113,6 +123,11 @@ data::Instrument* DataCore::instrument(const std::string& name) {
     if (it != instruments_.end()) return it->second.get();
     const std::string path = builtInPath(name);
     return path.empty() ? nullptr : loadInstrument(path, LoadOptions{name, -1, 0});
+}
+
+data::Instrument* DataCore::loaded(const std::string& name) const {
+    auto it = instruments_.find(name);
+    return it != instruments_.end() ? it->second.get() : nullptr;
 }
 
 std::vector<std::string> DataCore::instrumentNames() const {
@@ -238,9 +253,15 @@ void DataCore::distribute(data::Instrument& instrument, const data::Quote& quote
         if (data::DataObject* o = object(reinterpret_cast<std::intptr_t>(handle))) notify(*o);
 }
 
+data::DataObject* DataCore::ownerOf(const void* array) const {
+    if (!array) return nullptr;
+    for (const auto& o : objects_)
+        if (static_cast<const void*>(o.second->array()) == array) return o.second.get();
+    return nullptr;
+}
+
 void DataCore::notify(data::DataObject& object) {
     const std::vector<data::Subscription> subscribers = object.subscriptions();
-    if (subscribers.empty()) return;
     void* provider = nullptr;
     if (data::ChartObject* c = dynamic_cast<data::ChartObject*>(&object)) {
         provider = providerInterface(c->type());
@@ -250,6 +271,7 @@ void DataCore::notify(data::DataObject& object) {
     }
     const coreNameInstrument name = object.instrument().nameRecord();
     void* const handle = object.handle();
+    const fxDataPointArray* const array = object.array();
     for (const data::Subscription& s : subscribers) {
         coreCoreUpdateDpaData record;
         std::memset(&record, 0, sizeof record);
@@ -262,6 +284,9 @@ void DataCore::notify(data::DataObject& object) {
                                       "data " + hex(handle) + " changed, subscriber " + hex(s.subscriber));
         notices_.push_back(Notice{s.first, handle, s.subscriber, record.reference, result});
     }
+    // Listeners hear after the subscribers, so that what they make the module redo sees the
+    // new data. `object` may be gone by now: only the array's address is passed on.
+    for (const ChangeListener& listener : std::vector<ChangeListener>(listeners_)) listener(array);
 }
 
 // ---- messages ----

@@ -34,6 +34,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -70,8 +71,15 @@ public:
     // Null with `error` set when the file is unusable or the name is taken.
     data::Instrument* loadInstrument(const std::string& path, const LoadOptions& options = LoadOptions(),
                                      std::string* error = nullptr);
+    // An instrument read elsewhere (a price file read in the background) joins the data
+    // core, its quotes split by `options` as loadInstrument does (the name is its own).
+    // Null with `error` set when the name is taken.
+    data::Instrument* addInstrument(std::unique_ptr<data::Instrument> instrument, const LoadOptions& options,
+                                    std::string* error = nullptr);
     // A loaded or built-in instrument; null when there is none of that name.
     data::Instrument* instrument(const std::string& name);
+    // An instrument loaded already; null otherwise (a built-in is not loaded by asking).
+    data::Instrument* loaded(const std::string& name) const;
     // Names of the loaded and built-in instruments, sorted.
     std::vector<std::string> instrumentNames() const;
     // Path of a built-in instrument's file; empty for other names.
@@ -122,6 +130,14 @@ public:
     void clearNotices() { notices_.clear(); }
     std::size_t subscriptionCount(void* handle) const;
 
+    // ---- observers ----
+    // `listener` hears of every object whose array changed (new quotes, new settings), with
+    // the array, before the object's subscribers are told.
+    using ChangeListener = std::function<void(const fxDataPointArray* array)>;
+    void addChangeListener(ChangeListener listener) { listeners_.push_back(std::move(listener)); }
+    // The object whose array is `array` (compared by address, never read); null for none.
+    data::DataObject* ownerOf(const void* array) const;
+
 private:
     data::DataObject* object(std::intptr_t handle) const;
     void addBuiltIns();
@@ -142,6 +158,7 @@ private:
     void* providers_[3];
     data::ChartSettings createSettings_[3];
     std::vector<Notice> notices_;
+    std::vector<ChangeListener> listeners_;
     std::int32_t reference_ = 0;
 };
 

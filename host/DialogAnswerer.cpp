@@ -45,6 +45,13 @@ void DialogAnswerer::setPrinting(Printing printing, const QString& file) {
     printFile_ = file;
 }
 
+void DialogAnswerer::setActive(bool active) {
+    if (active)
+        timer_.start();
+    else
+        timer_.stop();
+}
+
 bool DialogAnswerer::answerNow() {
     QWidget* w = QApplication::activeModalWidget();
     if (!w) return false;

@@ -60,6 +60,10 @@ public:
     const std::vector<Answer>& answers() const { return answers_; }
     void clearAnswers() { answers_.clear(); }
 
+    // While inactive the answerer looks at no dialog (a person at the terminal answers them).
+    void setActive(bool active);
+    bool active() const { return timer_.isActive(); }
+
     // Answers the active modal dialog now; true when there was one it answered.
     bool answerNow();
 

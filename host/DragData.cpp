@@ -13,6 +13,8 @@ namespace {
 
 // The chart type words of primitive drag data, by chart type value.
 const char* const kTypeWords[] = {"pf", "renko", "kagi"};
+// The word that ends the drag data of a line study tool.
+const char kStudyWord[] = "study";
 
 // The text of drag data: trailing NULs dropped; false when empty, too long, not UTF-8 or
 // holding a NUL inside.
@@ -32,6 +34,14 @@ QByteArray instrumentBytes(const std::string& instrument) { return QByteArray::f
 
 QByteArray primitiveBytes(const std::string& instrument, data::ChartType type) {
     return QByteArray::fromStdString(instrument) + ';' + kTypeWords[int(type)];
+}
+
+QByteArray studyBytes(const std::string& study) { return QByteArray::fromStdString(study) + ';' + kStudyWord; }
+
+std::unique_ptr<QMimeData> studyDrag(const std::string& study) {
+    std::unique_ptr<QMimeData> mime(new QMimeData);
+    mime->setData(QString::fromLatin1(kPrimitiveType), studyBytes(study));
+    return mime;
 }
 
 std::unique_ptr<QMimeData> instrumentDrag(const std::string& instrument) {
@@ -66,6 +76,15 @@ bool readPrimitive(const QByteArray& bytes, std::string* instrument, data::Chart
         return true;
     }
     return false;
+}
+
+bool readStudy(const QByteArray& bytes, std::string* study) {
+    QString text;
+    if (!readText(bytes, &text)) return false;
+    const int split = text.lastIndexOf(QLatin1Char(';'));
+    if (split < 1 || text.mid(split + 1) != QLatin1String(kStudyWord)) return false;
+    *study = text.left(split).toStdString();
+    return true;
 }
 
 }  // namespace drag

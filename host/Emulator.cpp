@@ -12,8 +12,10 @@
 #include "host/DataCore.h"
 #include "host/DealingService.h"
 #include "host/DialogAnswerer.h"
+#include "host/LineStudies.h"
 #include "host/InstallPaths.h"
 #include "host/MainWindowService.h"
+#include "host/PropertyService.h"
 #include "host/UndoStack.h"
 #include "host/WorkDataStore.h"
 
@@ -37,6 +39,8 @@ Emulator::Emulator(const EmulatorOptions& options) : options_(options), host_(ne
     layouts_.reset(new ChartLayouts(*host_, *charts_, *workData_));
     undo_.reset(new UndoStack(*host_, *workData_, *charts_));
     dialogs_.reset(new DialogAnswerer(QString::fromStdString(options_.workFolder)));
+    studies_.reset(new LineStudies(*host_, *data_, *mainWindow_));
+    properties_.reset(new PropertyService(*host_, *mainWindow_, *charts_));
     // The module's question boxes label their buttons with its own "Yes" and "No" texts.
     dialogs_->setButtonTexts([this](bool yes) {
         const QString text = moduleText(yes ? "C0078" : "C0077");
@@ -47,10 +51,14 @@ Emulator::Emulator(const EmulatorOptions& options) : options_(options), host_(ne
 Emulator::~Emulator() {
     // Chart windows are the module's widgets: they go while its code is still loaded, and
     // so does anything else it left in the main window. Then the module goes: its
-    // destructors may still talk to the services.
+    // destructors may still talk to the services. Property dialogs show the module's pages
+    // and close first.
+    properties_->closeAll();
     charts_->destroyAll();
     mainWindow_->closeWindow();
     host_->unload();
+    studies_.reset();
+    properties_.reset();
     dialogs_.reset();
     undo_.reset();
     layouts_.reset();

@@ -20,6 +20,8 @@ class ChartWindows;
 class ChartLayouts;
 class DialogAnswerer;
 class UndoStack;
+class LineStudies;
+class PropertyService;
 
 struct EmulatorOptions {
     std::string modulePath;              // default: the installed module, else the built one
@@ -50,6 +52,10 @@ public:
     // Answers the module's modal dialogs for as long as the emulator lives (no person is
     // there to do it); its policy is set by the tests and pfhost.
     DialogAnswerer& dialogs() { return *dialogs_; }
+    // The line-study provider and the drawing tool the user has chosen.
+    LineStudies& studies() { return *studies_; }
+    // The terminal's property dialogs (10052, 10053, 10054).
+    PropertyService& properties() { return *properties_; }
 
     // dlopen, GetModuleInfo and Initialize, as the terminal does.
     bool loadModule(std::string* error = nullptr);
@@ -77,6 +83,8 @@ private:
     std::unique_ptr<ChartLayouts> layouts_;
     std::unique_ptr<UndoStack> undo_;
     std::unique_ptr<DialogAnswerer> dialogs_;
+    std::unique_ptr<LineStudies> studies_;
+    std::unique_ptr<PropertyService> properties_;
     std::string tempFolder_;
     MODULE_INFO info_;
 };

@@ -1,5 +1,6 @@
 #include "host/Journal.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace host {
@@ -31,6 +32,12 @@ std::string Journal::dump() const {
         out += '\n';
     }
     return out;
+}
+
+void Journal::dropOldest(std::size_t count) {
+    count = std::min(count, entries_.size());
+    entries_.erase(entries_.begin(), entries_.begin() + std::ptrdiff_t(count));
+    dropped_ += count;
 }
 
 }  // namespace host

@@ -23,7 +23,15 @@ public:
     };
 
     void add(const Entry& entry) { entries_.push_back(entry); }
-    void clear() { entries_.clear(); }
+    void clear() {
+        dropped_ += entries_.size();
+        entries_.clear();
+    }
+    // Forgets the oldest `count` entries (all when there are fewer), so that a terminal that
+    // runs for hours keeps a bounded journal.
+    void dropOldest(std::size_t count);
+    // Entries forgotten so far: entries()[i] is the (dropped() + i)-th entry ever added.
+    std::size_t dropped() const { return dropped_; }
     const std::vector<Entry>& entries() const { return entries_; }
     Entry& at(std::size_t index) { return entries_[index]; }
 
@@ -36,6 +44,7 @@ public:
 
 private:
     std::vector<Entry> entries_;
+    std::size_t dropped_ = 0;
 };
 
 }  // namespace host

@@ -64,7 +64,7 @@ QMainWindow* MainWindowService::window() {
     if (!window_) {
         window_.reset(new QMainWindow);
         window_->setWindowTitle(QStringLiteral("pfhost main window"));
-        window_->setAttribute(Qt::WA_DontShowOnScreen);
+        window_->setAttribute(Qt::WA_DontShowOnScreen, !onScreen_);
         mdi_ = new QMdiArea;
         window_->setCentralWidget(mdi_);
         for (QLabel*& label : labels_) {
@@ -96,6 +96,15 @@ QLabel* MainWindowService::timeLabel() {
 QLabel* MainWindowService::priceLabel() {
     window();
     return labels_[CORE_STATUS_PANE_PRICE];
+}
+
+void MainWindowService::setOnScreen(bool onScreen) {
+    onScreen_ = onScreen;
+    if (!window_ || window_->testAttribute(Qt::WA_DontShowOnScreen) == !onScreen) return;
+    const bool visible = window_->isVisible();
+    window_->hide();
+    window_->setAttribute(Qt::WA_DontShowOnScreen, !onScreen);
+    if (visible) window_->show();
 }
 
 void MainWindowService::closeWindow() {

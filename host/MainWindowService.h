@@ -38,6 +38,10 @@ public:
 
     // The main window whose id 3502 answers; created on first use.
     QMainWindow* window();
+    // Whether the window goes on the screen (the desktop terminal) or stays off it (false,
+    // the default: tests and pictures). Takes effect at once on a window already made.
+    void setOnScreen(bool onScreen);
+    bool onScreen() const { return onScreen_; }
     QMdiArea* mdiArea();
     // The status bar's two panes: time (pane 0) and price (pane 1) under the mouse.
     QLabel* timeLabel();
@@ -77,6 +81,7 @@ private:
     void* handle_;
     void* transport_;
     std::unique_ptr<QMainWindow> window_;
+    bool onScreen_ = false;
     QMdiArea* mdi_ = nullptr;
     QLabel* labels_[2] = {nullptr, nullptr};
     std::vector<Notice> notices_;

@@ -7,6 +7,8 @@
 
 #include "host/ChartWindows.h"
 #include "host/Emulator.h"
+#include "host/PropertyDialog.h"
+#include "host/PropertyService.h"
 #include "host/UndoStack.h"
 #include "host/cli/ChartPicture.h"
 
@@ -99,6 +101,25 @@ bool PlayActions(Emulator& emulator, void* widget, const std::vector<Action>& ac
         *error = std::string(names[actions[i].kind]) + " (action " + std::to_string(i + 1) + "): " + *error;
         return false;
     }
+    return true;
+}
+
+bool SetProperties(Emulator& emulator, void* widget, const ChartPicture& picture, std::string* error) {
+    // The window takes its size first, so that empty chart space is where the picture has it.
+    emulator.charts().grab(widget, picture.size);
+    PropertyService& service = emulator.properties();
+    PropertyDialog* dialog = service.open(widget, error);
+    if (!dialog) {
+        *error = "--property: " + *error;
+        return false;
+    }
+    for (const auto& p : picture.properties) {
+        if (service.setAndApply(dialog, p.first, p.second, error)) continue;
+        *error = "--property \"" + (p.first + QLatin1Char('=') + p.second).toStdString() + "\": " + *error;
+        dialog->close();
+        return false;
+    }
+    dialog->close();
     return true;
 }
 

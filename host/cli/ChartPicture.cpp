@@ -11,6 +11,7 @@
 #include "host/DataCore.h"
 #include "host/DealingService.h"
 #include "host/DialogAnswerer.h"
+#include "host/StudyGestures.h"
 #include "host/Emulator.h"
 #include "host/cli/Commands.h"
 #include "host/data/ChartObject.h"
@@ -123,6 +124,19 @@ bool drawWindow(Emulator& emulator, ChartPicture& picture, std::string* error) {
         charts.destroy(widget);
         return false;
     }
+    for (const ChartPicture::Study& study : picture.studies) {
+        std::vector<StudyPoint> points;
+        for (const auto& p : study.points) points.push_back(StudyPoint{p.first, p.second});
+        if (!PlaceStudy(emulator, widget, study.name, points, nullptr, error)) {
+            *error = "--study " + study.name + ": " + *error;
+            charts.destroy(widget);
+            return false;
+        }
+    }
+    if (!picture.properties.empty() && !SetProperties(emulator, widget, picture, error)) {
+        charts.destroy(widget);
+        return false;
+    }
 
     picture.image = charts.grab(widget, picture.size);
     picture.title = charts.title(widget);
@@ -154,6 +168,8 @@ QString ChartPicture::Describe() const {
     if (!printFile.isEmpty()) text += QStringLiteral("; printed to %1").arg(printFile);
     if (!trades.empty()) text += QStringLiteral("; %1 trades placed").arg(trades.size());
     if (!actions.empty()) text += QStringLiteral("; %1 actions played").arg(actions.size());
+    if (!studies.empty()) text += QStringLiteral("; %1 line studies placed").arg(studies.size());
+    if (!properties.empty()) text += QStringLiteral("; %1 properties applied").arg(properties.size());
     return text;
 }
 
@@ -239,6 +255,24 @@ bool parseExtras(const QStringList& args, ChartPicture& picture) {
         picture.tradeAt = QPoint(m.captured(1).toInt(), m.captured(2).toInt());
     }
     if (!ParseActions(args, &picture.actions)) return false;
+    for (const QString& text : options(args, "--study")) {
+        ChartPicture::Study study;
+        std::vector<StudyPoint> points;
+        std::vector<StudyPoint> clicks;
+        std::string why;
+        if (!ParseStudy(text.toStdString(), &study.name, &points)) return false;
+        if (!StudyClicks(study.name, points, &clicks, &why)) {
+            std::fprintf(stderr, "--study %s: %s\n", qPrintable(text), why.c_str());
+            return false;
+        }
+        for (const StudyPoint& p : points) study.points.push_back(std::make_pair(p.time, p.price));
+        picture.studies.push_back(study);
+    }
+    for (const QString& p : options(args, "--property")) {
+        const int eq = p.indexOf(QLatin1Char('='));
+        if (eq < 1) return false;
+        picture.properties.emplace_back(p.left(eq), p.mid(eq + 1));
+    }
     const QString answer = option(args, "--answer", "no");
     return answer == QLatin1String("yes") || answer == QLatin1String("no");
 }
@@ -246,7 +280,7 @@ bool parseExtras(const QStringList& args, ChartPicture& picture) {
 const char* const kExtraOptions[] = {"--replay", "--load-layout", "--save-layout", "--print",       "--accounts",
                                      "--trade",  "--at",          "--answer",      "--blotter",     "--zoom",
                                      "--scroll", "--close-area",  "--delete-line", "--undo",        "--undo-list",
-                                     "--skin"};
+                                     "--study", "--property", "--skin"};
 
 }  // namespace
 

@@ -12,7 +12,9 @@
 #include <QSize>
 #include <QString>
 #include <QStringList>
+#include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/data/ChartType.h"
@@ -48,6 +50,17 @@ struct ChartPicture {
         int value;                          // Scroll: the position; CloseArea, DeleteLine: the area
     };
     std::vector<Action> actions;
+    // Line studies placed with the mouse on the first area after the actions (so that
+    // --scroll can bring their times into view) (--study NAME:TIME,PRICE[:TIME,PRICE...]).
+    struct Study {
+        std::string name;
+        std::vector<std::pair<std::int32_t, double> > points;  // UNIX time, price
+    };
+    std::vector<Study> studies;
+    // Entries of the window's property page set after the actions, in order: the page is
+    // opened in the terminal's property dialog (a double click on empty chart space), each
+    // entry shown as the first text gets the second and is applied (10054).
+    std::vector<std::pair<QString, QString> > properties;
 
     // What was drawn.
     QImage image;
@@ -73,6 +86,10 @@ bool ParseActions(const QStringList& args, std::vector<ChartPicture::Action>* ac
 // Plays `actions` on the window in order; false with `error` set at the first that fails.
 bool PlayActions(Emulator& emulator, void* widget, const std::vector<ChartPicture::Action>& actions,
                  std::string* error);
+// Opens the window's property page in the emulator's property dialog and sets and applies
+// `picture.properties` in order; false with `error` set at the first that fails. The dialog
+// is closed afterwards.
+bool SetProperties(Emulator& emulator, void* widget, const ChartPicture& picture, std::string* error);
 // The titles on the emulator's undo stack, one a line, the next to be undone first.
 std::string DescribeUndoStack(Emulator& emulator);
 

@@ -91,19 +91,22 @@ namePeriod CsvPriceReader::periodFromSpacing(std::int64_t seconds) {
 }
 
 std::unique_ptr<Instrument> CsvPriceReader::readFile(const std::string& path, const std::string& name,
-                                                     std::string* error) {
+                                                     std::string* error, const Progress& progress) {
     std::ifstream in(path);
     if (!in) {
         if (error) *error = "cannot open " + path;
         return nullptr;
     }
-    std::unique_ptr<Instrument> instrument = read(in, name.empty() ? nameFromPath(path) : name, error);
+    std::unique_ptr<Instrument> instrument = read(in, name.empty() ? nameFromPath(path) : name, error, progress);
     if (!instrument && error) *error = path + ": " + *error;
     if (instrument) instrument->setSource(path);
     return instrument;
 }
 
-std::unique_ptr<Instrument> CsvPriceReader::read(std::istream& in, const std::string& name, std::string* error) {
+std::unique_ptr<Instrument> CsvPriceReader::read(std::istream& in, const std::string& name, std::string* error,
+                                                 const Progress& progress) {
+    // Lines between two progress reports.
+    const int kProgressLines = 16384;
     std::string line;
     if (!std::getline(in, line)) return fail(error, "empty file");
     int index[kColumns];
@@ -124,6 +127,10 @@ std::unique_ptr<Instrument> CsvPriceReader::read(std::istream& in, const std::st
     int lineNumber = 1;
     while (std::getline(in, line)) {
         ++lineNumber;
+        if (progress && lineNumber % kProgressLines == 0) {
+            const std::streamoff at = in.tellg();
+            if (!progress(at > 0 ? std::uint64_t(at) : 0)) return fail(error, "stopped");
+        }
         if (trimmed(line).empty()) continue;
         const std::vector<std::string> fields = splitFields(line);
         double values[kColumns] = {0, 0, 0, 0, 0, 0};

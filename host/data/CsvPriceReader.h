@@ -5,6 +5,8 @@
 // the most common distance between consecutive quotes.
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <istream>
 #include <memory>
 #include <string>
@@ -16,11 +18,16 @@ namespace data {
 
 class CsvPriceReader {
 public:
+    // Told now and then, while a file is read, how many bytes are behind; returning false
+    // stops the reading (the result is null, the error "stopped").
+    using Progress = std::function<bool(std::uint64_t bytesRead)>;
+
     // `name` empty: the file's base name up to its first '-' or '.', upper-cased
     // ("usdchf-30min.csv" is "USDCHF"). Null with `error` set when the file is unusable.
     static std::unique_ptr<Instrument> readFile(const std::string& path, const std::string& name,
-                                                std::string* error);
-    static std::unique_ptr<Instrument> read(std::istream& in, const std::string& name, std::string* error);
+                                                std::string* error, const Progress& progress = Progress());
+    static std::unique_ptr<Instrument> read(std::istream& in, const std::string& name, std::string* error,
+                                            const Progress& progress = Progress());
 
     // The instrument name a file gets by default.
     static std::string nameFromPath(const std::string& path);

@@ -53,6 +53,8 @@ public:
     bool hold(const Quote& quote);
     // Moves every live quote after the first `live` ones to the front of the held-back queue.
     void holdBackAfter(std::size_t live);
+    // The next held-back quote without taking it; null when none is left.
+    const Quote* nextPending() const { return nextPending_ < pending_.size() ? &pending_[nextPending_] : nullptr; }
     // Takes the next held-back quote; false when none is left.
     bool takePending(Quote* quote);
 

@@ -1,0 +1,109 @@
+// `pfhost terminal`: the emulated terminal as a desktop application around the module
+// (host/terminal/Terminal.h). With --screenshot and --quit it makes a picture of itself and
+// ends, for the README and tests.
+#include <QApplication>
+#include <QFileInfo>
+#include <QMainWindow>
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+
+#include "host/DialogAnswerer.h"
+#include "host/MainWindowService.h"
+#include "host/cli/Commands.h"
+#include "host/terminal/Terminal.h"
+#include "host/terminal/Workspace.h"
+
+namespace {
+
+const char kUsage[] =
+    "[FILES.csv...] [--workspace FILE.xml] [--screenshot FILE.png [--quit]] [--hold-back N] [--speed N] "
+    "[--size WxH] [--accounts N] [--answer yes|no] [--language NAME] [--no-examples] "
+    "[--window pf|renko|kagi:INSTRUMENT ...] [--replay N] [--journal NUMBERS]";
+
+// Options that take a value; every other word that is not an option is a price file.
+const char* const kValued[] = {"--replay", "--journal", "--window", "--workspace", "--screenshot", "--hold-back", "--speed", "--size", "--accounts",
+                               "--answer", "--language", "--module", "--work", "--log"};
+
+int fail(const QString& text) {
+    std::fprintf(stderr, "pfhost terminal: %s\n", text.toLocal8Bit().constData());
+    return 2;
+}
+
+int runTerminal(const QStringList& args) {
+    using host::cli::option;
+    host::terminal::TerminalOptions options;
+    for (int i = 0; i < args.size(); ++i) {
+        const QString& a = args.at(i);
+        if (std::find_if(std::begin(kValued), std::end(kValued), [&a](const char* v) { return a == QLatin1String(v); }) !=
+            std::end(kValued)) {
+            ++i;
+        } else if (a.startsWith(QLatin1String("--"))) {
+            if (a != QLatin1String("--quit") && a != QLatin1String("--no-examples") && a != QLatin1String("--log-stderr"))
+                return fail(QStringLiteral("unknown option %1\nusage: pfhost terminal %2").arg(a, QLatin1String(kUsage)));
+        } else {
+            options.files << a;
+        }
+    }
+    bool ok = true;
+    for (const QString& w : host::cli::options(args, "--window")) {
+        const int colon = w.indexOf(QLatin1Char(':'));
+        host::data::ChartType type;
+        if (colon < 1 || colon + 1 >= w.size() || !host::data::parseChartType(w.left(colon).toStdString(), &type))
+            return fail(QStringLiteral("--window takes TYPE:INSTRUMENT, e.g. pf:USDCHF"));
+        options.windows.push_back({type, w.mid(colon + 1)});
+    }
+    options.replay = option(args, "--replay", "0").toULong(&ok);
+    if (!ok) return fail(QStringLiteral("--replay takes a number of quotes"));
+    options.journalFilter = option(args, "--journal");
+    options.workspace = option(args, "--workspace");
+    if (!options.workspace.isEmpty()) options.workspace = QFileInfo(options.workspace).absoluteFilePath();
+    options.screenshot = option(args, "--screenshot");
+    options.quit = host::cli::hasFlag(args, "--quit");
+    options.examples = !host::cli::hasFlag(args, "--no-examples");
+    options.holdBack = option(args, "--hold-back", "2000").toULong(&ok);
+    if (!ok) return fail(QStringLiteral("--hold-back takes a number of quotes"));
+    options.replaySpeed = option(args, "--speed", "100").toInt(&ok);
+    if (!ok || options.replaySpeed < 1) return fail(QStringLiteral("--speed takes quotes per second (1 or more)"));
+    const QStringList size = option(args, "--size", "1400x900").split(QLatin1Char('x'));
+    const int w = size.value(0).toInt(), h = size.value(1).toInt();
+    if (size.size() != 2 || w < 320 || h < 240 || w > 8000 || h > 8000) return fail(QStringLiteral("--size takes WxH"));
+    options.size = QSize(w, h);
+    const int accounts = option(args, "--accounts", "2").toInt(&ok);
+    if (!ok || accounts < 0 || accounts > 99) return fail(QStringLiteral("--accounts takes 0 to 99"));
+    const QString answer = option(args, "--answer");
+    if (!answer.isEmpty() && answer != QLatin1String("yes") && answer != QLatin1String("no"))
+        return fail(QStringLiteral("--answer takes yes or no"));
+
+    // Both languages are installed; the one selected is the workspace's, unless named here.
+    host::EmulatorOptions eo = host::cli::emulatorOptions(args);
+    QString language = option(args, "--language");
+    if (language.isEmpty() && !options.workspace.isEmpty()) language = host::terminal::Workspace::languageOf(options.workspace);
+    eo.languages = {"English", "Chinese (Simplified)"};
+    eo.selectedLanguage = language == QLatin1String("Chinese (Simplified)") ? 1 : 0;
+
+    host::Emulator emulator(eo);
+    // A person answers the module's questions and print dialogs, unless --answer says how.
+    emulator.dialogs().setActive(!answer.isEmpty());
+    emulator.dialogs().setReply(answer == QLatin1String("yes") ? host::DialogAnswerer::Reply::Yes
+                                                               : host::DialogAnswerer::Reply::No);
+    emulator.mainWindow().setOnScreen(true);
+    if (!host::cli::startModule(emulator, false, accounts)) return 1;
+    int status = 0;
+    {
+        host::terminal::Terminal terminal(emulator, options);
+        terminal.window()->show();
+        terminal.start();
+        status = QApplication::exec();
+        if (!options.screenshot.isEmpty() && options.quit)
+            std::printf("pfhost terminal: screenshot in %s\n", options.screenshot.toLocal8Bit().constData());
+    }
+    return status;
+}
+
+}  // namespace
+
+PF_HOST_COMMAND("terminal", kUsage,
+                "the emulated terminal as a desktop application: chart windows, instruments, accounts, "
+                "blotter, journal, replay and a workspace saved on quit",
+                runTerminal);

@@ -1,0 +1,178 @@
+// The emulated terminal as a desktop application (`pfhost terminal`): the emulator's main
+// window, with its window area of chart windows and the status bar panes the module writes,
+// becomes a terminal a person can use. Around it:
+//   docked panels  Instruments, Accounts and day-off, Blotter, Journal;
+//   menus          File (price files, workspace, print, export), Edit (undo), Chart (new
+//                  Point and Figure / Renko / Kagi window, add instrument, properties,
+//                  close), Tools (line studies), Replay, Options (price type, language),
+//                  Window;
+//   replay         play, pause, step, speed: held-back quotes fed into the data core, so every
+//                  chart grows through 3009;
+//   workspace      every chart window with its layout and place, restored at start, saved on
+//                  quit and on request (Workspace.h).
+// Everything goes through the emulator's services and the module's messages; nothing here
+// draws a chart. Price files are read in the background (PriceFileLoader).
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QSize>
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <vector>
+
+#include "host/data/ChartType.h"
+#include "host/terminal/Workspace.h"
+
+class QAction;
+class QActionGroup;
+class QLabel;
+class QMainWindow;
+class QMdiSubWindow;
+class QMenu;
+class QProgressBar;
+class QToolBar;
+
+namespace host {
+
+class Emulator;
+
+namespace terminal {
+
+class AccountsPanel;
+class BlotterPanel;
+class InstrumentPanel;
+class JournalPanel;
+class PriceFileLoader;
+class ReplayFeed;
+
+struct TerminalOptions {
+    QStringList files;        // price files to open besides the example instruments
+    QString workspace;        // restored at start, saved on quit; empty: none until saved as
+    QString screenshot;       // once every window has painted, the main window into this PNG
+    bool quit = false;        // and then quit
+    std::size_t holdBack = 2000;  // last quotes of each price file kept for the replay
+    int replaySpeed = 100;    // quotes per second
+    QSize size{1400, 900};    // of the main window
+    bool examples = true;     // the example instruments (USD/CHF, TTRC) are opened too
+    // Chart windows opened at start with one instrument each, tiled, when the workspace
+    // brings no windows of its own.
+    std::vector<std::pair<data::ChartType, QString> > windows;
+    std::size_t replay = 0;   // quotes fed once everything is open
+    QString journalFilter;    // shown in front, filtered, when not empty
+};
+
+class Terminal : public QObject {
+    Q_OBJECT
+public:
+    // The emulator must have been started (module loaded, start-up messages sent).
+    Terminal(Emulator& emulator, const TerminalOptions& options, QObject* parent = nullptr);
+    ~Terminal() override;
+
+    // Opens the price files, then the workspace; ready() follows once all is open.
+    void start();
+    bool isReady() const { return ready_; }
+
+    QMainWindow* window() const;
+    Emulator& emulator() { return emulator_; }
+    ReplayFeed& replay() { return *replay_; }
+    InstrumentPanel* instruments() const { return instruments_; }
+    AccountsPanel* accounts() const { return accounts_; }
+    BlotterPanel* blotter() const { return blotter_; }
+    JournalPanel* journal() const { return journal_; }
+    // An action by its object name ("newPf", "undo", "play" ...); null when there is none.
+    QAction* action(const QString& name) const;
+
+    // ---- what the menus do, for the keyboard, the mouse and tests alike ----
+    // A new chart window (5003); its widget, or null.
+    void* newChart(data::ChartType type);
+    // The chart window in front; null for none.
+    void* activeChart() const;
+    // Closes the active window (5004); false when there is none.
+    bool closeActiveChart();
+    // The instrument dropped on the active chart (5007); false without one.
+    bool addToActiveChart(const QString& instrument);
+    // Opens a price file in the background; its instrument joins when read.
+    void openPriceFile(const QString& path);
+    bool loading() const;
+    // Undoes the top step of the undo stack (3140); false when it is empty or refused.
+    bool undo();
+    // The price type for every chart (3545: 0 middle, 1 bid, 2 ask), then the module's advice
+    // (3546), shown in the status bar and returned.
+    QString setPriceType(int type);
+    QString askPriceType();
+    // The line-study tool the next clicks on a chart draw with (a type name as the chart
+    // knows it, "HLine" ...); empty for the pointer. False for an unknown type.
+    bool chooseStudy(const QString& type);
+    // The active window's property page in the terminal's property dialog; false without a
+    // window or when none opened (the reason is shown).
+    bool showProperties();
+    // The language the module starts in next time.
+    void setLanguage(const QString& language);
+    // The active window printed by the module (5012); false without one.
+    bool printActive();
+    // The active window's widget rendered into a PNG or PDF file (by the file's suffix).
+    bool exportActive(const QString& path, QString* error = nullptr);
+    // The workspace into `path` (empty: the current workspace file); false with the reason
+    // shown. A successful save makes `path` the workspace file.
+    bool saveWorkspace(const QString& path = QString());
+    // Replaces the windows with those of the workspace at `path`; a file that cannot be
+    // read changes nothing.
+    bool openWorkspace(const QString& path);
+    const QString& workspacePath() const { return workspacePath_; }
+    // Saves the workspace (if there is one) and closes the main window.
+    void quit();
+
+    // Messages shown to the person, oldest first.
+    const QStringList& messages() const { return messages_; }
+    void showMessage(const QString& text, bool problem = false);
+
+signals:
+    void ready();
+    // A price file finished loading: its instrument's name, or empty with `error`.
+    void priceFileDone(const QString& path, const QString& name, const QString& error);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void buildMenus();
+    void buildPanels();
+    void buildStatusBar();
+    void refresh();  // panels, undo entry, replay state
+    void loaderDone(PriceFileLoader* loader);
+    void finishStart();
+    void takeScreenshot();
+    Workspace::Contents choices() const;
+    QString chartName(void* widget) const;
+
+    Emulator& emulator_;
+    TerminalOptions options_;
+    ReplayFeed* replay_;
+    InstrumentPanel* instruments_ = nullptr;
+    AccountsPanel* accounts_ = nullptr;
+    BlotterPanel* blotter_ = nullptr;
+    JournalPanel* journal_ = nullptr;
+    QLabel* message_ = nullptr;
+    QLabel* replayState_ = nullptr;
+    QLabel* priceAdvice_ = nullptr;
+    QProgressBar* progress_ = nullptr;
+    QActionGroup* priceTypes_ = nullptr;
+    QActionGroup* languages_ = nullptr;
+    QActionGroup* speeds_ = nullptr;
+    QActionGroup* studyTools_ = nullptr;
+    std::vector<PriceFileLoader*> loaders_;
+    std::vector<std::pair<QString, long> > liveCounts_;  // from the workspace: name, live quotes
+    Workspace::Contents startContents_;
+    bool haveStartWorkspace_ = false;
+    QString workspacePath_;
+    QString language_;
+    int priceType_ = 0;
+    bool ready_ = false;
+    bool closing_ = false;
+    QStringList messages_;
+};
+
+}  // namespace terminal
+}  // namespace host

@@ -1,0 +1,427 @@
+// What the terminal's menus do: chart windows, price files, undo, price type, language,
+// printing and export, the workspace and the start-up sequence.
+#include <QAction>
+#include <QActionGroup>
+#include <QApplication>
+#include <QDockWidget>
+#include <QFileInfo>
+#include <QImage>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPainter>
+#include <QPrinter>
+#include <QProgressBar>
+#include <QTimer>
+#include <algorithm>
+#include <cstring>
+
+#include "host/ChartWindows.h"
+#include "host/DataCore.h"
+#include "host/Emulator.h"
+#include "host/LineStudies.h"
+#include "host/MainWindowService.h"
+#include "host/PropertyService.h"
+#include "host/UndoStack.h"
+#include "host/data/Instrument.h"
+#include "host/terminal/AccountsPanel.h"
+#include "host/terminal/InstrumentPanel.h"
+#include "host/terminal/JournalPanel.h"
+#include "host/terminal/PriceFileLoader.h"
+#include "host/terminal/ReplayFeed.h"
+#include "host/terminal/Terminal.h"
+
+namespace host {
+namespace terminal {
+
+namespace {
+
+const char* const kPriceTypeNames[] = {"Middle", "Bid", "Ask"};
+// Built-in example instruments the terminal opens.
+const char* const kExamples[] = {"USDCHF", "TTRC"};
+// Time the windows get to settle before a screenshot, in milliseconds.
+const int kScreenshotDelay = 300;
+
+std::intptr_t P(const void* p) { return reinterpret_cast<std::intptr_t>(p); }
+
+}  // namespace
+
+// ---- chart windows ----
+
+void* Terminal::newChart(data::ChartType type) {
+    void* widget = emulator_.charts().create(type);
+    if (!widget) {
+        showMessage(tr("The module made no %1 chart window.").arg(QString::fromLatin1(data::chartTypeName(type))), true);
+        return nullptr;
+    }
+    if (QMdiSubWindow* sub = emulator_.charts().subWindow(widget)) {
+        emulator_.mainWindow().mdiArea()->setActiveSubWindow(sub);
+        // Room for the instrument: the module takes it by drag, by double click in the
+        // Instruments panel or by Chart > Add selected instrument.
+        sub->widget()->setFocus(Qt::OtherFocusReason);
+    }
+    refresh();
+    return widget;
+}
+
+void* Terminal::activeChart() const {
+    ChartWindows& charts = emulator_.charts();
+    QMdiSubWindow* current = emulator_.mainWindow().mdiArea()->currentSubWindow();
+    if (!current) return nullptr;
+    for (void* w : charts.widgets())
+        if (charts.subWindow(w) == current) return w;
+    return nullptr;
+}
+
+QString Terminal::chartName(void* widget) const {
+    const QString title = emulator_.charts().title(widget);
+    return title.isEmpty() ? tr("the chart window") : QStringLiteral("\"%1\"").arg(title);
+}
+
+bool Terminal::closeActiveChart() {
+    void* widget = activeChart();
+    if (!widget) return false;
+    const QString name = chartName(widget);
+    const bool closed = emulator_.charts().destroy(widget);
+    showMessage(closed ? tr("%1 closed").arg(name) : tr("The module kept %1 open.").arg(name), !closed);
+    refresh();
+    return closed;
+}
+
+bool Terminal::addToActiveChart(const QString& instrument) {
+    void* widget = activeChart();
+    if (instrument.isEmpty()) return false;
+    if (!widget) {
+        showMessage(tr("Open or pick a chart window first, then add %1 to it.").arg(instrument), true);
+        return false;
+    }
+    const int answer = emulator_.charts().drop(widget, {instrument.toStdString()});
+    if (answer != 0) showMessage(tr("The chart window did not take %1 (answer %2).").arg(instrument).arg(answer), true);
+    refresh();
+    return answer == 0;
+}
+
+bool Terminal::undo() {
+    const QStringList titles = emulator_.undo().titles();
+    if (titles.isEmpty()) return false;
+    const UndoStack::Undo u = emulator_.undo().undo();
+    const bool done = u.sent && u.answer == 0;
+    showMessage(done ? tr("Undone: %1").arg(titles.last())
+                     : tr("%1 was not undone: the window is busy (answer %2).").arg(titles.last()).arg(u.answer),
+                !done);
+    refresh();
+    return done;
+}
+
+// ---- line studies and properties ----
+
+bool Terminal::chooseStudy(const QString& type) {
+    if (type.isEmpty()) {
+        emulator_.studies().clearTool();
+    } else if (!emulator_.studies().chooseTool(type.toStdString())) {
+        showMessage(tr("No line study of type %1.").arg(type), true);
+        return false;
+    } else {
+        showMessage(tr("Click the chart to place the points of the %1.").arg(type));
+    }
+    refresh();
+    return true;
+}
+
+bool Terminal::showProperties() {
+    void* widget = activeChart();
+    if (!widget) return false;
+    std::string why;
+    if (!emulator_.properties().open(widget, &why)) {
+        showMessage(tr("The properties of %1 did not open: %2").arg(chartName(widget), QString::fromStdString(why)), true);
+        return false;
+    }
+    return true;
+}
+
+// ---- price type and language ----
+
+QString Terminal::setPriceType(int type) {
+    priceType_ = std::max(0, std::min(2, type));
+    emulator_.host().send(nullptr, MSG_CONVERT_TO_TYPE, priceType_, 0,
+                          std::string("price type ") + kPriceTypeNames[priceType_]);
+    if (priceTypes_ && priceTypes_->actions().size() == 3) priceTypes_->actions()[priceType_]->setChecked(true);
+    return askPriceType();
+}
+
+QString Terminal::askPriceType() {
+    // Room for the module's entry after those already in the list (none here).
+    struct {
+        std::int32_t count;
+        std::int32_t entries[2][2];
+    } list;
+    std::memset(&list, 0, sizeof list);
+    const int answer = emulator_.host().send(nullptr, MSG_NEED_TO_CONVERT, P(&list), 0, "which price type");
+    QString advice;
+    if (answer != 0 || list.count != 1)
+        advice = tr("no advice from the charts");
+    else if (list.entries[0][0] == 0)
+        advice = tr("keep %1").arg(QString::fromLatin1(kPriceTypeNames[priceType_]));
+    else if (list.entries[0][1] >= 0 && list.entries[0][1] <= 2)
+        advice = tr("switch to %1").arg(QString::fromLatin1(kPriceTypeNames[list.entries[0][1]]));
+    else
+        advice = tr("no change");
+    const QString text = tr("Price type %1 (charts: %2)").arg(QString::fromLatin1(kPriceTypeNames[priceType_]), advice);
+    priceAdvice_->setText(text);
+    return text;
+}
+
+void Terminal::setLanguage(const QString& language) {
+    if (language == language_) return;
+    language_ = language;
+    // The module takes its language and fonts at start-up (3004); the workspace keeps the
+    // choice for the next start.
+    showMessage(tr("%1 takes effect when the terminal starts again%2.")
+                    .arg(language, workspacePath_.isEmpty() ? tr(" with a saved workspace") : QString()));
+}
+
+// ---- printing and export ----
+
+bool Terminal::printActive() {
+    void* widget = activeChart();
+    if (!widget) return false;
+    const int answer = emulator_.charts().print(widget);
+    if (answer != 0) showMessage(tr("%1 was not printed (answer %2).").arg(chartName(widget)).arg(answer), true);
+    return answer == 0;
+}
+
+bool Terminal::exportActive(const QString& path, QString* error) {
+    void* widget = activeChart();
+    QWidget* container = widget ? emulator_.charts().container(widget) : nullptr;
+    if (!container) {
+        if (error) *error = tr("No chart window to export.");
+        return false;
+    }
+    bool ok = false;
+    if (path.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive)) {
+        QPrinter printer(QPrinter::ScreenResolution);
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(path);
+        printer.setPageOrientation(container->width() >= container->height() ? QPageLayout::Landscape
+                                                                              : QPageLayout::Portrait);
+        QPainter painter;
+        if (painter.begin(&printer)) {
+            const QRect page = printer.pageRect(QPrinter::DevicePixel).toRect();
+            const double scale = std::min(double(page.width()) / container->width(),
+                                          double(page.height()) / container->height());
+            painter.scale(scale, scale);
+            container->render(&painter);
+            ok = painter.end();
+        }
+    } else {
+        ok = container->grab().toImage().save(path, "PNG");
+    }
+    if (!ok && error) *error = tr("%1 could not be written.").arg(path);
+    if (ok) showMessage(tr("%1 exported to %2").arg(chartName(widget), path));
+    return ok;
+}
+
+// ---- price files ----
+
+bool Terminal::loading() const { return !loaders_.empty(); }
+
+void Terminal::openPriceFile(const QString& path) {
+    PriceFileLoader* loader = new PriceFileLoader(path, QString(), this);
+    loaders_.push_back(loader);
+    connect(loader, &PriceFileLoader::progress, progress_, &QProgressBar::setValue);
+    connect(loader, &QThread::finished, this, [this, loader] { loaderDone(loader); });
+    progress_->setValue(0);
+    progress_->show();
+    showMessage(tr("Reading %1...").arg(QFileInfo(path).fileName()));
+    loader->start();
+    refresh();
+}
+
+void Terminal::loaderDone(PriceFileLoader* loader) {
+    loaders_.erase(std::remove(loaders_.begin(), loaders_.end(), loader), loaders_.end());
+    std::unique_ptr<data::Instrument> instrument = loader->take();
+    const QString path = loader->path();
+    QString name, error = loader->error();
+    loader->deleteLater();
+    if (instrument) {
+        name = QString::fromStdString(instrument->name());
+        // The part of the file the charts start with; the rest waits for the replay.
+        DataCore::LoadOptions split;
+        const auto saved = std::find_if(liveCounts_.begin(), liveCounts_.end(),
+                                        [&name](const std::pair<QString, long>& l) { return l.first == name; });
+        const std::size_t quotes = instrument->quotes().size();
+        if (saved != liveCounts_.end())
+            split.live = saved->second;
+        else
+            split.holdBack = std::min(options_.holdBack, quotes / 2);
+        std::size_t repeated = 0;
+        const auto& q = instrument->quotes();
+        for (std::size_t i = 1; i < q.size(); ++i)
+            if (q[i].time == q[i - 1].time) ++repeated;
+        std::string why;
+        if (!emulator_.data().addInstrument(std::move(instrument), split, &why)) {
+            error = QString::fromStdString(why);
+            name.clear();
+        } else {
+            showMessage(repeated ? tr("%1: %2 quotes, %3 of them at the same time as the one before (kept in file order)")
+                                       .arg(name)
+                                       .arg(quotes)
+                                       .arg(repeated)
+                                 : tr("%1: %2 quotes").arg(name).arg(quotes));
+        }
+    }
+    if (!error.isEmpty()) showMessage(tr("%1 was not opened: %2").arg(QFileInfo(path).fileName(), error), true);
+    if (loaders_.empty()) progress_->hide();
+    instruments_->refresh();
+    accounts_->refresh();
+    refresh();
+    emit priceFileDone(path, name, error);
+    if (loaders_.empty() && !ready_) finishStart();
+}
+
+// ---- start-up ----
+
+void Terminal::start() {
+    QStringList problems;
+    if (!options_.workspace.isEmpty()) {
+        if (!QFileInfo::exists(options_.workspace)) {
+            workspacePath_ = options_.workspace;  // made on quit
+        } else {
+            QString error;
+            if (Workspace::read(emulator_.workData(), options_.workspace,
+                                &startContents_, &error, &problems)) {
+                haveStartWorkspace_ = true;
+                workspacePath_ = options_.workspace;
+            } else {
+                // Not saved over on quit: what is in the file stays for the person to mend.
+                showMessage(tr("The workspace could not be opened: %1. It will not be saved over; "
+                               "use File > Save workspace as.").arg(error), true);
+            }
+        }
+    }
+    for (const QString& p : problems) showMessage(tr("Workspace: left out %1").arg(p), true);
+
+    // What to read: the examples, the files named, the instruments of the workspace.
+    std::vector<std::pair<QString, QString> > files;  // name (empty: from the file), path
+    if (options_.examples)
+        for (const char* name : kExamples)
+            files.push_back({QString::fromLatin1(name), QString::fromStdString(DataCore::builtInPath(name))});
+    for (const QString& f : options_.files) files.push_back({QString(), f});
+    if (haveStartWorkspace_) {
+        for (const Workspace::Instrument& i : startContents_.instruments) {
+            if (i.live >= 0) liveCounts_.push_back({i.name, i.live});
+            const bool listed = std::any_of(files.begin(), files.end(), [&i](const std::pair<QString, QString>& f) {
+                return f.first == i.name || (f.first.isEmpty() && QFileInfo(f.second) == QFileInfo(i.source));
+            });
+            if (!listed) files.push_back({i.name, i.source});
+        }
+        if (startContents_.replaySpeed > 0) replay_->setSpeed(startContents_.replaySpeed);
+        priceType_ = startContents_.priceType;
+        if (priceTypes_) priceTypes_->actions()[priceType_]->setChecked(true);
+    }
+    for (const auto& f : files) {
+        PriceFileLoader* loader = new PriceFileLoader(f.second, f.first, this);
+        loaders_.push_back(loader);
+        connect(loader, &PriceFileLoader::progress, progress_, &QProgressBar::setValue);
+        connect(loader, &QThread::finished, this, [this, loader] { loaderDone(loader); });
+    }
+    if (loaders_.empty()) {
+        finishStart();
+        return;
+    }
+    progress_->setValue(0);
+    progress_->show();
+    const std::vector<PriceFileLoader*> all = loaders_;
+    for (PriceFileLoader* l : all) l->start();
+}
+
+void Terminal::finishStart() {
+    if (haveStartWorkspace_) {
+        QStringList problems;
+        Workspace::open(emulator_, startContents_, &problems);
+        for (const QString& p : problems) showMessage(tr("Workspace: %1").arg(p), true);
+    }
+    if (emulator_.charts().widgets().empty() && !options_.windows.empty()) {
+        for (const auto& w : options_.windows)
+            if (newChart(w.first)) addToActiveChart(w.second);
+        emulator_.mainWindow().mdiArea()->tileSubWindows();
+    }
+    if (options_.replay > 0) replay_->feed(options_.replay);
+    if (!options_.journalFilter.isEmpty()) {
+        if (!journal_->setFilter(options_.journalFilter))
+            showMessage(tr("\"%1\" is no list of message numbers.").arg(options_.journalFilter), true);
+        if (QDockWidget* d = window()->findChild<QDockWidget*>(QStringLiteral("journalDock"))) d->raise();
+    }
+    ready_ = true;
+    refresh();
+    emit ready();
+    if (!options_.screenshot.isEmpty()) QTimer::singleShot(kScreenshotDelay, this, [this] { takeScreenshot(); });
+}
+
+void Terminal::takeScreenshot() {
+    QApplication::processEvents();
+    const QImage image = window()->grab().toImage();
+    if (image.isNull() || !image.save(options_.screenshot, "PNG"))
+        showMessage(tr("The screenshot could not be written to %1.").arg(options_.screenshot), true);
+    if (options_.quit) quit();
+}
+
+// ---- workspace ----
+
+Workspace::Contents Terminal::choices() const {
+    Workspace::Contents c;
+    c.language = language_;
+    c.priceType = priceType_;
+    c.replaySpeed = replay_->speed();
+    return c;
+}
+
+bool Terminal::saveWorkspace(const QString& path) {
+    const QString target = path.isEmpty() ? workspacePath_ : path;
+    if (target.isEmpty()) return false;
+    QString error;
+    if (!Workspace::write(emulator_, target, choices(), &error)) {
+        showMessage(tr("The workspace was not saved: %1").arg(error), true);
+        return false;
+    }
+    workspacePath_ = target;
+    showMessage(tr("Workspace saved to %1").arg(target));
+    return true;
+}
+
+bool Terminal::openWorkspace(const QString& path) {
+    // The windows open now are kept in their own workspace first. (Saving into the file
+    // about to be read would replace what it holds.)
+    if (!workspacePath_.isEmpty() && QFileInfo(workspacePath_) != QFileInfo(path)) saveWorkspace();
+    Workspace::Contents contents;
+    QString error;
+    QStringList skipped;
+    if (!Workspace::read(emulator_.workData(), path, &contents, &error, &skipped)) {
+        showMessage(tr("The workspace could not be opened: %1. Nothing was changed.").arg(error), true);
+        return false;
+    }
+    // Instruments the windows need and the data core does not have yet are read now.
+    for (const Workspace::Instrument& i : contents.instruments) {
+        if (emulator_.data().loaded(i.name.toStdString())) continue;
+        DataCore::LoadOptions split;
+        split.name = i.name.toStdString();
+        split.live = i.live;
+        std::string why;
+        if (!emulator_.data().loadInstrument(i.source.toStdString(), split, &why))
+            skipped << tr("%1 (%2)").arg(i.name, QString::fromStdString(why));
+    }
+    emulator_.charts().destroyAll();
+    QStringList problems;
+    Workspace::open(emulator_, contents, &problems);
+    for (const QString& p : skipped + problems) showMessage(tr("Workspace: %1").arg(p), true);
+    workspacePath_ = path;
+    instruments_->refresh();
+    accounts_->refresh();
+    refresh();
+    showMessage(tr("Workspace %1 opened").arg(path));
+    return true;
+}
+
+}  // namespace terminal
+}  // namespace host

@@ -1,0 +1,81 @@
+// The terminal's workspace: every chart window with its layout and its place on the screen,
+// the instruments the windows show (with how far their replay has gone) and the terminal's
+// choices, in one work-data document:
+//
+//   <Workspace Version="1" Language="English" PriceType="0" ReplaySpeed="100">
+//     <Instrument Name="USDCHF" Source="" Live="60497"/>   (an example: found by name)
+//     <Instrument Name="EURUSD" Source="/data/eurusd.csv" Live="1200"/>
+//     <Window Type="pf" X="0" Y="0" Width="640" Height="420" State="normal" Active="1">
+//       <ChartWindow> … </ChartWindow>     the node of 3021 and 3020: the module's layout
+//     </Window>
+//   </Workspace>
+//
+// Windows are kept bottom first, so that opening them in order stacks them as they were.
+// State is normal, maximized or minimized. Live is the number of an instrument's quotes the
+// charts had; the rest of its file waits for the replay again. `pfhost show` prints it.
+#pragma once
+
+#include <QRect>
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+#include "host/data/ChartType.h"
+
+namespace host {
+
+class Emulator;
+class WorkDataStore;
+
+namespace terminal {
+
+class Workspace {
+public:
+    struct Instrument {
+        QString name;
+        QString source;
+        long live = -1;  // -1: not said
+    };
+    struct Window {
+        data::ChartType type = data::ChartType::PointAndFigure;
+        QRect geometry;    // of the sub-window in the window area
+        QString state;     // "normal", "maximized", "minimized"
+        bool active = false;
+        void* layout = nullptr;  // the ChartWindow node in the work-data store
+    };
+    struct Contents {
+        QString language;
+        int priceType = 0;   // 0 middle, 1 bid, 2 ask
+        int replaySpeed = 0; // quotes per second; 0: not said
+        std::vector<Instrument> instruments;
+        std::vector<Window> windows;
+    };
+
+    static const char* rootName() { return "Workspace"; }
+
+    // Reads a workspace document through the store. False, with the reason in `error`, for
+    // a file that is missing, unreadable, not XML or not a workspace; entries that make no
+    // sense (an unknown chart type, a window without a layout) are left out and named in
+    // `skipped`.
+    static bool read(WorkDataStore& store, const QString& path, Contents* contents, QString* error,
+                     QStringList* skipped = nullptr);
+    // The Language attribute of a workspace file, read without a store (before the module
+    // starts, which takes its language at start-up); empty when there is none.
+    static QString languageOf(const QString& path);
+
+    // Writes every chart window of the emulator (their layouts through 3021), the loaded
+    // instruments and the choices in `contents` (its lists are ignored) into the document at
+    // `path`, which must be new or a workspace. False with `error` set, the file unchanged.
+    static bool write(Emulator& emulator, const QString& path, const Contents& choices, QString* error);
+
+    // Opens the windows of `contents` (5003 and 3020 each), places them and makes the active
+    // one active. The new windows' widgets, in order; windows the module refused are named
+    // in `problems`.
+    static std::vector<void*> open(Emulator& emulator, const Contents& contents, QStringList* problems);
+
+    // "pf", "renko", "kagi".
+    static QString typeWord(data::ChartType type);
+};
+
+}  // namespace terminal
+}  // namespace host

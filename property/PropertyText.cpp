@@ -1,0 +1,22 @@
+#include "property/PropertyText.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace property {
+
+QString ReadUni(const coreWChar* field, int units) {
+    if (!field || units < 1) return QString();
+    int n = 0;
+    while (n < units && field[n] != 0) ++n;
+    return QString::fromUtf16(field, n);
+}
+
+void WriteUni(coreWChar* field, int units, const QString& text) {
+    if (!field || units < 1) return;
+    const int n = std::min(text.size(), units - 1);
+    std::memcpy(field, text.utf16(), sizeof(coreWChar) * static_cast<std::size_t>(n));
+    field[n] = 0;
+}
+
+}  // namespace property

@@ -1,0 +1,7 @@
+// The result of COneProperty::changeValue: whether the bound variable changed in a way the
+// binding reports.
+#pragma once
+
+struct stateChangeProperty {
+    bool changed = false;  // first byte
+};

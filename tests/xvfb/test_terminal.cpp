@@ -1,0 +1,384 @@
+// The emulated terminal as a person uses it, on a real X server (Xvfb): chart windows made
+// from the menus and the keyboard, instruments dragged from the Instruments panel, a replay
+// that grows the charts, an area closed and undone, a deal from a chart's context menu in the
+// blotter, and the workspace saved, closed and opened again with every window as it was.
+// Then what a careless person feeds it: broken price files and workspaces.
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QFile>
+#include <QLabel>
+#include <QListWidget>
+#include <QMainWindow>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMimeData>
+#include <QProgressBar>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <map>
+#include <memory>
+
+#include "host/ChartWindows.h"
+#include "host/DataCore.h"
+#include "host/DealingService.h"
+#include "host/DialogAnswerer.h"
+#include "host/Emulator.h"
+#include "host/LineStudies.h"
+#include "host/MainWindowService.h"
+#include "host/PropertyService.h"
+#include "host/UndoStack.h"
+#include "host/data/ChartObject.h"
+#include "host/terminal/AccountsPanel.h"
+#include "host/terminal/BlotterPanel.h"
+#include "host/terminal/InstrumentPanel.h"
+#include "host/terminal/JournalPanel.h"
+#include "host/terminal/ReplayFeed.h"
+#include "host/terminal/Terminal.h"
+#include "host/terminal/Workspace.h"
+
+using host::data::ChartType;
+using host::terminal::Terminal;
+
+namespace {
+
+const QString kUsdChf = QStringLiteral(PF_EXAMPLES_DIR "/usdchf-30min.csv");
+
+class TerminalSession : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(QGuiApplication::platformName(), QStringLiteral("xcb")) << "run under xvfb-run";
+        ASSERT_TRUE(dir.isValid());
+        workspace = dir.filePath(QStringLiteral("workspace.xml"));
+    }
+    void TearDown() override { Close(); }
+
+    // The terminal as `pfhost terminal` starts it, with USD/CHF from its price file (its last
+    // 1,500 quotes held back for the replay) and one trading account.
+    void Open(const QString& workspacePath, bool examples = false) {
+        host::EmulatorOptions eo;
+        eo.modulePath = PF_MODULE_PATH;
+        emulator.reset(new host::Emulator(eo));
+        std::string error;
+        ASSERT_TRUE(emulator->loadModule(&error)) << error;
+        emulator->dealing().addDemoAccounts(1);
+        emulator->mainWindow().setOnScreen(true);
+        emulator->startUp();
+        emulator->dialogs().setReply(host::DialogAnswerer::Reply::No);
+        host::terminal::TerminalOptions options;
+        options.examples = examples;
+        options.files << kUsdChf;
+        options.workspace = workspacePath;
+        options.holdBack = 1500;
+        terminal.reset(new Terminal(*emulator, options));
+        terminal->window()->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(terminal->window()));
+        terminal->window()->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(terminal->window()));
+        terminal->start();
+        ASSERT_TRUE(QTest::qWaitFor([this] { return terminal->isReady(); }, 20000));
+    }
+    void Close() {
+        terminal.reset();
+        emulator.reset();
+    }
+
+    host::ChartWindows& Charts() { return emulator->charts(); }
+    void Trigger(const char* action) {
+        QAction* a = terminal->action(QString::fromLatin1(action));
+        ASSERT_NE(a, nullptr) << action;
+        a->trigger();
+    }
+    // Columns, bricks or strokes the data core holds for each chart type's objects.
+    std::map<ChartType, int> Figures() {
+        std::map<ChartType, int> out;
+        for (host::data::ChartObject* c : emulator->data().chartObjects()) out[c->type()] += c->array()->pointCount;
+        return out;
+    }
+    // Drags the instrument's line of the Instruments panel onto the middle of the window: the
+    // drag data is what the panel's own drag carries.
+    bool DragInstrument(void* widget, const QString& name) {
+        host::terminal::InstrumentPanel* panel = terminal->instruments();
+        if (!panel->select(name)) return false;
+        std::unique_ptr<QMimeData> mime(panel->model()->mimeData(panel->selectionModel()->selectedIndexes()));
+        QWidget* chart = Charts().chartWidget(widget);
+        return mime && chart && Charts().dragDrop(widget, mime.get(), chart->rect().center());
+    }
+    // Every chart window in the order the window area stacks them, with its picture.
+    std::vector<std::pair<ChartType, QImage> > Grabs() {
+        std::vector<std::pair<ChartType, QImage> > out;
+        for (QMdiSubWindow* sub : emulator->mainWindow().mdiArea()->subWindowList(QMdiArea::StackingOrder))
+            for (void* w : Charts().widgets())
+                if (Charts().subWindow(w) == sub) {
+                    ChartType type;
+                    Charts().typeOf(w, &type);
+                    out.push_back({type, Charts().container(w)->grab().toImage()});
+                }
+        return out;
+    }
+
+    QTemporaryDir dir;
+    QString workspace;
+    std::unique_ptr<host::Emulator> emulator;
+    std::unique_ptr<Terminal> terminal;
+};
+
+TEST_F(TerminalSession, ChartsGrowUndoTradeAndComeBackFromTheWorkspace) {
+    Open(workspace);
+    ASSERT_EQ(terminal->instruments()->count(), 1);
+
+    // One window of each type: two from the Chart menu, the third with its shortcut.
+    Trigger("newPf");
+    Trigger("newRenko");
+    QWidget* focus = QApplication::focusWidget();
+    QTest::keyClick(focus ? focus : terminal->window(), Qt::Key_3, Qt::ControlModifier);
+    ASSERT_EQ(Charts().widgets().size(), 3u);
+    void* kagi = terminal->activeChart();
+    ASSERT_NE(kagi, nullptr);
+    ChartType type;
+    ASSERT_TRUE(Charts().typeOf(kagi, &type));
+    EXPECT_EQ(type, ChartType::Kagi);
+    Trigger("tile");
+    QTest::qWait(50);
+
+    for (void* w : Charts().widgets()) {
+        ASSERT_TRUE(DragInstrument(w, QStringLiteral("USDCHF")));
+        EXPECT_TRUE(Charts().title(w).contains(QLatin1String("USDCHF"))) << Charts().title(w).toStdString();
+    }
+
+    // 1,000 quotes replayed at 5,000 a second: every chart type computes more figures, and
+    // the module hears of the changes (3009 for each quote that changed a chart's figures).
+    const std::map<ChartType, int> before = Figures();
+    ASSERT_EQ(before.size(), 3u);
+    emulator->data().clearNotices();
+    terminal->replay().setSpeed(5000);
+    Trigger("play");
+    ASSERT_TRUE(QTest::qWaitFor([this] { return terminal->replay().fed() >= 1000; }, 20000));
+    Trigger("pause");
+    EXPECT_FALSE(terminal->replay().playing());
+    const std::map<ChartType, int> after = Figures();
+    for (const auto& b : before) EXPECT_GT(after.at(b.first), b.second) << int(b.first);
+    EXPECT_GE(emulator->data().notices().size(), 3u);
+    EXPECT_LE(emulator->data().notices().size(), 3 * terminal->replay().fed());
+
+    // The Point and Figure window's area closed with its button, then Edit > Undo, whose
+    // entry names the step.
+    void* pf = Charts().widgets()[0];
+    std::string error;
+    ASSERT_TRUE(Charts().closeArea(pf, 0, &error)) << error;
+    EXPECT_TRUE(Charts().closeButtons(pf).empty());
+    terminal->window()->activateWindow();
+    QTest::qWait(250);
+    QAction* undo = terminal->action(QStringLiteral("undo"));
+    EXPECT_TRUE(undo->isEnabled());
+    EXPECT_EQ(undo->text().remove(QLatin1Char('&')), QStringLiteral("Undo ") + emulator->moduleText("G0135"));
+    ASSERT_TRUE(terminal->undo());
+    EXPECT_EQ(Charts().closeButtons(pf).size(), 1u);
+
+    // A deal from the Renko window's context menu lands in the blotter.
+    void* renko = Charts().widgets()[1];
+    const QPoint middle = Charts().chartWidget(renko)->rect().center();
+    ASSERT_TRUE(Charts().chooseFromContextMenu(
+        renko, middle, {emulator->moduleText("PF0019"), emulator->moduleText("Tr0038Deal")}, &error))
+        << error;
+    QTest::qWait(300);
+    ASSERT_EQ(terminal->blotter()->rowCount(), 1);
+    EXPECT_EQ(terminal->blotter()->item(0, 1)->text(), QStringLiteral("USDCHF"));
+    EXPECT_EQ(terminal->blotter()->item(0, 3)->text(), QStringLiteral("deal"));
+
+    // Saved, closed, opened again: the same windows, stacked the same way, to the pixel.
+    ASSERT_TRUE(terminal->saveWorkspace());
+    const auto saved = Grabs();
+    ASSERT_EQ(saved.size(), 3u);
+    terminal->quit();
+    Close();
+    ASSERT_TRUE(QFile::exists(workspace));
+
+    Open(workspace);
+    const auto restored = Grabs();
+    ASSERT_EQ(restored.size(), saved.size());
+    for (std::size_t i = 0; i < saved.size(); ++i) {
+        EXPECT_EQ(restored[i].first, saved[i].first) << i;
+        ASSERT_EQ(restored[i].second.size(), saved[i].second.size()) << i;
+        EXPECT_TRUE(restored[i].second == saved[i].second) << "window " << i << " differs";
+    }
+}
+
+// The menus and panels that reach the module beyond the windows themselves: dealing events,
+// the price type, printing and export, the journal's filter and the language.
+TEST_F(TerminalSession, PanelsAndMenusReachTheModule) {
+    Open(workspace);
+    void* pf = terminal->newChart(ChartType::PointAndFigure);
+    ASSERT_TRUE(DragInstrument(pf, QStringLiteral("USDCHF")));
+    QWidget* container = Charts().container(pf);
+    const QImage trading = container->grab().toImage();
+
+    // A day off marks the window's caption; trading again gives the same picture back.
+    const std::size_t events = emulator->host().journal().find(MSG_EVENT).size();
+    ASSERT_TRUE(terminal->accounts()->setDayOff(QStringLiteral("USDCHF"), true));
+    QTest::qWait(100);
+    EXPECT_FALSE(container->grab().toImage() == trading);
+    ASSERT_TRUE(terminal->accounts()->setDayOff(QStringLiteral("USDCHF"), false));
+    QTest::qWait(100);
+    EXPECT_TRUE(container->grab().toImage() == trading);
+    // Accounts opened and closed are told to the module.
+    EXPECT_GT(terminal->accounts()->addAccount(), 0);
+    EXPECT_TRUE(terminal->accounts()->removeSelected());
+    EXPECT_EQ(emulator->host().journal().find(MSG_EVENT).size(), events + 4);
+
+    // Bid for every chart; the charts then advise the middle price, in the status bar.
+    const QString advice = terminal->setPriceType(1);
+    EXPECT_EQ(advice, QStringLiteral("Price type Bid (charts: switch to Middle)"));
+    EXPECT_EQ(terminal->window()->findChild<QLabel*>(QStringLiteral("priceAdvice"))->text(), advice);
+
+    // Export renders the window; printing goes through the module's print dialog, which the
+    // emulator answers with a PDF file here.
+    const QString png = dir.filePath(QStringLiteral("chart.png")), pdf = dir.filePath(QStringLiteral("chart.pdf"));
+    ASSERT_TRUE(terminal->exportActive(png));
+    EXPECT_EQ(QImage(png).size(), container->size());
+    ASSERT_TRUE(terminal->exportActive(pdf));
+    QFile pdfFile(pdf);
+    ASSERT_TRUE(pdfFile.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(pdfFile.read(5) == "%PDF-");
+    emulator->dialogs().clearAnswers();
+    Trigger("print");
+    ASSERT_EQ(emulator->dialogs().answers().size(), 1u);
+    EXPECT_EQ(emulator->dialogs().answers()[0].answer, QStringLiteral("accepted"));
+    EXPECT_TRUE(QFile::exists(emulator->dialogs().answers()[0].file));
+
+    // The journal shows only the numbers asked for; nonsense leaves the filter as it was.
+    terminal->journal()->refresh();
+    ASSERT_TRUE(terminal->journal()->setFilter(QStringLiteral("3545 - 3546, 5012")));
+    const QStringList lines = terminal->journal()->lines();
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_TRUE(lines[0].contains(QLatin1String(" 3545 ")) && lines[2].contains(QLatin1String(" 5012 ")));
+    EXPECT_FALSE(terminal->journal()->setFilter(QStringLiteral("31x")));
+    EXPECT_EQ(terminal->journal()->lines(), lines);
+
+    // Tools > Horizontal line, then a click on the chart places the study; the chart puts the
+    // tool down and the menu shows the pointer again.
+    Trigger("study:HLine");
+    EXPECT_EQ(emulator->studies().tool(), "HLine");
+    QWidget* chart = Charts().chartWidget(pf);
+    const QPoint at = chart->rect().center();
+    QTest::mouseMove(chart, at - QPoint(20, 0));
+    QTest::mouseMove(chart, at);
+    QTest::mouseClick(chart, Qt::LeftButton, Qt::NoModifier, at);
+    EXPECT_EQ(emulator->studies().ids().size(), 1u);
+    QTest::qWait(250);
+    EXPECT_TRUE(emulator->studies().tool().empty());
+    EXPECT_TRUE(terminal->action(QStringLiteral("toolPointer"))->isChecked());
+
+    // Chart > Properties opens the window's page in the terminal's property dialog.
+    Trigger("properties");
+    EXPECT_NE(emulator->properties().dialogFor(pf), nullptr);
+    emulator->properties().closeAll();
+
+    // With the keyboard only: a new Renko window (Ctrl+2), Alt+1 to the Instruments panel,
+    // Return on its line adds the instrument to the window in front.
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_2, Qt::ControlModifier);
+    void* renko = terminal->activeChart();
+    ASSERT_NE(renko, pf);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_1, Qt::AltModifier);
+    ASSERT_EQ(QApplication::focusWidget(), terminal->instruments());
+    QTest::keyClick(terminal->instruments(), Qt::Key_Return);
+    EXPECT_TRUE(Charts().title(renko).contains(QLatin1String("USDCHF"))) << Charts().title(renko).toStdString();
+
+    // The language is the workspace's, for the next start.
+    terminal->setLanguage(QStringLiteral("Chinese (Simplified)"));
+    ASSERT_TRUE(terminal->saveWorkspace());
+    EXPECT_EQ(host::terminal::Workspace::languageOf(workspace), QStringLiteral("Chinese (Simplified)"));
+}
+
+// Files a person may open by mistake: each is refused with a message that says why, and the
+// windows and instruments already open stay as they were.
+TEST_F(TerminalSession, BrokenPriceFilesAndWorkspacesAreRefusedAndChangeNothing) {
+    Open(workspace);
+    void* pf = terminal->newChart(ChartType::PointAndFigure);
+    ASSERT_TRUE(DragInstrument(pf, QStringLiteral("USDCHF")));
+    const QImage picture = Charts().container(pf)->grab().toImage();
+
+    const auto write = [this](const char* name, const QByteArray& text) {
+        QFile f(dir.filePath(QString::fromLatin1(name)));
+        EXPECT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(text);
+        return f.fileName();
+    };
+    const struct {
+        const char* file;
+        QByteArray text;
+        const char* says;
+    } bad[] = {
+        {"empty.csv", "", "empty file"},
+        {"noheader.csv", "828316800,1.1930\n828318600,1.1941\n", "header"},
+        {"text.csv", "time,close\n828316800,1.1930\n828318600,abc\n", "line 3: bad close"},
+        {"backwards.csv", "time,close\n828318600,1.1930\n828316800,1.1941\n", "line 3: time goes backwards"},
+    };
+    for (const auto& b : bad) {
+        QSignalSpy done(terminal.get(), &Terminal::priceFileDone);
+        terminal->openPriceFile(write(b.file, b.text));
+        ASSERT_TRUE(done.wait(5000)) << b.file;
+        EXPECT_TRUE(done.at(0).at(1).toString().isEmpty()) << b.file;
+        EXPECT_TRUE(terminal->messages().last().contains(QLatin1String(b.says)))
+            << b.file << ": " << terminal->messages().last().toStdString();
+    }
+    // Repeated times are taken, in file order, and said.
+    {
+        QSignalSpy done(terminal.get(), &Terminal::priceFileDone);
+        terminal->openPriceFile(write("dup.csv", "time,close\n828316800,1.19\n828316800,1.20\n828318600,1.21\n"));
+        ASSERT_TRUE(done.wait(5000));
+        EXPECT_EQ(done.at(0).at(1).toString(), QStringLiteral("DUP"));
+        EXPECT_TRUE(terminal->messages().last().contains(QLatin1String("1 of them at the same time"))) << terminal->messages().last().toStdString();
+    }
+    // A million quotes: read in the background while the window keeps answering, with the
+    // progress shown.
+    {
+        QByteArray big("time,close\n");
+        big.reserve(20 * 1000000);
+        for (int i = 0; i < 1000000; ++i) big += QByteArray::number(828316800 + 60 * i) + ",1." + QByteArray::number(1000 + i % 997) + '\n';
+        const QString path = write("million.csv", big);
+        big.clear();
+        QSignalSpy done(terminal.get(), &Terminal::priceFileDone);
+        QSignalSpy progress(terminal->window()->findChild<QProgressBar*>(QStringLiteral("loadProgress")),
+                            &QProgressBar::valueChanged);
+        int ticks = 0;
+        QTimer ticker;
+        QObject::connect(&ticker, &QTimer::timeout, [&ticks] { ++ticks; });
+        ticker.start(10);
+        terminal->openPriceFile(path);
+        EXPECT_TRUE(terminal->loading());
+        ASSERT_TRUE(done.wait(60000));
+        EXPECT_EQ(done.at(0).at(1).toString(), QStringLiteral("MILLION"));
+        EXPECT_GT(progress.count(), 1);
+        EXPECT_GT(ticks, 2) << "the event loop stood still while the file was read";
+        EXPECT_FALSE(terminal->loading());
+    }
+
+    // Workspaces that are cut short or not XML at all.
+    const QString truncated = write("cut.xml", "<?xml version=\"1.0\"?>\n<Workspace Version=\"1\">\n  <Window Type=\"pf\"");
+    const QString notXml = write("notxml.xml", "time,close\n1,2\n");
+    const QString foreign = write("foreign.xml", "<ChartLayout Type=\"pf\"/>\n");
+    for (const QString& path : {truncated, notXml, foreign}) {
+        EXPECT_FALSE(terminal->openWorkspace(path)) << path.toStdString();
+        EXPECT_TRUE(terminal->messages().last().contains(QLatin1String("Nothing was changed"))) << terminal->messages().last().toStdString();
+    }
+    ASSERT_EQ(Charts().widgets().size(), 1u);
+    EXPECT_TRUE(Charts().container(pf)->grab().toImage() == picture);
+    EXPECT_EQ(terminal->workspacePath(), workspace);
+
+    // Started from a broken workspace, the terminal opens empty and leaves the file alone.
+    terminal->quit();
+    Close();
+    Open(truncated);
+    EXPECT_TRUE(Charts().widgets().empty());
+    EXPECT_TRUE(terminal->workspacePath().isEmpty());
+    terminal->quit();
+    QFile f(truncated);
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(f.readAll().endsWith("<Window Type=\"pf\""));
+}
+
+}  // namespace

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QMainWindow>
 #include <QMdiSubWindow>
+#include <QMouseEvent>
 #include <QTest>
 
 #include "FakeLsProvider.h"
@@ -51,6 +52,12 @@ protected:
     void TearDown() override {
         if (emulator) emulator->charts().destroyAll();
     }
+    // A move delivered to the chart at once. QTest's own moves go through the X server's
+    // pointer and may arrive after the next press when the machine is busy.
+    void MoveTo(const QPoint& at, Qt::MouseButtons buttons = Qt::NoButton) {
+        QMouseEvent event(QEvent::MouseMove, at, chart->mapToGlobal(at), Qt::NoButton, buttons, Qt::NoModifier);
+        QApplication::sendEvent(chart, &event);
+    }
     // Whether the study's colour is within two pixels of `at` in the window's picture.
     bool InkNear(const QPoint& at) {
         QApplication::processEvents();
@@ -75,8 +82,8 @@ TEST_F(LineStudyMouse, PlacedDraggedUndoneAndCancelled) {
     QTest::mouseClick(chart, Qt::LeftButton, Qt::NoModifier, a);
     ASSERT_EQ(provider.studies.size(), 1u);
     const int before = provider.exchanges;
-    QTest::mouseMove(chart, (a + b) / 2);
-    QTest::mouseMove(chart, b);
+    MoveTo((a + b) / 2);
+    MoveTo(b);
     EXPECT_EQ(provider.exchanges - before, 2);  // the rubber band
     QTest::mouseClick(chart, Qt::LeftButton, Qt::NoModifier, b);
     EXPECT_TRUE(provider.tool.empty());  // 3501: the drawing mode ends
@@ -87,8 +94,8 @@ TEST_F(LineStudyMouse, PlacedDraggedUndoneAndCancelled) {
     const std::size_t steps = emulator->undo().records().size();
     const QPoint moved = middle + QPoint(120, 0);
     QTest::mousePress(chart, Qt::LeftButton, Qt::NoModifier, middle);
-    QTest::mouseMove(chart, middle + QPoint(60, 0));
-    QTest::mouseMove(chart, moved);
+    MoveTo(middle + QPoint(60, 0), Qt::LeftButton);
+    MoveTo(moved, Qt::LeftButton);
     QTest::mouseRelease(chart, Qt::LeftButton, Qt::NoModifier, moved);
     EXPECT_TRUE(InkNear(moved));
     EXPECT_FALSE(InkNear(middle + QPoint(0, -30)) && InkNear(middle));

@@ -105,7 +105,7 @@ TEST_F(Bindings, ColourAndFontTakeWhatConvertsAndDefaultsOtherwise) {
     f.AddProperty();
     EXPECT_EQ(page.GetPropertyItem(group, 0).value<QColor>(), QColor(0x10, 0x20, 0x30));
     stateChangeProperty state;
-    QVariant red(QColor(Qt::red));
+    QVariant red = QVariant(QColor(Qt::red));
     colour.changeValue(red, state);
     EXPECT_EQ(std::uint32_t(rgb) & 0xFFFFFF, 0xFF0000u);
     EXPECT_TRUE(state.changed);

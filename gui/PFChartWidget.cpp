@@ -3,6 +3,8 @@
 #include <QFontMetrics>
 #include <QMenu>
 #include <QPainter>
+#include <QPalette>
+#include <QPixmap>
 #include <QPaintEvent>
 #include <QSignalBlocker>
 #include <QSlider>
@@ -14,9 +16,11 @@
 #include "data/DataSource.h"
 #include "data/PointData.h"
 #include "data/ScaleEngine.h"
+#include "gui/CSkin.h"
 #include "gui/TimeScrollBar.h"
 #include "gui/ToolBar.h"
 #include "gx/Area.h"
+#include "gx/Caption.h"
 #include "gx/Chart.h"
 #include "gx/Grid.h"
 #include "gx/Indicator.h"
@@ -37,10 +41,10 @@ QFont ScaleFont(const PFChartModule* module) {
     return font;
 }
 
-// The colours the skin gives the chart windows.
-const QColor kSkinAreaGrid(236, 233, 216);
-const QColor kSkinFont(124, 123, 104);
-const QColor kSkinBack(255, 255, 255);
+// A window's own start colours, kept while the skin is the built-in one.
+const QColor kStartAreasFontColor(0x96, 0x96, 0x96);
+const QColor kStartTSBackgroundColor(0xFF, 0xFF, 0xFF);
+const QColor kStartTSGridColor(0xDC, 0xDC, 0xDC);
 
 }  // namespace
 
@@ -53,9 +57,9 @@ PFChartWidget::PFChartWidget(PFChartModule* module, int chartType, void* hostHan
       second_(second),
       toolBar_(nullptr),
       areasFont_(ScaleFont(module)),
-      areasFontColor_(0x96, 0x96, 0x96),
-      tsBackgroundColor_(0xFF, 0xFF, 0xFF),
-      tsGridColor_(0xDC, 0xDC, 0xDC) {
+      areasFontColor_(kStartAreasFontColor),
+      tsBackgroundColor_(kStartTSBackgroundColor),
+      tsGridColor_(kStartTSGridColor) {
     if (name) setObjectName(QString::fromLocal8Bit(name));
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
@@ -68,11 +72,9 @@ PFChartWidget::PFChartWidget(PFChartModule* module, int chartType, void* hostHan
     leftScale_.reset(new gx::LRScale(this));
     rightScale_.reset(new gx::LRScale(this));
     grid_.reset(new gx::Grid);
-    grid_->SetLineColor(kSkinAreaGrid);
-    grid_->SetBackgroundColor(kSkinBack);
     scrollBar_.reset(new CTimeScrollBar(this));
     scaleWidth_ = gx::LRScale::nWidth;
-    PlaceChildren();
+    ApplySkin(true);
     getStartParam();
 }
 
@@ -143,9 +145,49 @@ void PFChartWidget::UpdateScaleWidth() {
 
 QColor PFChartWidget::GetAreasColor() const { return grid_ ? grid_->GetBackgroundColor() : QColor(Qt::white); }
 
-QColor PFChartWidget::GetButtonFillColor() const { return kSkinAreaGrid; }
+const CSkin* PFChartWidget::GetSkin() const { return module_ ? module_->GetSkin() : nullptr; }
 
-QColor PFChartWidget::GetButtonFrameColor() const { return kSkinFont; }
+QColor PFChartWidget::GetButtonFillColor() const {
+    return GetSkin() ? GetSkin()->GetAreaGridColor() : QColor(QRgb(0xECE9D8));
+}
+
+QColor PFChartWidget::GetButtonFrameColor() const {
+    return GetSkin() ? GetSkin()->GetFontColor() : QColor(QRgb(0x7C7B68));
+}
+
+QColor PFChartWidget::GetTimeScaleFontColor() const {
+    return GetSkin() ? GetSkin()->GetTimeFontColor() : QColor(QRgb(0x7C7B68));
+}
+
+void PFChartWidget::ApplySkin(bool creating) {
+    const CSkin* skin = GetSkin();
+    if (skin) {
+        grid_->SetLineColor(skin->GetAreaGridColor());
+        grid_->SetBackgroundColor(skin->GetBackColor());
+        const bool loaded = skin->IsLoaded();
+        areasFontColor_ = loaded ? skin->GetFontColor() : kStartAreasFontColor;
+        tsBackgroundColor_ = loaded ? skin->GetTimeBackColor() : kStartTSBackgroundColor;
+        tsGridColor_ = loaded ? skin->GetTimeGridColor() : kStartTSGridColor;
+        if (creating) autoScroll_ = skin->GetAutoScroll();
+        if (toolBar_) toolBar_->ApplySkin(*skin);
+        // A skin document also colours the time scroll bar like the tool bar; the built-in
+        // look leaves it to the style.
+        QPalette bar;
+        if (loaded) {
+            bar.setColor(QPalette::Window, skin->GetToolBarBackColor());
+            bar.setColor(QPalette::Button, skin->GetToolBarBackColor());
+            bar.setColor(QPalette::Base, skin->GetTimeBackColor());
+            bar.setColor(QPalette::WindowText, skin->GetToolBarFrontColor());
+            bar.setColor(QPalette::ButtonText, skin->GetToolBarFrontColor());
+        }
+        scrollBar_->setPalette(bar);
+    } else {
+        grid_->SetLineColor(QColor(QRgb(0xECE9D8)));
+        grid_->SetBackgroundColor(QColor(QRgb(0xFFFFFF)));
+    }
+    for (const boost::shared_ptr<gx::Area>& area : chart_->GetAreas()) area->GetCaption()->UpdateButtonColor();
+    UpdateScalesProperties();
+}
 
 gx::TextStatusBar* PFChartWidget::GetStatusBar() const { return module_ ? module_->GetStatusBar() : nullptr; }
 
@@ -487,6 +529,42 @@ void PFChartWidget::paintEvent(QPaintEvent*) {
     Draw(painter, true);
 }
 
+void PFChartWidget::DrawBackImage(QPainter& painter, const QRect& data) const {
+    const CSkin* skin = GetSkin();
+    if (!skin || skin->GetBackImage().isNull() || data.width() < 1 || data.height() < 1) return;
+    // Background positions: 1 to 4 the corners (top left, top right, bottom left, bottom
+    // right), 5 tiled, 6 stretched over the data part, anything else centred. The picture
+    // is drawn faintly so that the grid stays readable through it.
+    enum { TopLeft = 1, TopRight = 2, BottomLeft = 3, BottomRight = 4, Tiled = 5, Stretched = 6 };
+    const int kMargin = 4;
+    const qreal kOpacity = 0.35;
+    const QImage& image = skin->GetBackImage();
+    painter.save();
+    painter.setClipRect(data);
+    painter.setOpacity(kOpacity);
+    const QSize size = image.size();
+    switch (skin->GetBackPos()) {
+        case TopLeft: painter.drawImage(data.topLeft() + QPoint(kMargin, kMargin), image); break;
+        case TopRight:
+            painter.drawImage(QPoint(data.right() - kMargin - size.width() + 1, data.top() + kMargin), image);
+            break;
+        case BottomLeft:
+            painter.drawImage(QPoint(data.left() + kMargin, data.bottom() - kMargin - size.height() + 1), image);
+            break;
+        case BottomRight:
+            painter.drawImage(data.bottomRight() - QPoint(kMargin + size.width() - 1, kMargin + size.height() - 1), image);
+            break;
+        case Tiled: painter.drawTiledPixmap(data, QPixmap::fromImage(image), QPoint()); break;
+        case Stretched: painter.drawImage(data, image); break;
+        default:
+            painter.drawImage(QPoint(data.left() + (data.width() - size.width()) / 2,
+                                     data.top() + (data.height() - size.height()) / 2),
+                              image);
+            break;
+    }
+    painter.restore();
+}
+
 void PFChartWidget::Draw(QPainter& painter, bool force) {
     if (busy_) return;
     if (repaintSuspended_ && !force) return;
@@ -518,6 +596,7 @@ void PFChartWidget::Draw(QPainter& painter, bool force) {
         painter.save();
         grid_->Draw(painter, range, area->GetEngine());
         painter.restore();
+        DrawBackImage(painter, r);
     }
     if (timeScale_) {
         painter.save();

@@ -29,6 +29,7 @@ class CXMLWorkData;
 class PFChartModule;
 class ChartInterface;
 class CTimeScrollBar;
+class CSkin;
 
 namespace pf {
 class DataSource;
@@ -41,6 +42,7 @@ namespace gx {
 class Chart;
 class Area;
 class Line;
+class LineStudy;
 class TimeScale;
 class LRScale;
 class Grid;
@@ -125,6 +127,24 @@ public:
     void RecordLineDelete();
     // Records the area at `position` before it is closed.
     void RecordAreaDelete(int position);
+    // Records the points a line study had when its move began (after a move that changed it).
+    void RecordLineStudyMove(gx::LineStudy* study);
+
+    // ---- line studies ----
+    // True while the host's drawing mode has a study tool chosen (3500); `mode` gets it.
+    bool GetDrawingMode(lsDrawingMode& mode) const;
+    // Starts the chosen study on the first line of the area under `at`: placed point by
+    // point, or with every point at `at` when `dropped`. Nothing is made (and nothing thrown)
+    // when the host refuses it.
+    boost::shared_ptr<gx::LineStudy> StartLineStudy(const QPoint& at, void* provider, const QString& name,
+                                                    std::uint32_t color, bool dropped);
+    // Deletes one study through the line-delete command, so that undo brings it back.
+    void DeleteLineStudy(gx::LineStudy* study);
+    // 3073: the host changed a study of this window; false when none of its studies is the
+    // one named.
+    bool OnUpdateLS(const lsUpdateRecord* record);
+    // Escape: every study being placed is cancelled.
+    void CancelCreatingLineStudies();
     // After an undo rebuilt `count` objects: scales, time scale, scroll bar and title follow,
     // and the host hears 3142.
     void AfterRestore(int count);
@@ -230,6 +250,15 @@ public:
     // Button colours of the skin: pressed fill and frame.
     QColor GetButtonFillColor() const;
     QColor GetButtonFrameColor() const;
+    // The module's skin; null without a module.
+    const CSkin* GetSkin() const;
+    // The colour of the time scale's labels: the skin's time-scale font colour.
+    QColor GetTimeScaleFontColor() const;
+    // Takes the skin's look: grid and area colours, the close buttons, the time scale's
+    // labels and the tool bar. A skin read from a document also gives the scales' font
+    // colour and the time scale's background and grid; the built-in skin gives a window its
+    // own start values for them. `creating` also takes the skin's auto-scroll flag.
+    void ApplySkin(bool creating = false);
     // Where the mouse was last seen, widget coordinates.
     QPoint GetMousePos() const { return mousePos_; }
     // Top edge of the time scroll bar: the time scale ends one pixel above it.
@@ -267,6 +296,9 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    // The skin's background picture over an area's data part, under the figures, placed as
+    // the skin's background position says.
+    void DrawBackImage(QPainter& painter, const QRect& data) const;
     // True (and the event ignored) while the forbidden cursor is shown.
     bool Forbidden(QEvent* event) const;
     void PlaceChildren();

@@ -81,6 +81,17 @@ void PFChartWidget::dropEvent(QDropEvent* event) {
         // The texts are the host's: cut at their field's end whether terminated or not.
         record.symbol[sizeof record.symbol - 1] = 0;
         record.providerName[sizeof record.providerName - 1] = 0;
+        record.instrumentType[sizeof record.instrumentType - 1] = 0;
+        if (type == kPrimitiveType && std::strcmp(record.instrumentType, LS_PRIMITIVE_KIND) == 0) {
+            // A line study: made at the drop point with every point there.
+            void* const provider = record.baseHandle;
+            const std::int32_t color = record.style;
+            event->acceptProposedAction();
+            StartLineStudy(event->pos(), provider, QString::fromLocal8Bit(record.symbol),
+                           static_cast<std::uint32_t>(color), true);
+            repaint();
+            return;
+        }
         void* const baseHandle = record.baseHandle;  // packed: fields are read by value
         coreHeadNodeInfo head;
         std::memset(&head, 0, sizeof head);

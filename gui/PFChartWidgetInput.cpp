@@ -25,8 +25,10 @@ bool PFChartWidget::Forbidden(QEvent* event) const {
 }
 
 void PFChartWidget::SetCursor() {
+    lsDrawingMode mode;
     if (busy_) setCursor(Qt::ForbiddenCursor);
     else if (GetCrossCursorState() == 1) setCursor(Qt::CrossCursor);
+    else if (GetDrawingMode(mode)) setCursor(Qt::CrossCursor);  // a study tool is chosen
     else setCursor(Qt::ArrowCursor);
 }
 
@@ -93,8 +95,13 @@ void PFChartWidget::mouseDoubleClickEvent(QMouseEvent* event) {
     if (Forbidden(event)) return;
     gx::FindUnderMouseObject found =
         gx::WidgetWalker<gx::FindUnderMouseObject>(chart_.get(), gx::FindUnderMouseObject(event->pos())).Walk();
-    if (!found.studies.empty()) found.studies.front()->Select(true);
-    else if (found.lines.empty()) ShowProperties();
+    if (!found.studies.empty()) {
+        // A study under the mouse opens its own properties (not while it is being placed).
+        found.studies.front()->Select(true);
+        if (!(found.studies.front()->GetState() & gx::LineStudy::StateCreating)) found.studies.front()->ShowProperties();
+    } else if (found.lines.empty()) {
+        ShowProperties();
+    }
     chart_->mouseDoubleClickEvent(*event);
     repaint();
 }
@@ -131,6 +138,7 @@ void PFChartWidget::keyPressEvent(QKeyEvent* event) {
         case Qt::Key_Equal: toolBar_->OnBnClickedZoomIn(true); break;
         case Qt::Key_Minus: toolBar_->OnBnClickedZoomOut(true); break;
         case Qt::Key_Escape:
+            CancelCreatingLineStudies();
             if (toolBar_->IsCrossCursorToggled()) {
                 toolBar_->SetCrossCursorToggled(false);
                 toolBar_->OnBnClickedCrossCursor();

@@ -10,6 +10,7 @@
 #include <QAction>
 #include <QIcon>
 #include <QMenu>
+#include <QPixmap>
 #include <cmath>
 #include <cstring>
 
@@ -17,6 +18,7 @@
 #include "abi/records/dealing_records.h"
 #include "data/DataSource.h"
 #include "data/ScaleEngine.h"
+#include "gui/CSkin.h"
 #include "gui/GuardedSlot.h"
 #include "gui/PFChartWidget.h"
 #include "gui/ToolBar.h"
@@ -44,7 +46,11 @@ QString Text(const PFChartModule* module, const char* key) {
 
 // The two trade actions, in the menu given.
 void AddTradeActions(QMenu* menu, PFChartWidget* widget, const PFChartModule* module) {
-    menu->addAction(QIcon(QStringLiteral(":/b_g_deal.png")), Text(module, "Tr0038Deal"), widget, SLOT(TradeDeal()));
+    // The deal icon is the skin's.
+    const CSkin* skin = widget->GetSkin();
+    const QIcon deal = skin && !skin->GetDealIcon().isNull() ? QIcon(QPixmap::fromImage(skin->GetDealIcon()))
+                                                             : QIcon(QStringLiteral(":/b_g_deal.png"));
+    menu->addAction(deal, Text(module, "Tr0038Deal"), widget, SLOT(TradeDeal()));
     menu->addAction(QIcon(QStringLiteral(":/b_g_order.png")), Text(module, "Tr0131SetOrdr"), widget,
                     SLOT(TradeOrder()));
 }

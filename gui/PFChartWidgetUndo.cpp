@@ -52,3 +52,9 @@ int PFChartWidget::UndoPop(const coreUndoStart* record, coreUndoRefresh* result)
             command->UnExecute(0, this, const_cast<coreUndoStart*>(&start), result, nullptr);
     return 0;
 }
+
+void PFChartWidget::RecordLineStudyMove(gx::LineStudy* study) {
+    if (!study) return;
+    if (std::unique_ptr<Command> command = CommandFactory::Instance().Create(CommandFactory::LineStudyMove))
+        command->Execute(0, this, study, nullptr, nullptr);
+}

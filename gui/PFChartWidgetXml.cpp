@@ -79,7 +79,7 @@ void PFChartWidget::UpdateScalesProperties() {
         scale->SetFont(areasFont_);
     }
     if (timeScale_) {
-        timeScale_->SetColors(tsBackgroundColor_, areasFontColor_, tsGridColor_);
+        timeScale_->SetColors(tsBackgroundColor_, GetTimeScaleFontColor(), tsGridColor_);
         timeScale_->SetFont(areasFont_);
     }
     PlaceChildren();

@@ -1,6 +1,8 @@
 #include "gui/ToolBar.h"
 
 #include <QHBoxLayout>
+#include <QPainter>
+#include <QPixmap>
 #include <QSignalBlocker>
 #include <QSlider>
 #include <QToolButton>
@@ -8,11 +10,13 @@
 #include <climits>
 
 #include "data/ScaleEngine.h"
+#include "gui/CSkin.h"
 #include "gui/GuardedSlot.h"
 #include "gui/PFChartWidget.h"
 #include "gui/TimeScrollBar.h"
 #include "gx/Area.h"
 #include "gx/Chart.h"
+#include "module/FontOperationSystemFactory.h"
 #include "module/PFChartModule.h"
 
 namespace pf {
@@ -63,6 +67,32 @@ ToolBar::ToolBar(PFChartWidget* widget) : QWidget(widget), widget_(widget) {
 }
 
 ToolBar::~ToolBar() = default;
+
+void ToolBar::ApplySkin(const CSkin& skin) {
+    QPalette palette = this->palette();
+    QBrush back(skin.GetToolBarBackColor());
+    const QImage& image = skin.GetToolBarImage();
+    if (!image.isNull() && image.height() > 0) {
+        // Stretched to the bar's height, repeated along its width.
+        const int height = PFChartWidget::kToolBarHeight;
+        QImage strip = image.scaled(image.width(), height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        QPixmap tile(strip.width(), height);
+        tile.fill(skin.GetToolBarBackColor());
+        {
+            QPainter painter(&tile);
+            painter.drawImage(0, 0, strip);
+        }
+        back.setTexture(tile);
+    }
+    palette.setBrush(QPalette::Window, back);
+    palette.setColor(QPalette::WindowText, skin.GetToolBarFrontColor());
+    palette.setColor(QPalette::ButtonText, skin.GetToolBarFrontColor());
+    setPalette(palette);
+    setAutoFillBackground(true);
+    setFont(font::GetOperationSystemFont(skin.GetFont()));
+    if (!skin.GetZoomInIcon().isNull()) zoomIn_->setIcon(QIcon(QPixmap::fromImage(skin.GetZoomInIcon())));
+    if (!skin.GetZoomOutIcon().isNull()) zoomOut_->setIcon(QIcon(QPixmap::fromImage(skin.GetZoomOutIcon())));
+}
 
 void ToolBar::ZoomInClicked() {
     RunGuarded("ToolBar::ZoomInClicked", [&] { OnBnClickedZoomIn(true); });

@@ -8,6 +8,7 @@
 class QSlider;
 class QToolButton;
 class PFChartWidget;
+class CSkin;
 
 namespace pf {
 namespace gui {
@@ -44,6 +45,10 @@ public:
     bool IsCrossCursorToggled() const;
     // Clears the toggled state of the state buttons (the cross cursor).
     void ResetStateButtonList(bool repaint);
+
+    // The skin's tool bar: its background colour with its image stretched over the bar's
+    // height (tiled along it), its foreground colour and font, and the zoom icons.
+    void ApplySkin(const CSkin& skin);
 
     QSlider* GetZoomSlider() const { return slider_; }
     QToolButton* GetZoomInButton() const { return zoomIn_; }

@@ -174,6 +174,8 @@ void Chart::keyPressEvent(const QKeyEvent& event) {
         UpdateScreen();
         return;
     }
+    // Selected studies are deleted by hand: their host objects go with them.
+    WidgetWalker<SetManualDeleteLS>(this, SetManualDeleteLS()).Walk();
     if (widget_) widget_->RecordLineDelete();
     WidgetWalker2<DeleteSelItems>(this, DeleteSelItems()).Walk();
     if (widget_) {
@@ -204,6 +206,15 @@ void Chart::mousePressEvent(const QMouseEvent& event) {
             widget_->SendMainChange(QStringLiteral("Delete Area"));
         }
         return;
+    }
+    // In the host's drawing mode a left press on a line starts the chosen study, unless one
+    // is still being placed.
+    lsDrawingMode mode;
+    if (widget_ && event.button() == Qt::LeftButton &&
+        WidgetWalker<FindLsByState>(this, FindLsByState(LineStudy::StateCreating)).Walk().studies.empty() &&
+        widget_->GetDrawingMode(mode)) {
+        const std::uint32_t color = mode.color;
+        widget_->StartLineStudy(event.pos(), mode.provider, QString::fromLocal8Bit(mode.name), color, false);
     }
     for (const boost::shared_ptr<Area>& area : std::vector<boost::shared_ptr<Area> >(areas_))
         area->mousePressEvent(event);

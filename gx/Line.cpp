@@ -141,7 +141,8 @@ void Line::SelectingLS(const QMouseEvent& event, int& hits, int& candidates) con
 }
 
 void Line::FillContextMenu() {
-    // Lines offer nothing of their own; their indicator lists them.
+    // The line itself is listed by its indicator; its studies add their own entries.
+    for (const boost::shared_ptr<LineStudy>& study : studies_) study->FillContextMenu();
 }
 
 void Line::mousePressEvent(const QMouseEvent& event) {
@@ -153,14 +154,27 @@ void Line::mousePressEvent(const QMouseEvent& event) {
     int candidates = 0;
     SelectingLS(event, hits, candidates);
     groupSelect_ = (hits <= 0 || hits >= candidates) ? 1 : 0;
+    for (const boost::shared_ptr<LineStudy>& study : std::vector<boost::shared_ptr<LineStudy> >(studies_))
+        study->mousePressEvent(event);
 }
 
-void Line::mouseReleaseEvent(const QMouseEvent&) {}
+// The studies may leave the line while they handle an event (a cancelled or failed study),
+// so each handler walks a copy of the list.
+void Line::mouseReleaseEvent(const QMouseEvent& event) {
+    for (const boost::shared_ptr<LineStudy>& study : std::vector<boost::shared_ptr<LineStudy> >(studies_))
+        study->mouseReleaseEvent(event);
+}
 
-void Line::mouseDoubleClickEvent(const QMouseEvent&) {}
+void Line::mouseDoubleClickEvent(const QMouseEvent& event) {
+    for (const boost::shared_ptr<LineStudy>& study : std::vector<boost::shared_ptr<LineStudy> >(studies_))
+        study->mouseDoubleClickEvent(event);
+}
 
 void Line::keyPressEvent(const QKeyEvent&) {}
 
-void Line::mouseMoveEvent(const QMouseEvent&) {}
+void Line::mouseMoveEvent(const QMouseEvent& event) {
+    for (const boost::shared_ptr<LineStudy>& study : std::vector<boost::shared_ptr<LineStudy> >(studies_))
+        study->mouseMoveEvent(event);
+}
 
 }  // namespace gx

@@ -255,7 +255,7 @@ TimeScale::TimeScale(PFChartWidget* widget, const boost::shared_ptr<pf::ScaleEng
       engine_(engine) {
     if (widget_) {
         background_ = widget_->GetTSBackgroundColor();
-        text_ = widget_->GetAreasFontColor();
+        text_ = widget_->GetTimeScaleFontColor();
         grid_ = widget_->GetTSGridColor();
         font_ = widget_->GetAreasFont();
     } else {

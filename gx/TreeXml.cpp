@@ -9,6 +9,8 @@
 //                 StartPosition, VisibleFigures, nArea, nLayer, ObjectType (0), then the
 //                 host's description of the data object (FInterface, FProvider, FName)
 //   "PFLine"      Index, FirstVisibleFigure, then the data point array's description
+//   "LineStudy"   one per finished line study of the line, with its "ControlPoint"s
+//                 (gx::LineStudy::ToXML)
 // Loading walks the same names. The counts are written for the host and for people reading
 // the document; loading is driven by the nodes that are there, so a count that is wrong,
 // missing or absurd changes nothing. A document may still hold more than any window shows:
@@ -25,6 +27,7 @@
 #include "gx/Layer.h"
 #include "gx/Line.h"
 #include "gx/Visitors.h"
+#include "gx/ls/LineStudy.h"
 #include "xml/CXMLWorkData.h"
 
 namespace gx {
@@ -35,6 +38,7 @@ const int kMaxAreas = 32;
 const int kMaxLayers = 16;
 const int kMaxIndicators = 64;
 const int kMaxLines = 64;
+const int kMaxLineStudies = 256;
 
 const int kObjectIndicator = 0;
 const int kObjectArea = 1;
@@ -96,6 +100,9 @@ void SaveToXML::Visit(boost::shared_ptr<Line> line) {
     line->ToXML(node.get());
     node->writeParameters();
     ++nodes;
+    // A study still being placed is not part of the layout.
+    for (const boost::shared_ptr<LineStudy>& study : line->GetLineStudies())
+        if (!(study->GetState() & LineStudy::StateCreating)) study->ToXML(node.get());
 }
 
 void Chart::ToXML(CXMLWorkData* node) const { node->writeInteger("AreaCount", GetAreaCount()); }
@@ -217,6 +224,8 @@ void Line::FromXML(const boost::shared_ptr<Indicator>& indicator, CXMLWorkData* 
     if (index < 0 || index >= indicator->GetLineCount()) return;
     const boost::shared_ptr<Line>& line = indicator->GetLines()[static_cast<std::size_t>(index)];
     line->SetFirstVisibleFigure(std::max(0, lineNode->readInteger("FirstVisibleFigure", 0)));
+    ForEachChild(lineNode, "LineStudy", kMaxLineStudies,
+                 [&](CXMLWorkData* studyNode) { LineStudy::FromXML(line, studyNode); });
 }
 
 }  // namespace gx

@@ -1,5 +1,7 @@
 #include "gx/Visitors.h"
 
+#include <stdexcept>
+
 #include <algorithm>
 
 #include "data/DataSource.h"
@@ -66,6 +68,9 @@ void SetManualDeleteLS::Visit(boost::shared_ptr<Line> line) {
 }
 
 void DeleteSelItems::Visit(boost::shared_ptr<Line> line) {
+    // Studies deleted by hand leave the host now, also those that go with their line.
+    for (const boost::shared_ptr<LineStudy>& s : line->GetLineStudies())
+        if (s->IsManualDelete() && (s->IsSelected() || line->IsSelected())) s->Delete();
     StableErase(line->GetLineStudies(), [](const boost::shared_ptr<LineStudy>& s) { return s->IsSelected(); });
 }
 
@@ -98,9 +103,13 @@ void SelectAreaLS::Visit(boost::shared_ptr<Line> line) {
 void UpdateCountLS::Visit(boost::shared_ptr<Line> line) {
     if (line->GetArray() != array) return;
     for (const boost::shared_ptr<LineStudy>& s : line->GetLineStudies()) {
-        if (s->objectName() != kind) continue;
+        if (s->GetName() != kind) continue;
         s->UpdateCPCount(cpCount);
-        s->UpdateShapeCount(shapeCount);
+        try {
+            s->UpdateShapeCount(shapeCount);
+        } catch (const std::exception&) {
+            // The study has left the host; it draws nothing until removed.
+        }
     }
 }
 
@@ -157,8 +166,8 @@ void RenameDpa::Visit(boost::shared_ptr<Indicator> indicator) {
 }
 
 void UpdateLS::Visit(boost::shared_ptr<Line> line) {
-    // Studies keep their points by time; with new data they are drawn at the new positions
-    // of those times at the next paint.
+    // Points beyond the last candle are kept relative to it, so they keep their distance
+    // when candles arrive; the studies only follow the line's rectangle.
     for (const boost::shared_ptr<LineStudy>& s : line->GetLineStudies()) s->SetRect(line->Rect());
 }
 
@@ -198,6 +207,8 @@ void FindLsByState::Visit(boost::shared_ptr<Line> line) {
 }
 
 void DeleteSelLS::Visit(boost::shared_ptr<Line> line) {
+    for (const boost::shared_ptr<LineStudy>& s : line->GetLineStudies())
+        if (s->IsManualDelete() && s->IsSelected()) s->Delete();
     StableErase(line->GetLineStudies(), [](const boost::shared_ptr<LineStudy>& s) { return s->IsSelected(); });
 }
 

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <sstream>
 
+#include "host/InstallPaths.h"
 #include "host/data/BaseSeries.h"
 #include "host/data/ChartObject.h"
 #include "host/data/CsvPriceReader.h"
@@ -74,7 +75,7 @@ DataCore::~DataCore() = default;
 
 std::string DataCore::builtInPath(const std::string& name) {
     for (const BuiltIn& b : kBuiltIns)
-        if (name == b.name) return std::string(PF_EXAMPLES_DIR) + "/" + b.file;
+        if (name == b.name) return examplesDir() + "/" + b.file;
     return std::string();
 }
 

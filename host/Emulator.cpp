@@ -4,6 +4,7 @@
 #include <QTemporaryDir>
 #include <cstdio>
 #include <cstring>
+#include <vector>
 
 #include "host/ChartLayouts.h"
 #include "host/ChartWindows.h"
@@ -11,6 +12,7 @@
 #include "host/DataCore.h"
 #include "host/DealingService.h"
 #include "host/DialogAnswerer.h"
+#include "host/InstallPaths.h"
 #include "host/LineStudies.h"
 #include "host/MainWindowService.h"
 #include "host/UndoStack.h"
@@ -20,7 +22,7 @@ namespace host {
 
 Emulator::Emulator(const EmulatorOptions& options) : options_(options), host_(new Host) {
     std::memset(&info_, 0, sizeof info_);
-    if (options_.modulePath.empty()) options_.modulePath = PF_MODULE_DEFAULT_PATH;
+    if (options_.modulePath.empty()) options_.modulePath = defaultModulePath();
     if (options_.workFolder.empty()) {
         tempFolder_ = QDir::tempPath().toStdString() + "/pfhost-work-" +
                       std::to_string(reinterpret_cast<std::uintptr_t>(this));
@@ -73,6 +75,14 @@ bool Emulator::loadModule(std::string* error) {
 }
 
 void Emulator::startUp() { host_->startUp(); }
+
+int Emulator::loadSkin(const QString& path) {
+    // The path travels as UTF-16 with its terminator; the module reads at most 255 units.
+    std::vector<ushort> text(path.utf16(), path.utf16() + path.size());
+    text.push_back(0);
+    return host_->send(nullptr, MSG_LOAD_SKIN, reinterpret_cast<std::intptr_t>(text.data()), 0,
+                       "skin " + path.toStdString());
+}
 
 QString Emulator::moduleText(const char* key) const {
     const QString context = QString::fromLatin1(info_.translateContext,

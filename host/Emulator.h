@@ -23,7 +23,7 @@ class UndoStack;
 class LineStudies;
 
 struct EmulatorOptions {
-    std::string modulePath;              // default: the built libPFChartModule.so.1
+    std::string modulePath;              // default: the installed module, else the built one
     std::string workFolder;              // answered to 3503; default: a temporary folder
     std::vector<std::string> languages{"English"};  // installed languages (3116/3117)
     int selectedLanguage = 0;            // index into languages, -1 for none selected
@@ -60,6 +60,10 @@ public:
     const MODULE_INFO& moduleInfo() const { return info_; }
     // 3004, 3007, 3066.
     void startUp();
+    // Tells the module the terminal's skin changed (3560): the module has the work-data store
+    // open the skin document at `path` (3163) and restyles its chart windows. An empty path
+    // asks for the module's built-in look. The module's answer (0 when it read the document).
+    int loadSkin(const QString& path);
     // The text of one of the module's translation keys as the terminal's table holds it
     // (the module inserts its defaults at 3007); empty when it has none.
     QString moduleText(const char* key) const;

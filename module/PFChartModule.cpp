@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "gui/CSkin.h"
 #include "gui/PFChartWidget.h"
 #include "gx/TextStatusBar.h"
 #include "module/KagiChartInterface.h"
@@ -13,6 +14,7 @@ PFChartModule::PFChartModule()
     : CModule("Telvix.PFChart module", 1, 1, 9, "PFChartModule", "CTranslatePFgraph") {
     SetDescription("Points and Figures chart analysis");
     SetKind(82);
+    skin_.reset(new CSkin(this));
     std::memset(&dealRequest_, 0, sizeof dealRequest_);
     pfInterface_.reset(new PFChartInterface(this));
     renkoInterface_.reset(new RenkoChartInterface(this));
@@ -37,6 +39,28 @@ int PFChartModule::UndoRequest(const coreUndoStart* record) {
     const int answer = widget->UndoPop(record, &result);
     if (sendToHost) sendToHost(hostHandle, MSG_UNDO_REPLY, reinterpret_cast<std::intptr_t>(&result), answer);
     return answer;
+}
+
+int PFChartModule::LoadSkinMessage(std::intptr_t p1) {
+    const coreWChar* text = reinterpret_cast<const coreWChar*>(p1);
+    if (!text) return LoadSkin(QString());
+    // The path ends within 255 units; a text without a terminator there is refused and the
+    // skin stays as it is.
+    const int kMaxUnits = 255;
+    int length = 0;
+    while (length < kMaxUnits && text[length] != 0) ++length;
+    if (length == kMaxUnits) return 1;
+    return LoadSkin(QString::fromUtf16(text, length));
+}
+
+int PFChartModule::LoadSkin(const QString& path) {
+    const int read = skin_->LoadSkin(path);
+    for (ChartInterface* iface : {GetPFInterface(), GetRenkoInterface(), GetKagiInterface()})
+        for (PFChartWidget* widget : iface->GetWidgets()) {
+            widget->ApplySkin();
+            widget->update();
+        }
+    return read || path.isEmpty() ? 0 : 1;
 }
 
 void PFChartModule::CreateStatusBar() {
@@ -98,7 +122,18 @@ int PFChartModule::Dispatch(void* target, unsigned int message, std::intptr_t p1
             return MwiConvertToType(p1, p2);
         case MSG_NEED_TO_CONVERT:
             return MwiNeedToConvert(p1, p2);
-        case MSG_LS_UPDATE:
+        case MSG_LOAD_SKIN:
+            return LoadSkinMessage(p1);
+        case MSG_LS_UPDATE: {
+            // The record names the study, not its window: every window looks for it.
+            const lsUpdateRecord* record = reinterpret_cast<const lsUpdateRecord*>(p1);
+            if (!record) return 0;
+            for (ChartInterface* iface : {GetPFInterface(), GetRenkoInterface(), GetKagiInterface()})
+                if (iface)
+                    for (PFChartWidget* widget : std::vector<PFChartWidget*>(iface->GetWidgets()))
+                        if (widget->OnUpdateLS(record)) return 0;
+            return 0;
+        }
         default:
             return 0;
     }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QString>
+#include <boost/scoped_ptr.hpp>
 #include <boost/shared_ptr.hpp>
 #include <map>
 #include <utility>
@@ -18,6 +19,7 @@ class PFChartInterface;
 class RenkoChartInterface;
 class KagiChartInterface;
 class CXMLWorkData;
+class CSkin;
 namespace gx {
 class TextStatusBar;
 }
@@ -75,6 +77,13 @@ public:
     int UndoRequest(const coreUndoStart* record);
     gx::TextStatusBar* GetStatusBar() const { return statusBar_.get(); }
 
+    // The look of the chart windows, made with the module. LoadSkin (3560) reads the skin
+    // document at `path` (the built-in look for an empty path) and restyles every open chart
+    // window; 0 when a document was read or the built-in look asked for, else 1.
+    CSkin* GetSkin() const { return skin_.get(); }
+    int LoadSkin(const QString& path);
+    int LoadSkinMessage(std::intptr_t path);
+
     ChartInterface* GetPFInterface() const;
     ChartInterface* GetRenkoInterface() const;
     ChartInterface* GetKagiInterface() const;
@@ -85,6 +94,7 @@ public:
 private:
     int Dispatch(void* target, unsigned int message, std::intptr_t p1, std::intptr_t p2);
 
+    boost::scoped_ptr<CSkin> skin_;
     void* transport_ = nullptr;
     void* mainWindow_ = nullptr;
     boost::shared_ptr<PFChartInterface> pfInterface_;

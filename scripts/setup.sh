@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the project needs. Idempotent and non-interactive:
 # packages already installed are left alone, and apt is only touched when something is missing.
+#   PF_I386=1   also what the 32-bit x86 run (scripts/test-i386.sh) needs on this machine
 set -euo pipefail
 
 PACKAGES=(
@@ -14,6 +15,9 @@ PACKAGES=(
   fonts-dejavu-core
   xvfb xauth poppler-utils
 )
+if [ "${PF_I386:-0}" = "1" ]; then
+  PACKAGES+=(debootstrap)
+fi
 
 missing=()
 for p in "${PACKAGES[@]}"; do

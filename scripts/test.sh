@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# Builds and runs every test: the release build with the unit, integration, export and
-# 32-bit layout tests; a clang build with AddressSanitizer and UndefinedBehaviorSanitizer
+# Builds and runs every test: the release build with the unit, integration, export,
+# package and 32-bit layout tests; a clang build with AddressSanitizer and UndefinedBehaviorSanitizer
 # running the same tests; the fuzz targets for a bounded time; and a short run of each
 # benchmark so that they stay working. Installs missing packages first.
 #
 #   PF_FUZZ_SECONDS   seconds per fuzz target (default 30)
 #   PF_SKIP_ASAN=1    skip the sanitizer build (quicker local runs)
+#   PF_I386=1         also build and run the tests as 32-bit x86 programs (scripts/test-i386.sh)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
@@ -28,16 +29,20 @@ run_ctest() {  # build-dir label
     local out rc=0
     out=$(cd "$1" && ctest --output-on-failure -j"$jobs" 2>&1) || rc=$?
     echo "$out" | tail -n 40
+    tally "$out" "$rc" "$2"
+}
+
+tally() {  # ctest-output exit-code label: adds ctest's counts to the totals
     local line total fails
-    line=$(echo "$out" | grep -E 'tests passed, [0-9]+ tests failed out of [0-9]+' | tail -n 1 || true)
+    line=$(echo "$1" | grep -E 'tests passed, [0-9]+ tests failed out of [0-9]+' | tail -n 1 || true)
     if [ -z "$line" ]; then
-        failed=$((failed + 1)); summary+=("$2: ctest did not finish"); return
+        failed=$((failed + 1)); summary+=("$3: ctest did not finish"); return
     fi
     total=$(echo "$line" | sed -E 's/.*out of ([0-9]+).*/\1/')
     fails=$(echo "$line" | sed -E 's/.* ([0-9]+) tests failed.*/\1/')
     passed=$((passed + total - fails)); failed=$((failed + fails))
-    summary+=("$2: $((total - fails)) of $total passed")
-    [ "$rc" -eq 0 ] || [ "$fails" -gt 0 ] || { failed=$((failed + 1)); summary+=("$2: ctest exit $rc"); }
+    summary+=("$3: $((total - fails)) of $total passed")
+    [ "$2" -eq 0 ] || [ "$fails" -gt 0 ] || { failed=$((failed + 1)); summary+=("$3: ctest exit $2"); }
 }
 
 echo "== release build"
@@ -77,6 +82,14 @@ if [ "${PF_SKIP_ASAN:-0}" != "1" ]; then
             tail -n 40 "build/asan/fuzz-corpus/$name.log"
         fi
     done
+fi
+
+if [ "${PF_I386:-0}" = "1" ]; then
+    echo "== 32-bit x86 (release build and tests in an i386 Debian root)"
+    rc=0
+    bash scripts/test-i386.sh >build/test-i386.log 2>&1 || rc=$?
+    tail -n 40 build/test-i386.log
+    tally "$(cat build/test-i386.log)" "$rc" i386
 fi
 
 echo

@@ -87,14 +87,12 @@ void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
                     for (const boost::shared_ptr<gx::LineStudy>& study : line.GetLineStudies()) {
                         if (!study->IsSelected() && !line.IsSelected()) continue;
                         std::unique_ptr<CXMLWorkData> node(root->createNode("Node"));
-                        std::unique_ptr<CXMLWorkData> saved(node ? node->createNode("LineStudy") : nullptr);
-                        if (!saved) continue;
+                        if (!node) continue;
                         node->writeInteger("ObjectType", kObjectLineStudy);
                         node->writeParameters();
-                        saved->writeInteger("ObjectType", kObjectLineStudy);
-                        saved->writeInteger("ObjHandle",
-                                            static_cast<int>(reinterpret_cast<std::uintptr_t>(study->GetHandle())));
-                        saved->writeInteger("ctrlPointCount", study->GetCPCount());
+                        // The study as saved in a layout, then its place as positions.
+                        std::unique_ptr<CXMLWorkData> saved = study->ToXML(node.get());
+                        if (!saved) continue;
                         saved->writeInteger("nArea", static_cast<int>(a));
                         saved->writeInteger("nLayer", static_cast<int>(l));
                         saved->writeInteger("nIndicator", static_cast<int>(i));
@@ -126,14 +124,8 @@ struct LineStudyPop {
         if (i < 0 || i >= static_cast<int>(indicators.size())) return;
         const std::vector<boost::shared_ptr<gx::Line> >& lines = indicators[std::size_t(i)]->GetLines();
         if (n < 0 || n >= static_cast<int>(lines.size())) return;
-        gx::Line& line = *lines[std::size_t(n)];
-        void* handle = reinterpret_cast<void*>(
-            static_cast<std::uintptr_t>(static_cast<std::uint32_t>(saved->readInteger("ObjHandle", 0))));
-        boost::shared_ptr<gx::LineStudy> study(new gx::LineStudy(&line, handle, line.GetEngine(), line.Rect()));
-        study->UpdateCPCount(saved->readInteger("ctrlPointCount", 0));
-        study->SetState(gx::LineStudy::StateCreated);
-        line.AddLineStudy(study);
-        ++restored;
+        // The host's study went with the deletion: it is made anew from the saved points.
+        if (gx::LineStudy::FromXML(lines[std::size_t(n)], saved.get())) ++restored;
     }
 };
 

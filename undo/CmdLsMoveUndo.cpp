@@ -1,7 +1,9 @@
 #include "undo/CmdLsMoveUndo.h"
 
 #include <cstdint>
+#include <cstring>
 #include <memory>
+#include <vector>
 
 #include "gui/PFChartWidget.h"
 #include "gx/Visitors.h"
@@ -22,12 +24,25 @@ struct MovePop {
         std::unique_ptr<CXMLWorkData> study(node->getFirstNode("LineStudy"));
         if (!study || study->readInteger("MoveLS", 0) != 1) return;
         if (study->readInteger("ObjectType", -1) != kObjectLineStudy) return;
-        const void* handle = reinterpret_cast<const void*>(static_cast<std::uintptr_t>(
-            static_cast<std::uint32_t>(study->readInteger("ObjHandle", 0))));
+        const void* handle = reinterpret_cast<const void*>(static_cast<std::intptr_t>(study->readInteger("ObjHandle", 0)));
         gx::FindLSByHandle found =
             gx::WidgetWalker<gx::FindLSByHandle>(widget->GetChart(), gx::FindLSByHandle(handle)).Walk();
         if (!handle || !found.found) return;
-        found.found->UpdateCPCount(study->readInteger("ctrlPointCount", found.found->GetCPCount()));
+        const int count = study->readInteger("ctrlPointCount", 0);
+        if (count < 0 || count > gx::LineStudy::kMaxPoints) return;
+        std::vector<lsPointShape> points;
+        std::unique_ptr<CXMLWorkData> child(study->getFirstNode("ControlPoint"));
+        while (child && static_cast<int>(points.size()) < count) {
+            lsPointShape p;
+            std::memset(&p, 0, sizeof p);
+            p.m_typePoint = child->readInteger("m_typePoint", LS_POINT_PLACED);
+            p.m_xTime = child->readInteger("m_xTime", 0);
+            p.value = child->readFloat("m_y", 0.0f);
+            points.push_back(p);
+            child.reset(study->getNextNode());
+        }
+        if (count != found.found->GetCPCount()) found.found->UpdateCPCount(count);
+        found.found->RestorePoints(points);
         ++restored;
     }
 };
@@ -41,11 +56,9 @@ void CmdLsMoveUndo::Execute(int, void* target, void* extra, void*, void*) {
     UndoRecord record(widget, "G0137");
     if (!record.Root()) return;
     std::unique_ptr<CXMLWorkData> node(record.Root()->createNode("Node"));
-    std::unique_ptr<CXMLWorkData> saved(node ? node->createNode("LineStudy") : nullptr);
+    // The points as they were when the move began.
+    std::unique_ptr<CXMLWorkData> saved = study->ToXML(node.get(), study->GetMoveSnapshot());
     if (!saved) return;
-    saved->writeInteger("ObjHandle", static_cast<int>(reinterpret_cast<std::uintptr_t>(study->GetHandle())));
-    saved->writeInteger("ObjectType", kObjectLineStudy);
-    saved->writeInteger("ctrlPointCount", study->GetCPCount());
     saved->writeInteger("MoveLS", 1);
     saved->writeInteger("nodeIndex", UndoRecord::NodeIndex(widget, *saved));
     saved->writeParameters();

@@ -24,6 +24,17 @@
 //   10041 before properties    p1 0, p2 0 (main GUI)
 // Host -> module:
 //   3073 study changed         p1 lsUpdateRecord*, p2 0
+//
+// Finding the provider again: a saved layout holds the type name and points of each study,
+// not a usable provider handle. On loading, the module asks the host for the interface of
+// kind LS_PROVIDER_INTERFACE ("LINESTUDY", provider "TELVIX") through 3001 and recreates the
+// study there (4500); a layout loaded without such an interface shows no studies.
+//
+// Dropping a study ("kovar/primitive"): the host describes the drag with 3048 in an
+// fxwcDropInstrument. When its instrumentType reads LS_PRIMITIVE_KIND ("LineStudy"), the
+// drop is a line study: baseHandle is the provider, symbol the study's type name ("HLine",
+// "Line", ...) and style its colour (0x00RRGGBB). The module creates it at the drop point on
+// the first line of the area under it, every control point there.
 #pragma once
 
 #include "abi/records/layout.h"
@@ -159,6 +170,9 @@ struct lsShapeArc {
 PF_LAYOUT32(sizeof(lsShapeArc) == 8);
 
 const int LS_NAME_BYTES = 256;
+
+#define LS_PROVIDER_INTERFACE "LINESTUDY"
+#define LS_PRIMITIVE_KIND "LineStudy"
 
 // 4500 LS_CREATE_OBJECT. The module fills the name, data array and colour; the host fills
 // the id (0: failure) and the two counts.

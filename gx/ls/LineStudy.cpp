@@ -1,27 +1,490 @@
 #include "gx/ls/LineStudy.h"
 
+#include <QMenu>
+#include <QPainter>
+#include <algorithm>
+#include <cfloat>
+#include <cstring>
+#include <set>
+#include <stdexcept>
+
+#include "abi/messages.h"
 #include "data/ScaleEngine.h"
+#include "gui/PFChartWidget.h"
+#include "gx/Chart.h"
 #include "gx/Line.h"
+#include "gx/TimeScale.h"
+#include "gx/ls/LsFactory.h"
+#include "gx/ls/LsUtil.h"
+#include "module/PFChartModule.h"
 
 namespace gx {
 
-LineStudy::LineStudy(Line* line, void* hostHandle, const boost::shared_ptr<pf::ScaleEngine>& engine,
-                     const QRect& rect)
-    : Object(rect), line_(line), hostHandle_(hostHandle), engine_(engine) {}
+namespace {
 
-LineStudy::~LineStudy() { ReleaseTempDraw(); }
-
-void LineStudy::Draw(QPainter&) const {
-    // Nothing to draw until the host has given the study its shapes.
+std::set<void*>& Providers() {
+    static std::set<void*> providers;
+    return providers;
 }
 
-void LineStudy::Select(bool selected) { Object::Select(selected); }
+std::intptr_t Param(const void* p) { return reinterpret_cast<std::intptr_t>(p); }
+
+}  // namespace
+
+bool LineStudy::IsKnownProvider(void* provider) { return provider && Providers().count(provider) != 0; }
+
+// ---- construction ----
+
+void LineStudy::Init(Line* line, const boost::shared_ptr<pf::ScaleEngine>& engine) {
+    line_ = line;
+    engine_ = engine;
+    std::memset(&cps_, 0, sizeof cps_);
+    lineDataId_ = line && line->GetArray() ? static_cast<void*>(line->GetArray()) : nullptr;
+}
+
+LineStudy::LineStudy(Line* line, void* provider, const QString& name, const boost::shared_ptr<pf::ScaleEngine>& engine,
+                     const QRect& rect, std::uint32_t color)
+    : Object(rect) {
+    Init(line, engine);
+    const int shapes = Create(provider, name, color);
+    // Points are placed by the user, one press at a time.
+    for (lsPointShape& p : in_) {
+        std::memset(&p, 0, sizeof p);
+        p.m_typePoint = LS_POINT_PLACED;
+    }
+    Attach();
+    UpdateShapeCount(shapes);
+}
+
+LineStudy::LineStudy(Line* line, void* provider, const QString& name, const QPoint& at,
+                     const boost::shared_ptr<pf::ScaleEngine>& engine, const QRect& rect, std::uint32_t color)
+    : Object(rect) {
+    Init(line, engine);
+    const int shapes = Create(provider, name, color);
+    for (std::size_t i = 0; i < in_.size(); ++i) {
+        lsPointShape& p = in_[i];
+        std::memset(&p, 0, sizeof p);
+        SetPointAt(p, at);
+        p.m_typePoint = i == 0 ? LS_POINT_PLACED : LS_POINT_NOT_PLACED;
+    }
+    Attach();
+    UpdateShapeCount(shapes);
+    if (!in_.empty()) ++placed_;
+    if (placed_ >= cps_.inCount) {
+        FinishCreating(false);
+        SetFocus();
+        state_ = StateCreated;
+    } else {
+        state_ |= StateNewPoint;
+    }
+}
+
+LineStudy::LineStudy(Line* line, void* hostId, const boost::shared_ptr<pf::ScaleEngine>& engine, const QRect& rect)
+    : Object(rect) {
+    Init(line, engine);
+    id_ = static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(hostId));
+    state_ = StateCreated;
+    finished_ = true;
+}
+
+int LineStudy::Create(void* provider, const QString& name, std::uint32_t color) {
+    provider_ = provider;
+    name_ = name;
+    color_ = color & 0xFFFFFFu;
+    lsCreateObject create;
+    std::memset(&create, 0, sizeof create);
+    const QByteArray local = name.toLocal8Bit().left(LS_NAME_BYTES - 1);
+    std::memcpy(create.name, local.constData(), std::size_t(local.size()));
+    create.dataArray = line_ ? line_->GetArray() : nullptr;
+    create.color = color_;
+    Send(provider_, MSG_LS_CREATE_OBJECT, Param(&create), 0);
+    id_ = create.id;
+    if (id_ == 0) throw std::runtime_error("Could not create LS object. LS_CREATE_OBJECT message returned error");
+    Providers().insert(provider_);
+    coreWChar title[LS_TITLE_CHARS];
+    std::memset(title, 0, sizeof title);
+    Send(provider_, MSG_LS_TITLE, id_, Param(title));
+    int n = 0;
+    while (n < LS_TITLE_CHARS - 1 && title[n]) ++n;
+    title_ = QString::fromUtf16(title, n);
+    const std::int32_t points = create.cpCount;
+    const std::int32_t shapes = create.shapeCount;
+    // The host would fill arrays of its own counts: a study with counts out of range is
+    // given back to the host rather than sized wrongly.
+    if (points < 0 || points > kMaxPoints || shapes < 0 || shapes > kMaxShapes) {
+        Send(provider_, MSG_LS_DELETE, id_, 0);
+        throw std::runtime_error("Line study counts out of range");
+    }
+    UpdateCPCount(points);
+    return shapes;
+}
+
+void LineStudy::Attach() {
+    lsAttachRecord attach;
+    attach.dataArray = line_ ? line_->GetArray() : nullptr;
+    attach.provider = provider_;
+    attach.id = id_;
+    Send(Module() ? Module()->hostHandle : nullptr, MSG_LS_ATTACH, Param(lineDataId_), Param(&attach));
+    Object::Select(true);
+    SetFocus();
+}
+
+// A study leaves the host only through Delete (a deletion by hand, a cancel): a window that
+// closes keeps its studies in the host, and its tree may be half gone by now.
+LineStudy::~LineStudy() { ReleaseTempDraw(); }
+
+// ---- host exchange ----
+
+const CModule* LineStudy::Module() const {
+    PFChartWidget* widget = GetWidget();
+    if (widget && widget->GetModule()) return widget->GetModule();
+    return CModule::Current();
+}
+
+Chart* LineStudy::GetChart() const { return line_ ? line_->GetChart() : nullptr; }
+
+PFChartWidget* LineStudy::GetWidget() const {
+    Chart* chart = GetChart();
+    return chart ? chart->GetWidget() : nullptr;
+}
+
+int LineStudy::Send(void* target, unsigned int message, std::intptr_t p1, std::intptr_t p2) const {
+    const CModule* module = Module();
+    if (!module || !module->sendToHost) return -1;
+    return module->sendToHost(target, message, p1, p2);
+}
+
+void* LineStudy::GetHandle() const { return reinterpret_cast<void*>(static_cast<std::intptr_t>(id_)); }
+
+void LineStudy::SyncRecord() {
+    cps_.inCount = static_cast<std::int32_t>(in_.size());
+    cps_.in = in_.empty() ? nullptr : in_.data();
+    cps_.outCount = static_cast<std::int32_t>(out_.size());
+    cps_.out = out_.empty() ? nullptr : out_.data();
+    cps_.shapeCount = static_cast<std::int32_t>(shapes_.size());
+    cps_.shapes = shapes_.empty() ? nullptr : shapes_.data();
+    for (std::size_t i = 0; i < shapes_.size(); ++i) {
+        void* data = i < blocks_.size() && !blocks_[i].empty() ? blocks_[i].data() : nullptr;
+        std::memcpy(reinterpret_cast<char*>(&shapes_[i]) + offsetof(lsShape, data), &data, sizeof data);
+    }
+}
+
+long long LineStudy::GetShapeDataSize(int i) const {
+    if (i < 0 || i >= static_cast<int>(blocks_.size())) return 0;
+    return static_cast<long long>(blocks_[std::size_t(i)].size());
+}
+
+void LineStudy::UpdateCPCount(int count) {
+    count = std::max(0, std::min(count, kMaxPoints));
+    const int previous = static_cast<int>(in_.size());
+    in_.resize(std::size_t(count));
+    for (int i = previous; i < count; ++i) std::memset(&in_[std::size_t(i)], 0, sizeof(lsPointShape));
+    // The pitchfork's last handle is computed by the host.
+    if (name_ == QLatin1String("Andrews Pitchfork") && count != previous && count >= 1)
+        in_[std::size_t(count - 1)].index = -1;
+    out_.assign(std::size_t(count), lsPointShape());
+    for (lsPointShape& p : out_) std::memset(&p, 0, sizeof p);
+    placed_ = std::min(placed_, count);
+    SyncRecord();
+}
+
+void LineStudy::FreeMem() {
+    shapes_.clear();
+    blocks_.clear();
+    sizes_.clear();
+    SyncRecord();
+}
+
+void LineStudy::UpdateShapeCount(int count) {
+    FreeMem();
+    count = std::max(0, std::min(count, kMaxShapes));
+    sizes_.assign(std::size_t(count), 0);
+    if (count > 0) Send(provider_, MSG_LS_SHAPE_SIZES, id_, Param(sizes_.data()));
+    shapes_.resize(std::size_t(count));
+    blocks_.resize(std::size_t(count));
+    for (int i = 0; i < count; ++i) {
+        std::memset(&shapes_[std::size_t(i)], 0, sizeof(lsShape));
+        const std::int32_t size = sizes_[std::size_t(i)];
+        // A negative or huge size gives the shape no block: it draws nothing.
+        if (size > 0 && size <= kMaxShapeBytes) blocks_[std::size_t(i)].assign(std::size_t(size), 0);
+    }
+    SyncRecord();
+    GetListControlPointer();
+    if (cps_.error == 1) {
+        Delete();
+        throw std::runtime_error("Error on LS_GET_LIST_CONTROLPOINTER message");
+    }
+}
+
+int LineStudy::GetListControlPointer(void* provider, void* id, lsControlPointsShapes* record) {
+    const CModule* module = Module();
+    if (!module || !module->sendToHost) return -1;
+    if (record && record != &cps_)
+        return module->sendToHost(provider ? provider : provider_, MSG_LS_GET_LIST_CONTROLPOINTER,
+                                  id ? Param(id) : id_, Param(record));
+    SyncRecord();
+    cps_.error = 0;
+    const int result = module->sendToHost(provider ? provider : provider_, MSG_LS_GET_LIST_CONTROLPOINTER,
+                                          id ? Param(id) : id_, Param(&cps_));
+    // The host fills the arrays in place; counts and pointers stay the study's.
+    const std::int32_t error = cps_.error;
+    const std::int32_t finished = cps_.finished;
+    SyncRecord();
+    cps_.error = error == 1 ? 1 : 0;
+    cps_.finished = finished;
+    return result;
+}
+
+void LineStudy::Refresh(bool shapesChanged) {
+    if (shapesChanged) UpdateShapeCount(static_cast<int>(shapes_.size()));
+    else GetListControlPointer();
+}
+
+// ---- index handling ----
+
+int LineStudy::GetLastCandleIndex() const { return line_ ? line_->Size() - 1 : -1; }
+
+int LineStudy::GetLastScreenCandleIndex() const {
+    if (!engine_) return -1;
+    return engine_->GetFirstColumn() + engine_->GetColumnCount() - 1;
+}
+
+int LineStudy::CorrectCPIndex(int index) const {
+    const int last = GetLastCandleIndex();
+    return index > last ? index - last : index;
+}
+
+int LineStudy::GetNormalizeIndex(const lsPointShape& point) const {
+    const std::int32_t type = point.indexType;
+    const std::int32_t index = point.index;
+    return type == 1 ? GetLastCandleIndex() + index : index;
+}
+
+int LineStudy::GetNormalizeIndex(const lsShapeVLine& line) const {
+    const std::int32_t type = line.indexType;
+    const std::int32_t index = line.index;
+    return type == 1 ? GetLastCandleIndex() + index : index;
+}
+
+void LineStudy::RecomputePositionByIndex(lsPointShape& point, int index) const {
+    point.index = index;
+    point.indexType = GetCPIndexType(index);
+    point.index = CorrectCPIndex(index);
+}
+
+void LineStudy::RecomputePositionByTime(lsPointShape& point, long time) const {
+    const int position = line_ ? line_->GetTimeVirtualIndex(time) : 0;
+    RecomputePositionByIndex(point, position);
+}
+
+bool LineStudy::IsInFreeSpaceByTime(long time) const {
+    if (!line_ || !line_->GetArray()) return true;
+    const int position = line_->GetTimeVirtualIndex(time);
+    return position < 0 || position + 1 >= line_->Size();
+}
+
+int LineStudy::PointX(const lsPointShape& point) const { return util::LsBase::CalcX(this, engine_, point); }
+
+int LineStudy::PointY(const lsPointShape& point) const { return engine_ ? engine_->TranslateY(point.value) : 0; }
+
+// ---- drawing and hit tests ----
+
+int LineStudy::OutPointsUsed() const {
+    int n = 0;
+    for (const lsPointShape& p : out_) {
+        ++n;
+        if (p.m_typePoint == LS_POINT_LAST) break;
+    }
+    return n;
+}
+
+int LineStudy::InPointsUsed() const {
+    int n = 0;
+    for (const lsPointShape& p : in_) {
+        ++n;
+        if (p.m_typePoint == LS_POINT_LAST) break;
+    }
+    return n;
+}
+
+QPoint LineStudy::MarkerPos(int i) const {
+    const lsPointShape& p = out_[std::size_t(i)];
+    // A channel's points 1 and 3 sit midway between its lines.
+    if (name_ == QLatin1String("Chanel") && placed_ >= 2 && out_.size() >= 3 && (i == 1 || i == 3) &&
+        !(state_ & StateCreating)) {
+        const int shape = i == 1 ? 0 : 2;
+        const int x = (PointX(out_[0]) + PointX(out_[2])) / 2;
+        if (shape < static_cast<int>(shapes_.size()) && GetShapeDataSize(shape) >= 9 * 4 && engine_) {
+            float first = 0, second = 0;
+            std::memcpy(&first, blocks_[std::size_t(shape)].data() + 3 * 4, sizeof first);
+            std::memcpy(&second, blocks_[std::size_t(shape)].data() + 8 * 4, sizeof second);
+            return QPoint(x, (engine_->TranslateY(first) + engine_->TranslateY(second)) / 2);
+        }
+        return QPoint(x, PointY(p));
+    }
+    return QPoint(PointX(p), PointY(p));
+}
+
+void LineStudy::Draw(QPainter& painter) const {
+    Chart* chart = GetChart();
+    if (!chart || !chart->GetTimeScale() || !engine_) return;
+    if (cps_.shapeCount != static_cast<int>(shapes_.size())) return;
+    const int outUsed = OutPointsUsed();
+    // One save for all shapes: each shape sets its own clip inside a save of its own. Shapes
+    // of one study mostly share their pen; it is set again only when it changes.
+    painter.save();
+    std::uint32_t penRgb = 0;
+    std::int32_t penStyle = -1, penWidth = -1;
+    for (int i = 0; i < static_cast<int>(shapes_.size()); ++i) {
+        if (IsPolyLine() && i >= outUsed - 1 && i > 0) break;
+        const lsShape& shape = shapes_[std::size_t(i)];
+        const std::uint32_t rgb = shape.color;
+        const std::int32_t style = shape.penStyle;
+        const std::int32_t width = shape.penWidth;
+        if (rgb != penRgb || style != penStyle || width != penWidth) {
+            QPen pen(QColor(static_cast<QRgb>(rgb | 0xFF000000u)));
+            pen.setWidth(std::max(0, std::min<std::int32_t>(width, 64)));
+            pen.setStyle(style >= Qt::NoPen && style <= Qt::DashDotDotLine ? Qt::PenStyle(style) : Qt::SolidLine);
+            pen.setCapStyle(Qt::SquareCap);
+            pen.setJoinStyle(Qt::BevelJoin);
+            painter.setPen(pen);
+            penRgb = rgb;
+            penStyle = style;
+            penWidth = width;
+        }
+        try {
+            LsFactory::Instance().Create(shape.type, engine_, rect_, cps_, i, this)->Draw(painter);
+        } catch (const std::exception&) {
+            // A shape of a type outside the table is left out.
+        }
+    }
+    painter.restore();
+    if (selected_) {
+        QColor color(0, 0, 0, 255);
+        const bool open = IsPolyLine() && ((state_ & StateCreating) || placed_ < outUsed);
+        if (!open) {
+            // The colour of the first shape; a study without shapes shows its own colour.
+            const std::uint32_t rgb = shapes_.empty() ? color_ : std::uint32_t(shapes_[0].color);
+            color = QColor(static_cast<QRgb>(rgb | 0xFF000000u));
+        }
+        painter.save();
+        for (int i = 0; i < outUsed; ++i) {
+            const QPoint at = MarkerPos(i);
+            const QRect box(at.x() - 2, at.y() - 2, 5, 5);
+            if (!rect_.contains(box.topLeft())) continue;
+            painter.setClipRect(box);
+            painter.fillRect(box, color);
+        }
+        painter.restore();
+    }
+    if ((state_ & StateMoving) && tempDraw_) painter.drawPicture(0, 0, *tempDraw_);
+}
+
+bool LineStudy::PtInLS(const QPoint& point) const {
+    if (shapes_.empty() || out_.empty() || out_[0].m_typePoint == LS_POINT_LAST) return false;
+    const int outUsed = OutPointsUsed();
+    for (int i = 0; i < static_cast<int>(shapes_.size()); ++i) {
+        if (IsPolyLine() && i >= outUsed - 1 && i > 0) break;
+        try {
+            if (LsFactory::Instance().Create(shapes_[std::size_t(i)].type, engine_, rect_, cps_, i, this)->PtInLS(point))
+                return true;
+        } catch (const std::exception&) {
+        }
+    }
+    return false;
+}
+
+bool LineStudy::PtInCP(const QPoint& point, int& index) const {
+    const int outUsed = OutPointsUsed();
+    for (int i = 0; i < outUsed; ++i) {
+        const QPoint at = MarkerPos(i);
+        if (std::abs(point.x() - at.x()) <= 2 && std::abs(point.y() - at.y()) <= 2) {
+            index = i;
+            return true;
+        }
+    }
+    return false;
+}
+
+void LineStudy::GetCriticalPoints(CRITICAL_POINT* points) const {
+    if (!points) return;
+    points->minX = 3.4028235e38f;
+    points->minIndex = 2147483647;
+    points->minY = 3.4028235e38f;
+    points->maxValue = 0.0f;
+    const int outUsed = OutPointsUsed();
+    for (int i = 0; i < outUsed; ++i) {
+        const lsPointShape& p = out_[std::size_t(i)];
+        points->minX = std::min(points->minX, float(PointX(p)));
+        points->minIndex = std::min<std::int32_t>(points->minIndex, p.index);
+        points->minY = std::min(points->minY, float(PointY(p)));
+        points->maxValue = std::max(points->maxValue, float(p.value));
+    }
+}
+
+// ---- selection, lifecycle ----
+
+void LineStudy::Select(bool selected) {
+    const bool changed = selected != selected_;
+    Object::Select(selected);
+    if (changed) SetFocus();
+}
 
 void LineStudy::SetRect(const QRect& rect) { Object::SetRect(rect); }
 
 void LineStudy::Resize(const QSize& size) { Object::Resize(size); }
 
-bool LineStudy::PtInLS(const QPoint&) const { return false; }
+void LineStudy::SetFocus() {
+    if (!id_) return;
+    lsFocusRecord focus;
+    focus.id = id_;
+    focus.selected = selected_ ? 1 : 0;
+    std::uint32_t rgb = color_;
+    if (!shapes_.empty()) rgb = shapes_[0].color;
+    focus.color = rgb & 0xFFFFFFu;
+    Send(provider_, MSG_LS_FOCUS, Param(&focus), 0);
+}
+
+void LineStudy::FinishCreating(bool exchange) {
+    if (Chart* chart = GetChart()) chart->ResetCursor();
+    finished_ = true;
+    cps_.finished = 1;
+    if (exchange) GetListControlPointer();
+    Chart* chart = GetChart();
+    Send(chart ? chart->GetMainGUIInterface() : nullptr, MSG_LS_END_DRAWING, 0, 0);
+    lsAttachRecord attach;
+    attach.dataArray = line_ ? line_->GetArray() : nullptr;
+    attach.provider = provider_;
+    attach.id = id_;
+    Send(Module() ? Module()->hostHandle : nullptr, MSG_LS_ATTACH, Param(lineDataId_), Param(&attach));
+}
+
+void LineStudy::CancelCreatingLS(bool update) {
+    Chart* chart = GetChart();
+    // The host's object goes with the study; Delete also ends the drawing mode (3501).
+    manualDelete_ = true;
+    Delete();
+    Line* line = line_;
+    if (chart) chart->ResetCursor();
+    if (line) line->DeleteLineStudy(this);  // may destroy this study
+    if (update && chart) chart->RepaintScreen();
+}
+
+void LineStudy::Delete() {
+    if ((id_ || provider_) && !detached_) {
+        detached_ = true;
+        if (!hostDeleted_) Send(provider_, MSG_LS_DELETE, id_, 0);
+        hostDeleted_ = true;
+        Send(Module() ? Module()->hostHandle : nullptr, MSG_LS_DETACH, Param(lineDataId_), id_);
+        if (ownsMemory_) FreeMem();
+        in_.clear();
+        out_.clear();
+        SyncRecord();
+        Chart* chart = GetChart();
+        Send(chart ? chart->GetMainGUIInterface() : nullptr, MSG_LS_END_DRAWING, 0, 0);
+        if (chart) chart->ResetCursor();
+    }
+}
 
 void LineStudy::SetTempDraw(QPicture* picture) {
     if (picture == tempDraw_) return;
@@ -32,6 +495,44 @@ void LineStudy::SetTempDraw(QPicture* picture) {
 void LineStudy::ReleaseTempDraw() {
     delete tempDraw_;
     tempDraw_ = nullptr;
+}
+
+// ---- context menu ----
+
+void LineStudy::FillContextMenu() {
+    Chart* chart = GetChart();
+    if (!chart) return;
+    AddToMenu(chart->GetSelectMenu(), SLOT(OnSelectedLS()));
+    AddToMenu(chart->GetPropMenu(), SLOT(OnShowPropLS()));
+    AddToMenu(chart->GetDeleteMenu(), SLOT(OnDeleteLS()));
+}
+
+void LineStudy::AddToMenu(const boost::shared_ptr<QMenu>& menu, const char* slotName) {
+    if (!menu) return;
+    QAction* action = menu->addAction(title_.isEmpty() ? name_ : title_);
+    QObject::connect(action, SIGNAL(triggered()), this, slotName);
+}
+
+void LineStudy::ShowProperties() const {
+    Chart* chart = GetChart();
+    Send(chart ? chart->GetMainGUIInterface() : nullptr, MSG_LS_BEFORE_PROPERTIES, 0, 0);
+    Send(provider_, MSG_LS_PROPERTIES, id_, 0);
+}
+
+void LineStudy::OnSelectedLS() { OnShowPropLS(); }
+
+void LineStudy::OnShowPropLS() {
+    Select(true);
+    SetFocus();
+    ShowProperties();
+    if (Chart* chart = GetChart()) chart->UpdateScreen();
+}
+
+void LineStudy::OnDeleteLS() {
+    PFChartWidget* widget = GetWidget();
+    if (!widget) return;
+    Object::Select(true);
+    widget->DeleteLineStudy(this);
 }
 
 }  // namespace gx

@@ -270,7 +270,7 @@ bool parseExtras(const QStringList& args, ChartPicture& picture) {
 const char* const kExtraOptions[] = {"--replay", "--load-layout", "--save-layout", "--print",       "--accounts",
                                      "--trade",  "--at",          "--answer",      "--blotter",     "--zoom",
                                      "--scroll", "--close-area",  "--delete-line", "--undo",        "--undo-list",
-                                     "--study"};
+                                     "--study", "--skin"};
 
 }  // namespace
 
@@ -312,6 +312,14 @@ int RunChartCommand(const QStringList& args, const char* command, const char* us
     emulator.dialogs().setReply(option(args, "--answer") == QLatin1String("yes") ? DialogAnswerer::Reply::Yes
                                                                                  : DialogAnswerer::Reply::No);
     if (!startModule(emulator, false, picture.accounts)) return 1;
+    // Skins are loaded in the order given, before the window is made, as a terminal started
+    // with a skin does; the last one read is the look.
+    for (const QString& skin : options(args, "--skin")) {
+        if (emulator.loadSkin(QFileInfo(skin).absoluteFilePath()) != 0) {
+            std::fprintf(stderr, "pfhost %s: the module read no skin from %s\n", command, qPrintable(skin));
+            return 1;
+        }
+    }
     std::string error;
     QString why;
     if (!typed && !emulator.layouts().typeOf(picture.loadLayout, &picture.type, &why)) {

@@ -97,6 +97,12 @@ TEST(Providers, HandWorkedSequences) {
         // under 110, 104 is 5.45 %: falling 104..110.
         {"Kagi percent reversal from the extreme", ChartType::Kagi, 1, 3, 500, {100, 104, 105, 110, 105, 104},
          {{3, 100, 110, true}, {6, 104, 110, false}}, {}},
+        // 5 % of prices near 10^18 ticks: the products of the comparison pass 2^64. One tick
+        // short of 5 % above 10^18 is no reversal, 5 % is; the same under 1.05 * 10^18.
+        {"Kagi percent reversal with products past 64 bits", ChartType::Kagi, 1, 3, 500,
+         {1000000000000000000, 1049999999999999999, 1050000000000000000, 997500000000000001, 997500000000000000},
+         {{3, 1000000000000000000, 1050000000000000000, true}, {5, 997500000000000000, 1050000000000000000, false}},
+         {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);

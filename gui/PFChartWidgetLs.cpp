@@ -1,0 +1,95 @@
+// The chart window's line studies: the host's drawing mode, starting a study, deleting one
+// through the undo stack, and the host's updates of a study (3073).
+#include <QCursor>
+#include <cstring>
+
+#include "abi/messages.h"
+#include "gui/PFChartWidget.h"
+#include "gx/Area.h"
+#include "gx/Chart.h"
+#include "gx/Indicator.h"
+#include "gx/Layer.h"
+#include "gx/Line.h"
+#include "gx/Visitors.h"
+#include "gx/Walkers.h"
+#include "gx/ls/LineStudy.h"
+#include "module/LogHelper.h"
+#include "module/PFChartModule.h"
+
+bool PFChartWidget::GetDrawingMode(lsDrawingMode& mode) const {
+    std::memset(&mode, 0, sizeof mode);
+    if (!module_ || !module_->sendToHost) return false;
+    void* gui = module_->GetGlobalMainWindow();
+    if (!gui) return false;
+    if (module_->sendToHost(gui, MSG_LS_DRAWING_MODE, reinterpret_cast<std::intptr_t>(&mode), 0) != 1) return false;
+    mode.name[LS_NAME_BYTES - 1] = 0;
+    void* const provider = mode.provider;
+    return provider && mode.name[0];
+}
+
+boost::shared_ptr<gx::LineStudy> PFChartWidget::StartLineStudy(const QPoint& at, void* provider, const QString& name,
+                                                               std::uint32_t color, bool dropped) {
+    boost::shared_ptr<gx::LineStudy> study;
+    const boost::shared_ptr<gx::Area> area = gx::WidgetWalker<gx::FindArea>(chart_.get(), gx::FindArea(at)).Walk().found;
+    if (!area || area->GetLayers().empty() || area->GetLayers().front()->GetIndicators().empty()) return study;
+    const boost::shared_ptr<gx::Indicator>& indicator = area->GetLayers().front()->GetIndicators().front();
+    if (indicator->GetLines().empty()) return study;
+    const boost::shared_ptr<gx::Line> line = indicator->GetLines().front();
+    try {
+        if (dropped) study.reset(new gx::LineStudy(line.get(), provider, name, at, line->GetEngine(), line->Rect(), color));
+        else study.reset(new gx::LineStudy(line.get(), provider, name, line->GetEngine(), line->Rect(), color));
+    } catch (const std::exception& e) {
+        // The host made no study (4500 gave no id) or failed its first exchange (4510): the
+        // chart goes on without it and the host leaves its drawing mode.
+        LogHelper::ShowLogInfo(1, 4, QStringLiteral("Line study \"%1\" not created: %2")
+                                         .arg(name, QString::fromLocal8Bit(e.what())));
+        if (module_ && module_->sendToHost && module_->GetGlobalMainWindow())
+            module_->sendToHost(module_->GetGlobalMainWindow(), MSG_LS_END_DRAWING, 0, 0);
+        ResetCursor();
+        return boost::shared_ptr<gx::LineStudy>();
+    }
+    gx::WidgetWalker<gx::UnSelectingLS>(chart_.get(), gx::UnSelectingLS()).Walk();
+    study->Select(true);
+    line->AddLineStudy(study);
+    return study;
+}
+
+void PFChartWidget::DeleteLineStudy(gx::LineStudy* study) {
+    if (!study) return;
+    // Only this study goes: everything else is unselected first.
+    boost::shared_ptr<gx::LineStudy> keep =
+        gx::WidgetWalker<gx::FindLSByHandle>(chart_.get(), gx::FindLSByHandle(study->GetHandle())).Walk().found;
+    gx::WidgetWalker<gx::UnSelectingLine>(chart_.get(), gx::UnSelectingLine()).Walk();
+    gx::WidgetWalker<gx::UnSelectingLS>(chart_.get(), gx::UnSelectingLS()).Walk();
+    study->Select(true);
+    study->SetManualDelete(true);
+    RecordLineDelete();
+    gx::WidgetWalker2<gx::DeleteSelItems>(chart_.get(), gx::DeleteSelItems()).Walk();
+    AfterDelete();
+}
+
+bool PFChartWidget::OnUpdateLS(const lsUpdateRecord* record) {
+    if (!record) return false;
+    lsUpdateRecord changed;
+    std::memcpy(&changed, record, sizeof changed);
+    gx::FindLSByHandle found = gx::WidgetWalker<gx::FindLSByHandle>(
+        chart_.get(), gx::FindLSByHandle(reinterpret_cast<void*>(static_cast<std::intptr_t>(changed.id)))).Walk();
+    const boost::shared_ptr<gx::LineStudy> study = found.found;
+    if (!changed.id || !study || study->GetProvider() != changed.provider) return false;
+    try {
+        study->Refresh(changed.shapesChanged != 0);
+    } catch (const std::exception& e) {
+        // The host failed the exchange: the study has left the host and goes from the chart.
+        LogHelper::ShowLogInfo(1, 4, QStringLiteral("Line study removed: %1").arg(QString::fromLocal8Bit(e.what())));
+        if (gx::Line* line = study->GetLine()) line->DeleteLineStudy(study.get());
+    }
+    update();
+    return true;
+}
+
+void PFChartWidget::CancelCreatingLineStudies() {
+    const gx::FindLsByState creating =
+        gx::WidgetWalker<gx::FindLsByState>(chart_.get(), gx::FindLsByState(gx::LineStudy::StateCreating)).Walk();
+    for (const boost::shared_ptr<gx::LineStudy>& study : creating.studies) study->CancelCreatingLS(false);
+    if (!creating.studies.empty()) update();
+}

@@ -1,0 +1,95 @@
+#include "gx/ls/LsLine.h"
+
+#include <QPainter>
+#include <algorithm>
+#include <cstring>
+
+#include "data/ScaleEngine.h"
+#include "gx/ls/LsUtil.h"
+
+namespace gx {
+
+bool LsLine::GetEnds(Ends& ends) const {
+    const lsShapeLine* block = Block<lsShapeLine>();
+    if (!block || !IsVisible() || !engine_) return false;
+    lsShapeLine line;
+    std::memcpy(&line, block, sizeof line);
+    if (line.points[0].m_xTime < 0 || line.points[1].m_xTime < 0) return false;
+    ends.x0 = util::LsBase::CalcX(study_, engine_, line.points[0]);
+    ends.x1 = util::LsBase::CalcX(study_, engine_, line.points[1]);
+    ends.y0 = engine_->TranslateY(line.points[0].value);
+    ends.y1 = engine_->TranslateY(line.points[1].value);
+    ends.extendLeft = line.extendLeft != 0;
+    ends.extendRight = line.extendRight != 0;
+    return true;
+}
+
+QPoint LsLine::Extend(int x, int y, double slope, int edge) const {
+    const double ey = y + slope * (edge - x);
+    if (ey < 0 && slope != 0) return QPoint(pf::TruncToPixel(x + (0 - y) / slope), 0);
+    if (ey > rect_.bottom() && slope != 0) return QPoint(pf::TruncToPixel(x + (rect_.bottom() - y) / slope), rect_.bottom());
+    return QPoint(edge, pf::TruncToPixel(ey));
+}
+
+void LsLine::Draw(QPainter& painter) {
+    Ends e;
+    if (!GetEnds(e)) return;
+    if (e.x0 < rect_.left() && e.x1 < rect_.left() && !e.extendRight) return;
+    if (e.x0 > rect_.right() && e.x1 > rect_.right() && !e.extendLeft) return;
+    if (e.y0 < rect_.top() && e.y1 < rect_.top()) return;
+    if (e.y0 >= rect_.bottom() && e.y1 >= rect_.bottom()) return;
+    const double slope = e.x1 == e.x0 ? 0.0 : double(e.y1 - e.y0) / double(e.x1 - e.x0);
+    QPoint left(e.x0, e.y0), right(e.x1, e.y1);
+    if (right.x() < left.x()) std::swap(left, right);
+    QPoint from = left, to = right;
+    if (e.extendRight && e.x0 != e.x1) to = Extend(right.x(), right.y(), slope, rect_.right());
+    if (e.extendLeft && e.x0 != e.x1) from = Extend(left.x(), left.y(), slope, rect_.left());
+    const std::int32_t width = shape_->penWidth;
+    const int h = static_cast<int>(width * 0.5 + 0.5);
+    // Clipped to its box grown by half the pen, within the area; a line whose box lies in the
+    // area needs no clip to look the same.
+    const QRect box = QRect(from, to).normalized().adjusted(-h, -h, h, h);
+    if (rect_.contains(box)) {
+        painter.drawLine(from, to);
+    } else {
+        painter.save();
+        painter.setClipRect(box.intersected(rect_));
+        painter.drawLine(from, to);
+        painter.restore();
+    }
+    switch (static_cast<std::int32_t>(shape_->titlePosition)) {
+        case 1: DrawTitle(painter, to.x(), to.y()); break;
+        case 2: DrawTitle(painter, from.x(), from.y()); break;
+        default: break;
+    }
+}
+
+bool LsLine::PtInLS(const QPoint& point) const {
+    Ends e;
+    if (!GetEnds(e)) return false;
+    const QPoint p0(e.x0, e.y0), p1(e.x1, e.y1);
+    bool hit = util::LsBase::PtInSegment(p0, p1, point, 5);
+    const QPoint& rightMost = e.x1 >= e.x0 ? p1 : p0;
+    const QPoint& leftMost = e.x1 >= e.x0 ? p0 : p1;
+    if (e.extendRight) {
+        if (e.x0 == e.x1)
+            hit = hit || util::LsBase::PtInSegment(QPoint(e.x0, rect_.top()), p1, point, 5);
+        else
+            hit = hit || util::LsBase::PtInSegment(
+                             rightMost,
+                             QPoint(rect_.right(), int(e.y0 + (long long)(e.y1 - e.y0) * (rect_.right() - e.x0) / (e.x1 - e.x0))),
+                             point, 5);
+    }
+    if (e.extendLeft) {
+        if (e.x0 == e.x1)
+            hit = hit || util::LsBase::PtInSegment(QPoint(e.x0, rect_.bottom()), p1, point, 5);
+        else
+            hit = hit || util::LsBase::PtInSegment(
+                             leftMost,
+                             QPoint(rect_.left(), int(e.y0 + (long long)(e.y1 - e.y0) * (rect_.left() - e.x0) / (e.x1 - e.x0))),
+                             point, 5);
+    }
+    return hit;
+}
+
+}  // namespace gx

@@ -1,0 +1,34 @@
+// Geometry shared by the line-study shapes: the x of a candle index and the segment hit test.
+#pragma once
+
+#include <QPoint>
+#include <boost/shared_ptr.hpp>
+
+#include "abi/records/linestudy_records.h"
+
+namespace pf {
+class ScaleEngine;
+}
+
+namespace gx {
+
+class LineStudy;
+
+namespace util {
+namespace LsBase {
+
+// The x of the centre of the column of candle `index`: the engine's left edge, the column's
+// offset from the first visible one and half a column step, truncated.
+int CalcX(const boost::shared_ptr<pf::ScaleEngine>& engine, int index);
+// The same for a point or a vertical line whose index may be relative to the last candle.
+int CalcX(const gx::LineStudy* study, const boost::shared_ptr<pf::ScaleEngine>& engine, const lsPointShape& point);
+int CalcX(const gx::LineStudy* study, const boost::shared_ptr<pf::ScaleEngine>& engine, const lsShapeVLine& line);
+
+// Whether `p` lies on the segment a-b: inside its columns and rows widened by `tolerance`
+// and nearer than `tolerance` to the line through a and b (strictly: a point exactly
+// `tolerance` pixels away is off the segment).
+bool PtInSegment(const QPoint& a, const QPoint& b, const QPoint& p, int tolerance);
+
+}  // namespace LsBase
+}  // namespace util
+}  // namespace gx

@@ -1,0 +1,414 @@
+// Line studies in a chart window, in-process against a fake line-study provider: creation and
+// its failures, placing by mouse with the rubber band, the state machine, dragging (a whole
+// move left of candle 0 refused), points beyond the last candle, the polyline's double clicks,
+// Escape, the context menu's delete and hostile answers of the host.
+#include <QApplication>
+#include <QMenu>
+#include <QMimeData>
+#include <QDropEvent>
+#include <QMouseEvent>
+#include <QKeyEvent>
+#include <stdexcept>
+
+#include "ChartWindowFixture.h"
+#include "FakeLsProvider.h"
+#include "RecordingPaintDevice.h"
+#include "data/ScaleEngine.h"
+#include "gx/Indicator.h"
+#include "gx/Layer.h"
+#include "gx/Line.h"
+#include "gx/ls/LineStudy.h"
+#include "gx/ls/LsUtil.h"
+
+namespace {
+
+using gx::LineStudy;
+
+struct LineStudies : ChartWindowFixture {
+    FakeLsProvider provider;
+
+    void SetUp() override {
+        ChartWindowFixture::SetUp();
+        for (unsigned int m : {MSG_LS_CREATE_OBJECT, MSG_LS_DELETE, MSG_LS_SHAPE_SIZES, MSG_LS_GET_LIST_CONTROLPOINTER,
+                               MSG_LS_PROPERTIES, MSG_LS_TITLE, MSG_LS_FOCUS, MSG_LS_ATTACH, MSG_LS_DETACH,
+                               MSG_LS_DRAWING_MODE, MSG_LS_END_DRAWING, MSG_LS_BEFORE_PROPERTIES})
+            host.on(m, [this, m](void* target, std::intptr_t p1, std::intptr_t p2) {
+                const int r = provider.Handle(target, m, p1, p2);
+                return r < 0 ? 1 : r;
+            });
+        host.on(MSG_GET_INTERFACE, [](void*, std::intptr_t p1, std::intptr_t) {
+            coreInterfaceRequest* r = reinterpret_cast<coreInterfaceRequest*>(p1);
+            if (r->count < 1) return 1;
+            if (std::strcmp(r->kind, "CHARTTYPE") == 0) r->result[0] = reinterpret_cast<void*>(std::intptr_t(0x2000));
+            else if (std::strcmp(r->kind, "MAINWINDOW") == 0) r->result[0] = reinterpret_cast<void*>(std::intptr_t(0x3000));
+            else return 1;
+            return 0;
+        });
+        Show("EURUSD");
+        host.clear();
+    }
+
+    gx::Line& Line() { return *widget->GetChart()->GetAreas()[0]->GetLayers()[0]->GetIndicators()[0]->GetLines()[0]; }
+    const pf::ScaleEngine& Engine() { return *Line().GetEngine(); }
+    QPoint At(int column, float price) {
+        return QPoint(gx::util::LsBase::CalcX(Line().GetEngine(), column), Engine().TranslateY(price));
+    }
+    void Mouse(QEvent::Type type, const QPoint& at, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(type, at, widget->mapToGlobal(at), button,
+                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, modifiers);
+        QApplication::sendEvent(widget.get(), &event);
+    }
+    void Click(const QPoint& at) {
+        Mouse(QEvent::MouseButtonPress, at);
+        Mouse(QEvent::MouseButtonRelease, at);
+    }
+    boost::shared_ptr<LineStudy> Study(std::size_t i = 0) {
+        return i < Line().GetLineStudies().size() ? Line().GetLineStudies()[i] : boost::shared_ptr<LineStudy>();
+    }
+    // A study placed through the drawing mode, one click per point.
+    boost::shared_ptr<LineStudy> Place(const std::string& tool, const std::vector<QPoint>& points) {
+        provider.tool = tool;
+        for (const QPoint& p : points) {
+            Mouse(QEvent::MouseMove, p);
+            Click(p);
+        }
+        return Study(Line().GetLineStudies().size() - 1);
+    }
+    std::vector<QLine> Drawn(const LineStudy& study) {
+        RecordingPaintDevice device;
+        QPainter painter(&device);
+        study.Draw(painter);
+        painter.end();
+        const QVector<QLine> lines = device.lines();
+        return std::vector<QLine>(lines.begin(), lines.end());
+    }
+};
+
+TEST_F(LineStudies, CreationAsksTheHostForIdTitleSizesAndShapes) {
+    const boost::shared_ptr<LineStudy> study = widget->StartLineStudy(MiddleOfArea(0), provider.handle(), "Line", 0xFF, false);
+    ASSERT_TRUE(study);
+    const std::vector<unsigned int> expected = {MSG_LS_CREATE_OBJECT, MSG_LS_TITLE, MSG_LS_ATTACH, MSG_LS_FOCUS,
+                                                MSG_LS_SHAPE_SIZES, MSG_LS_GET_LIST_CONTROLPOINTER};
+    std::vector<unsigned int> seen;
+    for (unsigned int m : host.messages())
+        if (std::find(expected.begin(), expected.end(), m) != expected.end() && std::find(seen.begin(), seen.end(), m) == seen.end())
+            seen.push_back(m);
+    EXPECT_EQ(seen, expected);
+    EXPECT_EQ(study->GetState(), LineStudy::StateCreating);
+    EXPECT_EQ(study->GetTitle(), QStringLiteral("Line"));
+    EXPECT_EQ(study->GetCPCount(), 2);
+    EXPECT_EQ(study->GetShapeCount(), 1);
+    EXPECT_TRUE(study->IsSelected());
+}
+
+TEST_F(LineStudies, HostFailuresAtCreationAreRefusedAndTheChartGoesOn) {
+    provider.zeroId = true;
+    EXPECT_FALSE(widget->StartLineStudy(MiddleOfArea(0), provider.handle(), "Line", 0, false));
+    EXPECT_EQ(host.find(MSG_LS_END_DRAWING).size(), 1u);
+    provider.zeroId = false;
+    provider.errorAfter = 1;  // the first exchange fails: the study leaves the host again
+    EXPECT_FALSE(widget->StartLineStudy(MiddleOfArea(0), provider.handle(), "Line", 0, false));
+    EXPECT_EQ(host.find(MSG_LS_DELETE).size(), 1u);
+    EXPECT_TRUE(Line().GetLineStudies().empty());
+    // The constructor itself throws the design's texts.
+    provider.errorAfter = -1;
+    provider.zeroId = true;
+    try {
+        LineStudy study(&Line(), provider.handle(), "Line", Line().GetEngine(), Line().Rect());
+        ADD_FAILURE() << "no exception";
+    } catch (const std::runtime_error& e) {
+        EXPECT_STREQ(e.what(), "Could not create LS object. LS_CREATE_OBJECT message returned error");
+    }
+    Paint();
+}
+
+TEST_F(LineStudies, HostileCountsSizesAndTypesAreCappedOrLeftOut) {
+    // Counts out of range: the study goes back to the host, nothing is sized by them.
+    provider.overrideCounts = true;
+    for (std::pair<int, int> counts : {std::make_pair(-5, 1), std::make_pair(2, 1 << 30), std::make_pair(1 << 30, 1)}) {
+        provider.cpCount = counts.first;
+        provider.shapeCount = counts.second;
+        host.clear();
+        EXPECT_FALSE(widget->StartLineStudy(MiddleOfArea(0), provider.handle(), "Line", 0, false));
+        EXPECT_EQ(host.find(MSG_LS_DELETE).size(), 1u);
+        EXPECT_TRUE(host.find(MSG_LS_SHAPE_SIZES).empty());
+    }
+    // No output points: no hit.
+    provider.cpCount = 0;
+    provider.shapeCount = 1;
+    boost::shared_ptr<LineStudy> study = widget->StartLineStudy(MiddleOfArea(0), provider.handle(), "Line", 0, false);
+    ASSERT_TRUE(study);
+    EXPECT_FALSE(study->PtInLS(MiddleOfArea(0)));
+
+    provider.overrideCounts = false;
+    provider.sizes = {-1, 1 << 30, 3};  // negative, huge and too small for a line's block
+    provider.shapeType = -1;
+    study = widget->StartLineStudy(MiddleOfArea(0), provider.handle(), "Arc", 0, false);
+    ASSERT_TRUE(study);
+    for (int i = 0; i < study->GetShapeCount(); ++i) EXPECT_LE(study->GetShapeDataSize(i), 3);
+    EXPECT_TRUE(Drawn(*study).empty());
+
+    provider.sizes.clear();
+    provider.shapeType = 77;  // outside the table
+    study = widget->StartLineStudy(MiddleOfArea(0), provider.handle(), "HLine", 0, false);
+    ASSERT_TRUE(study);
+    Paint();
+    EXPECT_FALSE(study->PtInLS(MiddleOfArea(0)));
+
+    // 3073 for a study nobody has, and without a record.
+    lsUpdateRecord unknown{provider.handle(), 9999, 1};
+    EXPECT_FALSE(widget->OnUpdateLS(&unknown));
+    EXPECT_EQ(module.ReceiveMessageWrap(nullptr, MSG_LS_UPDATE, reinterpret_cast<std::intptr_t>(&unknown), 0), 0);
+    EXPECT_EQ(module.ReceiveMessageWrap(nullptr, MSG_LS_UPDATE, 0, 0), 0);
+    // A failing update removes the study instead of throwing.
+    lsUpdateRecord known{provider.handle(), study->GetId(), 1};
+    provider.errorAfter = provider.exchanges + 1;
+    EXPECT_TRUE(widget->OnUpdateLS(&known));
+    EXPECT_EQ(std::count(Line().GetLineStudies().begin(), Line().GetLineStudies().end(), study), 0);
+}
+
+TEST_F(LineStudies, PlacedPointByPointWithTheRubberBand) {
+    provider.tool = "Line";
+    const QPoint p0 = At(10, 1.005f), p1 = At(30, 1.015f);
+    Mouse(QEvent::MouseButtonPress, p0);
+    const boost::shared_ptr<LineStudy> study = Study();
+    ASSERT_TRUE(study);
+    EXPECT_EQ(study->GetState(), LineStudy::StateCreating | LineStudy::StateNewPoint);
+    Mouse(QEvent::MouseButtonRelease, p0);
+    EXPECT_EQ(study->GetState(), LineStudy::StateCreating);
+    const int before = provider.exchanges;
+    for (int column : {15, 20, 25}) Mouse(QEvent::MouseMove, At(column, 1.01f));
+    EXPECT_EQ(provider.exchanges - before, 3);  // one exchange per move
+    EXPECT_EQ(study->GetInPoints()[1].index, 25);
+    host.clear();
+    Mouse(QEvent::MouseMove, p1);
+    Click(p1);
+    EXPECT_EQ(study->GetState(), LineStudy::StateCreated);
+    EXPECT_TRUE(study->IsFinished());
+    EXPECT_EQ(host.find(MSG_LS_END_DRAWING).size(), 1u);
+    EXPECT_EQ(study->GetInPoints()[0].index, 10);
+    EXPECT_EQ(study->GetInPoints()[1].index, 30);
+    EXPECT_TRUE(study->PtInLS((p0 + p1) / 2));
+    // Selected: the line and its two markers.
+    const std::vector<QLine> lines = Drawn(*study);
+    EXPECT_EQ(lines.size(), 1u);
+    int index = -1;
+    EXPECT_TRUE(study->PtInCP(p1 + QPoint(2, -2), index));
+    EXPECT_EQ(index, 1);
+    EXPECT_FALSE(study->PtInCP(p1 + QPoint(3, 0), index));
+    // 5025 finds the window by the study's handle.
+    EXPECT_TRUE(widget->HoldsObject(study->GetHandle()));
+    gx::CRITICAL_POINT extremes;
+    study->GetCriticalPoints(&extremes);
+    EXPECT_EQ(extremes.minIndex, 10);
+    EXPECT_FLOAT_EQ(extremes.maxValue, study->GetInPoints()[1].value);
+    // Only one study is made per tool choice.
+    Click(At(40, 1.0f));
+    EXPECT_EQ(Line().GetLineStudies().size(), 1u);
+}
+
+TEST_F(LineStudies, WithoutShapesOnlyMarkersAreDrawn) {
+    provider.overrideCounts = true;
+    provider.cpCount = 2;
+    provider.shapeCount = 0;
+    const boost::shared_ptr<LineStudy> study = Place("Line", {At(5, 1.01f), At(9, 1.012f)});
+    ASSERT_TRUE(study);
+    RecordingPaintDevice device;
+    QPainter painter(&device);
+    study->Draw(painter);
+    painter.end();
+    EXPECT_TRUE(device.lines().isEmpty());
+    EXPECT_FALSE(study->PtInLS(At(7, 1.011f)));
+    QImage image(widget->size(), QImage::Format_ARGB32);
+    image.fill(Qt::white);
+    QPainter imagePainter(&image);
+    study->Draw(imagePainter);
+    imagePainter.end();
+    EXPECT_EQ(image.pixel(At(5, 1.01f)), QColor(provider.toolColor).rgb());  // marker in the study's colour
+}
+
+TEST_F(LineStudies, PointsBeyondTheLastCandleKeepTheirDistance) {
+    const boost::shared_ptr<LineStudy> study = Place("VLine", {At(20, 1.0f)});
+    ASSERT_TRUE(study);
+    const int last = Line().Size() - 1;
+    lsPointShape point{};
+    study->RecomputePositionByIndex(point, last + 5);
+    EXPECT_EQ(point.indexType, 1);
+    EXPECT_EQ(point.index, 5);
+    // Three candles arrive.
+    Series& s = series.front();
+    for (int i = 0; i < 3; ++i) s.records.push_back(s.records.back());
+    s.array.points = reinterpret_cast<unsigned char*>(s.records.data());
+    s.array.pointCount = std::int32_t(s.records.size());
+    EXPECT_EQ(study->GetNormalizeIndex(point), last + 3 + 5);
+    lsPointShape inside{};
+    study->RecomputePositionByIndex(inside, 12);
+    EXPECT_EQ(inside.indexType, 0);
+    EXPECT_EQ(study->GetNormalizeIndex(inside), 12);
+    EXPECT_TRUE(study->IsInFreeSpaceByTime(s.records.back().time + 3600 * 10));
+    EXPECT_TRUE(study->IsInCandleSpaceByTime(s.records[5].time));
+}
+
+TEST_F(LineStudies, DraggedWholeOrByOnePointAndNeverLeftOfCandleZero) {
+    const boost::shared_ptr<LineStudy> study = Place("Line", {At(2, 1.005f), At(12, 1.015f)});
+    ASSERT_TRUE(study);
+    const std::vector<lsPointShape> placed = study->GetInPoints();
+    const QPoint middle = At(7, 1.01f);
+    ASSERT_TRUE(study->PtInLS(middle));
+    // Left by five columns would put point 0 at -3: refused, nothing moves.
+    Mouse(QEvent::MouseButtonPress, middle);
+    EXPECT_EQ(study->GetState(), LineStudy::StateMoving);
+    Mouse(QEvent::MouseMove, middle);
+    Mouse(QEvent::MouseMove, At(2, 1.01f));
+    EXPECT_EQ(study->GetInPoints()[0].index, 2);
+    EXPECT_EQ(study->GetInPoints()[1].index, 12);
+    host.clear();
+    Mouse(QEvent::MouseButtonRelease, At(2, 1.01f));
+    EXPECT_EQ(study->GetState(), LineStudy::StateCreated);
+    EXPECT_TRUE(host.find(MSG_UNDO_BEGIN).empty());  // nothing changed, nothing recorded
+    // Right by four columns: both points follow, one undo step.
+    Mouse(QEvent::MouseButtonPress, middle);
+    Mouse(QEvent::MouseMove, middle);
+    Mouse(QEvent::MouseMove, At(11, 1.01f));
+    Mouse(QEvent::MouseButtonRelease, At(11, 1.01f));
+    EXPECT_EQ(study->GetInPoints()[0].index, 6);
+    EXPECT_EQ(study->GetInPoints()[1].index, 16);
+    EXPECT_EQ(study->GetInPoints()[0].m_xTime, Line().GetTime(6));
+    EXPECT_EQ(host.find(MSG_UNDO_BEGIN).size(), 1u);
+    // One point by its marker: only that point moves, to the mouse's price.
+    const QPoint marker = At(16, study->GetInPoints()[1].value);
+    Mouse(QEvent::MouseButtonPress, marker);
+    Mouse(QEvent::MouseMove, marker);
+    Mouse(QEvent::MouseMove, At(20, 1.02f));
+    Mouse(QEvent::MouseButtonRelease, At(20, 1.02f));
+    EXPECT_EQ(study->GetInPoints()[0].index, 6);
+    EXPECT_EQ(study->GetInPoints()[1].index, 20);
+    EXPECT_NEAR(study->GetInPoints()[1].value, Engine().UnTranslateY(At(20, 1.02f).y()), 1e-5);
+    (void)placed;
+}
+
+TEST_F(LineStudies, ChannelMarkersOfPointsOneAndThreeSitMidwayOnTheirLines) {
+    const QPoint p0 = At(10, 1.004f), p1 = At(14, 1.0f), p2 = At(30, 1.012f), p3 = At(20, 1.016f);
+    const boost::shared_ptr<LineStudy> channel = Place("Chanel", {p0, p1, p2, p3});
+    ASSERT_TRUE(channel);
+    ASSERT_EQ(channel->GetState(), LineStudy::StateCreated);
+    const int x = (p0.x() + p2.x()) / 2;
+    const float width = channel->GetInPoints()[3].value - channel->GetInPoints()[0].value;
+    const int top = (Engine().TranslateY(channel->GetInPoints()[0].value) + Engine().TranslateY(channel->GetInPoints()[2].value)) / 2;
+    const int bottom = (Engine().TranslateY(channel->GetInPoints()[0].value + width) +
+                        Engine().TranslateY(channel->GetInPoints()[2].value + width)) / 2;
+    int index = -1;
+    EXPECT_TRUE(channel->PtInCP(QPoint(x, top), index));
+    EXPECT_EQ(index, 1);
+    EXPECT_TRUE(channel->PtInCP(QPoint(x, bottom), index));
+    EXPECT_EQ(index, 3);
+    EXPECT_FALSE(channel->PtInCP(p1, index) && index == 1);  // not at its own place
+}
+
+TEST_F(LineStudies, PitchforkCountChangeLeavesTheLastHandleToTheHost) {
+    const boost::shared_ptr<LineStudy> study =
+        widget->StartLineStudy(MiddleOfArea(0), provider.handle(), "Andrews Pitchfork", 0, false);
+    ASSERT_TRUE(study);
+    study->UpdateCPCount(4);
+    EXPECT_EQ(study->GetInPoints()[3].index, -1);
+    const boost::shared_ptr<LineStudy> line = widget->StartLineStudy(MiddleOfArea(0), provider.handle(), "Line", 0, false);
+    line->UpdateCPCount(4);
+    EXPECT_EQ(line->GetInPoints()[3].index, 0);
+}
+
+TEST_F(LineStudies, PolyLineDoubleClicksFinishDeleteAndInsertPoints) {
+    // Finished early by a double click: the fourth point ends it.
+    std::vector<QPoint> points;
+    for (int i = 0; i < 3; ++i) points.push_back(At(5 + 4 * i, 1.004f + 0.002f * float(i % 2)));
+    boost::shared_ptr<LineStudy> poly = Place("PolyLine", points);
+    const QPoint end = At(21, 1.01f);
+    Mouse(QEvent::MouseMove, end);
+    Click(end);
+    Mouse(QEvent::MouseButtonDblClick, end);
+    Mouse(QEvent::MouseButtonRelease, end);
+    EXPECT_EQ(poly->GetState(), LineStudy::StateCreated);
+    EXPECT_EQ(poly->GetInPoints()[3].m_typePoint, LS_POINT_LAST);
+    EXPECT_EQ(poly->GetInPoints()[3].index, 21);
+    // A double click on a segment inserts a point there.
+    const QPoint onSegment = (points[0] + points[1]) / 2;
+    ASSERT_TRUE(poly->PtInLS(onSegment));
+    Mouse(QEvent::MouseButtonDblClick, onSegment);
+    EXPECT_EQ(poly->GetInPoints()[4].m_typePoint, LS_POINT_LAST);
+    EXPECT_EQ(poly->GetInPoints()[1].m_typePoint, LS_POINT_PLACED);
+    // Deleting the inserted point by its marker.
+    Mouse(QEvent::MouseButtonDblClick, At(poly->GetInPoints()[1].index, poly->GetInPoints()[1].value));
+    EXPECT_EQ(poly->GetInPoints()[3].m_typePoint, LS_POINT_LAST);
+    EXPECT_EQ(poly->GetInPoints()[1].index, 9);
+
+    // Ten points finish by themselves; deleting the tenth only moves the terminator.
+    points.clear();
+    for (int i = 0; i < 10; ++i) points.push_back(At(2 + 5 * i, i % 2 ? 1.02f : 1.004f));
+    poly = Place("PolyLine", points);
+    ASSERT_EQ(poly->GetState(), LineStudy::StateCreated);
+    EXPECT_EQ(poly->GetInPoints()[9].m_typePoint, LS_POINT_LAST);
+    const lsPointShape ninth = poly->GetInPoints()[8];
+    Mouse(QEvent::MouseButtonDblClick, points[9]);
+    EXPECT_EQ(poly->GetInPoints()[8].m_typePoint, LS_POINT_LAST);
+    EXPECT_EQ(poly->GetInPoints()[8].index, ninth.index);
+    // Nine points take no inserted point.
+    const QPoint between = (points[2] + points[3]) / 2;
+    ASSERT_TRUE(poly->PtInLS(between));
+    const std::vector<lsPointShape> nine = poly->GetInPoints();
+    Mouse(QEvent::MouseButtonDblClick, between);
+    for (int i = 0; i < 9; ++i) EXPECT_EQ(poly->GetInPoints()[std::size_t(i)].index, nine[std::size_t(i)].index);
+}
+
+TEST_F(LineStudies, EscapeCancelsAStudyBeingPlaced) {
+    provider.tool = "Line";
+    Click(At(10, 1.01f));
+    ASSERT_TRUE(Study());
+    host.clear();
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(widget.get(), &escape);
+    EXPECT_TRUE(Line().GetLineStudies().empty());
+    EXPECT_FALSE(host.find(MSG_LS_END_DRAWING).empty());
+    EXPECT_EQ(host.find(MSG_LS_DELETE).size(), 1u);
+}
+
+TEST_F(LineStudies, ContextMenuDeletesTheStudyInTheHost) {
+    const boost::shared_ptr<LineStudy> study = Place("HLine", {At(10, 1.01f)});
+    ASSERT_TRUE(study);
+    widget->FillContextMenu();
+    QMenu& menu = *widget->GetChart()->GetDeleteMenu();
+    QAction* action = nullptr;
+    for (QAction* a : menu.actions())
+        if (a->text() == QStringLiteral("HLine")) action = a;
+    ASSERT_TRUE(action);
+    host.clear();
+    action->trigger();
+    EXPECT_TRUE(Line().GetLineStudies().empty());
+    EXPECT_EQ(host.find(MSG_LS_DELETE).size(), 1u);
+    EXPECT_EQ(host.find(MSG_LS_DETACH).size(), 1u);
+    EXPECT_EQ(host.find(MSG_UNDO_BEGIN).size(), 1u);
+    EXPECT_EQ(widget->GetChart()->GetAreaCount(), 1);  // the line stays
+}
+
+TEST_F(LineStudies, DroppedPrimitiveMakesAStudyAtTheDropPoint) {
+    host.on(MSG_DESCRIBE_PRIMITIVE, [this](void*, std::intptr_t, std::intptr_t p2) {
+        fxwcDropInstrument* r = reinterpret_cast<fxwcDropInstrument*>(p2);
+        r->baseHandle = provider.handle();
+        std::strcpy(r->symbol, "HLine");
+        std::strcpy(r->instrumentType, LS_PRIMITIVE_KIND);
+        r->style = 0x00FF00;
+        return 0;
+    });
+    QMimeData data;
+    data.setData("kovar/primitive", "HLine");
+    const QPoint at = At(15, 1.012f);
+    QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    static_cast<QObject*>(widget.get())->event(&drop);
+    const boost::shared_ptr<LineStudy> study = Study();
+    ASSERT_TRUE(study);
+    EXPECT_EQ(study->GetState(), LineStudy::StateCreated);
+    EXPECT_EQ(study->GetInPoints()[0].index, 15);
+    EXPECT_TRUE(study->PtInLS(QPoint(At(40, 0).x(), at.y())));
+    EXPECT_EQ(widget->GetChart()->GetAreaCount(), 1);
+}
+
+}  // namespace

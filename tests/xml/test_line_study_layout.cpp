@@ -1,0 +1,279 @@
+// Line studies in saved layouts and on the undo stack, in-process against the emulator's
+// work-data store with a fake line-study provider: "LineStudy" and "ControlPoint" nodes
+// written and read back into a fresh window with the same picture, a move undone to the
+// exact times and prices, and deleted studies (alone or with their line) brought back.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QImage>
+#include <QMouseEvent>
+#include <QPainter>
+#include <cstring>
+#include <optional>
+
+#include "FakeLsProvider.h"
+#include "data/ScaleEngine.h"
+#include "gui/PFChartWidget.h"
+#include "gui/TimeScrollBar.h"
+#include "gx/Area.h"
+#include "gx/Chart.h"
+#include "gx/Indicator.h"
+#include "gx/Layer.h"
+#include "gx/Line.h"
+#include "gx/Visitors.h"
+#include "gx/Walkers.h"
+#include "gx/ls/LineStudy.h"
+#include "gx/ls/LsUtil.h"
+#include "host/ChartWindows.h"
+#include "host/CoreServices.h"
+#include "host/Emulator.h"
+#include "host/WorkDataStore.h"
+#include "host/workdata/WorkTree.h"
+#include "module/PFChartModule.h"
+#include "undo/CommandFactory.h"
+#include "xml/CXMLWorkData.h"
+
+namespace {
+
+using gx::LineStudy;
+
+struct LineStudyLayout : ::testing::Test {
+    std::unique_ptr<host::Emulator> emulator{new host::Emulator};
+    std::unique_ptr<PFChartModule> module;
+    FakeLsProvider provider;
+    std::vector<coreUndoStart> records;
+
+    void SetUp() override {
+        module.reset(new PFChartModule);
+        module->InitializeWrap(&host::Host::callback, &host::Host::callback, emulator->host().coreHandle(), nullptr);
+        host::WorkDataStore& store = emulator->workData();
+        emulator->host().on(MSG_UNDO_BEGIN, [this, &store](void*, std::intptr_t p1, std::intptr_t, std::string&) {
+            coreUndoBegin* begin = reinterpret_cast<coreUndoBegin*>(p1);
+            coreSzNode root{};
+            if (!store.describe(store.root(store.createDocument(QStringLiteral("UndoRecord"))), &root)) return 1;
+            begin->root = root;
+            begin->recordId = std::int32_t(records.size() + 1);
+            coreUndoStart start{};
+            start.document = root.document;
+            start.node = root.node;
+            start.widget = begin->widget;
+            records.push_back(start);
+            return 0;
+        });
+        emulator->host().on(MSG_UNDO_COMMIT, [](void*, std::intptr_t, std::intptr_t, std::string&) { return 0; });
+        for (unsigned int m : {MSG_LS_CREATE_OBJECT, MSG_LS_DELETE, MSG_LS_SHAPE_SIZES, MSG_LS_GET_LIST_CONTROLPOINTER,
+                               MSG_LS_PROPERTIES, MSG_LS_TITLE, MSG_LS_FOCUS, MSG_LS_ATTACH, MSG_LS_DETACH,
+                               MSG_LS_END_DRAWING, MSG_LS_BEFORE_PROPERTIES})
+            emulator->host().on(m, [this, m](void* target, std::intptr_t p1, std::intptr_t p2, std::string&) {
+                const int r = provider.Handle(target, m, p1, p2);
+                return r < 0 ? 1 : r;
+            });
+        // The provider a layout finds again by interface.
+        emulator->core().onRequest(LS_PROVIDER_INTERFACE, [this](coreInterfaceRequest& r, std::string&) {
+            if (!r.result || r.count < 1) return 1;
+            r.result[0] = provider.handle();
+            return 0;
+        });
+    }
+    void TearDown() override { module.reset(); }
+
+    std::unique_ptr<PFChartWidget> Window() {
+        std::unique_ptr<PFChartWidget> widget(new PFChartWidget(module.get(), PFChartWidget::Renko, nullptr));
+        widget->resize(900, 600);
+        return widget;
+    }
+    void AddData(PFChartWidget& widget) {
+        fxwcDropInstrument drop;
+        ASSERT_TRUE(emulator->charts().dropRecord("USDCHF", std::nullopt, &drop));
+        ASSERT_TRUE(widget.AddSecondaryPrimitive(drop.baseHandle, drop.symbol, "", drop.periodType, drop.periodLength,
+                                                 0, nullptr, 0));
+        // The newest data in view, with the free columns after it.
+        widget.GetTimeScrollBar()->setValue(widget.GetTimeScrollBar()->maximum());
+        Picture(widget);
+    }
+    static boost::shared_ptr<gx::Line> FirstLine(PFChartWidget& widget) {
+        return widget.GetChart()->GetAreas()[0]->GetLayers()[0]->GetIndicators()[0]->GetLines()[0];
+    }
+    static QImage Picture(PFChartWidget& widget) {
+        QImage image(widget.size(), QImage::Format_ARGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        widget.Draw(painter, true);
+        return image;
+    }
+    // A finished study with its points at these columns (from the right end) and prices.
+    boost::shared_ptr<LineStudy> Make(PFChartWidget& widget, const char* name,
+                                      const std::vector<std::pair<int, float> >& points) {
+        const boost::shared_ptr<gx::Line> line = FirstLine(widget);
+        boost::shared_ptr<LineStudy> study =
+            widget.StartLineStudy(widget.GetChart()->GetAreas()[0]->Rect().center(), provider.handle(), name, 0x2040C0, false);
+        if (!study) return study;
+        std::vector<lsPointShape> set;
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            lsPointShape p{};
+            p.m_typePoint = i + 1 == points.size() && std::strcmp(name, "PolyLine") == 0 ? LS_POINT_LAST : LS_POINT_PLACED;
+            p.m_xTime = std::int32_t(line->GetIndexVirtualTime(line->Size() - 1 - points[i].first));
+            p.value = points[i].second;
+            set.push_back(p);
+        }
+        study->RestorePoints(set);
+        study->FinishCreating(true);
+        study->SetState(LineStudy::StateCreated);
+        study->Select(false);
+        return study;
+    }
+    void Undo(int code, const coreUndoStart& record, PFChartWidget& widget) {
+        coreUndoRefresh result{};
+        CommandFactory::Instance().Create(code)->UnExecute(0, &widget, const_cast<coreUndoStart*>(&record), &result, nullptr);
+    }
+    static std::vector<std::tuple<int, int, int, float> > Points(const LineStudy& study) {
+        std::vector<std::tuple<int, int, int, float> > out;
+        for (const lsPointShape& p : study.GetInPoints()) out.emplace_back(p.m_typePoint, p.m_xTime, p.index, p.value);
+        return out;
+    }
+};
+
+TEST_F(LineStudyLayout, EveryStudySavedAndRestoredInAFreshWindowWithTheSamePicture) {
+    std::unique_ptr<PFChartWidget> first = Window();
+    AddData(*first);
+    const gx::Line& line = *FirstLine(*first);
+    const float low = first->GetChart()->GetAreas()[0]->GetEngine()->GetMinPrice();
+    const float high = first->GetChart()->GetAreas()[0]->GetEngine()->GetMaxPrice();
+    auto price = [&](float f) { return low + (high - low) * f; };
+    ASSERT_TRUE(Make(*first, "HLine", {{20, price(0.5f)}}));
+    ASSERT_TRUE(Make(*first, "VLine", {{40, price(0.5f)}}));
+    ASSERT_TRUE(Make(*first, "Line", {{80, price(0.2f)}, {-3, price(0.8f)}}));  // the second beyond the data
+    ASSERT_TRUE(Make(*first, "Text", {{60, price(0.9f)}}));
+    ASSERT_TRUE(Make(*first, "Arc", {{70, price(0.3f)}, {50, price(0.5f)}}));
+    ASSERT_TRUE(Make(*first, "PolyLine", {{90, price(0.1f)}, {85, price(0.4f)}, {75, price(0.2f)}, {65, price(0.6f)}}));
+    ASSERT_TRUE(Make(*first, "Chanel", {{140, price(0.75f)}, {130, price(0.7f)}, {100, price(0.9f)}, {120, price(0.6f)}}));
+    ASSERT_TRUE(Make(*first, "Andrews Pitchfork", {{200, price(0.2f)}, {170, price(0.45f)}, {160, price(0.25f)}}));
+    EXPECT_EQ(line.GetLineStudies()[2]->GetInPoints()[1].indexType, 1);
+    EXPECT_EQ(line.GetLineStudies()[2]->GetInPoints()[1].index, 3);
+    const QImage before = Picture(*first);
+    if (const char* dir = std::getenv("PF_PICTURE_DIR")) before.save(QString::fromLocal8Bit(dir) + "/line_studies.png");
+
+    coreSzNode root{};
+    host::WorkDataStore& store = emulator->workData();
+    ASSERT_TRUE(store.describe(store.root(store.createDocument(QStringLiteral("Layout"))), &root));
+    const boost::shared_ptr<CXMLWorkData> tree(new CXMLWorkData(
+        emulator->host().coreHandle(), reinterpret_cast<void*>(std::uintptr_t(root.document)),
+        reinterpret_cast<void*>(std::uintptr_t(root.node)), &host::Host::callback));
+    first->ToXML(tree);
+    // The nodes as the layout holds them.
+    std::unique_ptr<CXMLWorkData> widgetNode(tree->getFirstNode("PFWidget"));
+    std::unique_ptr<CXMLWorkData> chartNode(widgetNode->getFirstNode("PFChart"));
+    std::unique_ptr<CXMLWorkData> areaNode(chartNode->getFirstNode("PFArea"));
+    std::unique_ptr<CXMLWorkData> layerNode(areaNode->getFirstNode("PFLayer"));
+    std::unique_ptr<CXMLWorkData> indicatorNode(layerNode->getFirstNode("PFIndicator"));
+    std::unique_ptr<CXMLWorkData> lineNode(indicatorNode->getFirstNode("PFLine"));
+    std::unique_ptr<CXMLWorkData> studyNode(lineNode->getFirstNode("LineStudy"));
+    ASSERT_TRUE(studyNode);
+    for (const char* key : {"ObjHandle", "SourceArea", "ObjectInternalPointer", "ObjectName", "ObjectType",
+                            "ObjectLineIndex", "InterfaceName", "ProviderName", "InterfaceObjectName", "BasePointTime",
+                            "BasePointTimeOffs", "BasePointValue", "BasePointValueOffs", "nArea", "nLayer", "nIndicator",
+                            "nLine", "nLineCount", "ctrlPointCount", "ObjectCreated"})
+        EXPECT_TRUE(studyNode->hasAttribute(key)) << key;
+    EXPECT_EQ(studyNode->readString("ObjectName"), QStringLiteral("HLine"));
+    EXPECT_EQ(studyNode->readInteger("ObjectType"), 2);
+    std::unique_ptr<CXMLWorkData> point(studyNode->getFirstNode("ControlPoint"));
+    ASSERT_TRUE(point);
+    EXPECT_TRUE(point->hasAttribute("m_typePoint") && point->hasAttribute("m_xTime") && point->hasAttribute("m_y"));
+
+    std::vector<std::vector<std::tuple<int, int, int, float> > > saved;
+    for (const auto& s : line.GetLineStudies()) saved.push_back(Points(*s));
+    first.reset();  // the window goes; its studies leave the host only when deleted by hand
+    std::unique_ptr<PFChartWidget> second = Window();
+    second->FromXML(tree);
+    Picture(*second);  // the caption takes its line's colour on the first paint
+    const QImage after = Picture(*second);
+    if (const char* dir = std::getenv("PF_PICTURE_DIR")) after.save(QString::fromLocal8Bit(dir) + "/line_studies_restored.png");
+    const gx::Line& restored = *FirstLine(*second);
+    ASSERT_EQ(restored.GetLineStudies().size(), saved.size());
+    for (std::size_t i = 0; i < saved.size(); ++i) EXPECT_EQ(Points(*restored.GetLineStudies()[i]), saved[i]) << i;
+    EXPECT_EQ(restored.GetLineStudies()[5]->GetName(), QStringLiteral("PolyLine"));
+    // Pixel for pixel; on a difference, where it lies.
+    QRect differ;
+    for (int y = 0; y < before.height(); ++y)
+        for (int x = 0; x < before.width(); ++x)
+            if (before.pixel(x, y) != after.pixel(x, y)) differ |= QRect(x, y, 1, 1);
+    EXPECT_TRUE(differ.isNull()) << differ.x() << "," << differ.y() << " " << differ.width() << "x" << differ.height();
+}
+
+TEST_F(LineStudyLayout, AMoveIsUndoneToTheExactTimesAndPrices) {
+    std::unique_ptr<PFChartWidget> widget = Window();
+    AddData(*widget);
+    const pf::ScaleEngine& e = *widget->GetChart()->GetAreas()[0]->GetEngine();
+    auto price = [&](float f) { return e.GetMinPrice() + (e.GetMaxPrice() - e.GetMinPrice()) * f; };
+    const boost::shared_ptr<LineStudy> study = Make(*widget, "Line", {{40, price(0.3f)}, {20, price(0.5f)}});
+    ASSERT_TRUE(study);
+    const auto before = Points(*study);
+    const gx::Line& line = *FirstLine(*widget);
+    const pf::ScaleEngine& engine = *line.GetEngine();
+    auto at = [&](int fromEnd, float price) {
+        return QPoint(gx::util::LsBase::CalcX(line.GetEngine(), line.Size() - 1 - fromEnd), engine.TranslateY(price));
+    };
+    const QPoint middle = at(30, price(0.4f));
+    ASSERT_TRUE(study->PtInLS(middle));
+    auto mouse = [&](QEvent::Type type, const QPoint& p) {
+        QMouseEvent event(type, p, widget->mapToGlobal(p), type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(widget.get(), &event);
+    };
+    mouse(QEvent::MouseButtonPress, middle);
+    EXPECT_EQ(study->GetState(), LineStudy::StateMoving);
+    mouse(QEvent::MouseMove, middle);
+    mouse(QEvent::MouseMove, at(25, price(0.45f)));
+    mouse(QEvent::MouseMove, at(22, price(0.5f)));
+    mouse(QEvent::MouseButtonRelease, at(22, price(0.5f)));
+    ASSERT_NE(Points(*study), before);
+    ASSERT_EQ(records.size(), 1u);
+    // The record: the study's node with the points from before the move, marked as a move.
+    const host::workdata::Node* root = emulator->workData().node(reinterpret_cast<void*>(std::uintptr_t(records[0].node)));
+    ASSERT_NE(root, nullptr);
+    const host::workdata::Node* saved = root->children.at(0)->children.at(0).get();
+    EXPECT_EQ(saved->name, QStringLiteral("LineStudy"));
+    EXPECT_EQ(*saved->attribute(QStringLiteral("MoveLS")), QStringLiteral("1"));
+    EXPECT_EQ(*saved->attribute(QStringLiteral("ctrlPointCount")), QStringLiteral("2"));
+
+    Undo(CommandFactory::LineStudyMove, records[0], *widget);
+    EXPECT_EQ(Points(*study), before);
+    // The other commands find nothing of their kind in the record.
+    Undo(CommandFactory::LineDelete, records[0], *widget);
+    Undo(CommandFactory::AreaDelete, records[0], *widget);
+    EXPECT_EQ(FirstLine(*widget)->GetLineStudies().size(), 1u);
+}
+
+TEST_F(LineStudyLayout, DeletedStudiesComeBackWithOneUndoAloneOrWithTheirLine) {
+    std::unique_ptr<PFChartWidget> widget = Window();
+    AddData(*widget);
+    ASSERT_TRUE(Make(*widget, "HLine", {{10, 0.94f}}));
+    ASSERT_TRUE(Make(*widget, "Line", {{40, 0.93f}, {20, 0.95f}}));
+    std::vector<std::vector<std::tuple<int, int, int, float> > > before;
+    for (const auto& s : FirstLine(*widget)->GetLineStudies()) before.push_back(Points(*s));
+    auto now = [&] {
+        std::vector<std::vector<std::tuple<int, int, int, float> > > out;
+        for (const auto& s : FirstLine(*widget)->GetLineStudies()) out.push_back(Points(*s));
+        return out;
+    };
+
+    // One study through its menu: it leaves the host and comes back as a new host study.
+    const std::int32_t oldId = FirstLine(*widget)->GetLineStudies()[1]->GetId();
+    widget->DeleteLineStudy(FirstLine(*widget)->GetLineStudies()[1].get());
+    EXPECT_EQ(FirstLine(*widget)->GetLineStudies().size(), 1u);
+    EXPECT_TRUE(provider.studies[oldId].deleted);
+    Undo(CommandFactory::LineDelete, records.back(), *widget);
+    EXPECT_EQ(now(), before);
+
+    // The line with its studies: one undo brings all back.
+    const QString title = widget->UpdateTitle();
+    FirstLine(*widget)->Select(true);
+    widget->OnDelete();
+    ASSERT_EQ(widget->GetChart()->GetAreaCount(), 0);
+    Undo(CommandFactory::LineDelete, records.back(), *widget);
+    ASSERT_EQ(widget->GetChart()->GetAreaCount(), 1);
+    EXPECT_EQ(now(), before);
+    EXPECT_EQ(widget->UpdateTitle(), title);
+}
+
+}  // namespace

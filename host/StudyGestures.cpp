@@ -68,6 +68,9 @@ Reading read(Emulator& emulator, QWidget* chart, const QPoint& point) {
 bool StudyPixel(Emulator& emulator, void* widget, const StudyPoint& point, QPoint* at, std::string* error) {
     QWidget* chart = emulator.charts().chartWidget(widget);
     if (!chart) return fail(error, "not a chart window");
+    // What a person reads off a window is what it shows: a window not painted yet has no
+    // price scale, so it is drawn first.
+    chart->grab();
     // The first area: the first run of rows, down the middle, where the status bar reads.
     const int middle = chart->width() / 2;
     int top = -1, bottom = -1;

@@ -9,6 +9,7 @@
 #include <QWidget>
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 
 #include "host/ChartWindows.h"
@@ -67,6 +68,9 @@ Reading read(Emulator& emulator, QWidget* chart, const QPoint& point) {
 bool StudyPixel(Emulator& emulator, void* widget, const StudyPoint& point, QPoint* at, std::string* error) {
     QWidget* chart = emulator.charts().chartWidget(widget);
     if (!chart) return fail(error, "not a chart window");
+    // What a person reads off a window is what it shows: a window not painted yet has no
+    // price scale, so it is drawn first.
+    chart->grab();
     // The first area: the first run of rows, down the middle, where the status bar reads.
     const int middle = chart->width() / 2;
     int top = -1, bottom = -1;
@@ -164,32 +168,37 @@ bool StudyClicks(const std::string& name, const std::vector<StudyPoint>& points,
     return true;
 }
 
-bool PlaceStudy(Emulator& emulator, void* widget, const std::string& name, const std::vector<StudyPoint>& points,
-                std::int32_t* id, std::string* error) {
-    std::vector<StudyPoint> clicks;
-    if (!StudyClicks(name, points, &clicks, error)) return false;
-    std::vector<QPoint> pixels;
-    for (const StudyPoint& p : clicks) {
-        QPoint at;
-        if (!StudyPixel(emulator, widget, p, &at, error)) return false;
-        pixels.push_back(at);
-    }
-    return PlaceStudyAt(emulator, widget, name, pixels, id, error);
-}
+namespace {
 
-bool PlaceStudyAt(Emulator& emulator, void* widget, const std::string& name, const std::vector<QPoint>& pixels,
-                  std::int32_t* id, std::string* error) {
+// The clicks of a placement; `pixelOf(k)` names where click k lands, asked just before it
+// (the chart may rescale its prices as the study's points arrive).
+bool place(Emulator& emulator, void* widget, const std::string& name, std::size_t clicks,
+           const std::function<bool(std::size_t, QPoint*)>& pixelOf, std::int32_t* id, std::string* error) {
     QPointer<QWidget> chart(emulator.charts().chartWidget(widget));
     if (!chart) return fail(error, "not a chart window");
-    if (pixels.empty()) return fail(error, "no points to click");
+    if (clicks == 0) return fail(error, "no points to click");
     LineStudies& studies = emulator.studies();
     const std::vector<std::int32_t> before = studies.ids();
     const int ended = studies.endedDrawing();
-    if (!studies.chooseTool(name)) return fail(error, "no study named \"" + name + "\"");
+    if (!ls::kindFromName(name, nullptr)) return fail(error, "no study named \"" + name + "\"");
     const bool poly = name == "PolyLine";
-    QPoint from = pixels.front();
-    for (std::size_t k = 0; k < pixels.size() && chart; ++k) {
-        const QPoint to = pixels[k];
+    QPoint from;
+    bool chosen = false;
+    for (std::size_t k = 0; k < clicks && chart; ++k) {
+        QPoint to;
+        if (!pixelOf(k, &to)) {
+            studies.clearTool();
+            // A study half placed goes, as Escape takes it.
+            if (chosen && chart) emulator.charts().pressKey(widget, Qt::Key_Escape);
+            return false;
+        }
+        if (!chosen) {
+            // The tool is chosen once the first point is found: the probes before it are
+            // plain mouse moves.
+            studies.chooseTool(name);
+            chosen = true;
+            from = to;
+        }
         for (int s = 1; s <= kBandSteps && chart; ++s)
             mouse(chart, QEvent::MouseMove, from + (to - from) * s / kBandSteps, Qt::NoButton, Qt::NoButton);
         if (!chart) break;
@@ -217,6 +226,33 @@ bool PlaceStudyAt(Emulator& emulator, void* widget, const std::string& name, con
     if (studies.endedDrawing() == ended) return fail(error, "the chart did not finish the \"" + name + "\" study");
     if (id) *id = made;
     return true;
+}
+
+}  // namespace
+
+bool PlaceStudy(Emulator& emulator, void* widget, const std::string& name, const std::vector<StudyPoint>& points,
+                std::int32_t* id, std::string* error) {
+    std::vector<StudyPoint> clicks;
+    if (!StudyClicks(name, points, &clicks, error)) return false;
+    // Every point must be in view before anything is clicked.
+    for (const StudyPoint& p : clicks) {
+        QPoint at;
+        if (!StudyPixel(emulator, widget, p, &at, error)) return false;
+    }
+    return place(
+        emulator, widget, name, clicks.size(),
+        [&](std::size_t k, QPoint* at) { return StudyPixel(emulator, widget, clicks[k], at, error); }, id, error);
+}
+
+bool PlaceStudyAt(Emulator& emulator, void* widget, const std::string& name, const std::vector<QPoint>& pixels,
+                  std::int32_t* id, std::string* error) {
+    return place(
+        emulator, widget, name, pixels.size(),
+        [&](std::size_t k, QPoint* at) {
+            *at = pixels[k];
+            return true;
+        },
+        id, error);
 }
 
 bool ParseStudy(const std::string& text, std::string* name, std::vector<StudyPoint>* points) {

@@ -1,0 +1,383 @@
+// Line studies drawn on a real chart window through the module's entry points: the study
+// tool is chosen in the emulated terminal, the chart is driven with mouse and key events at
+// the pixels the status bar names, the host's provider computes the geometry. Placing with
+// the rubber band, selecting, dragging, undoing, saving and restoring, deleting, and a
+// terminal that answers badly.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QLabel>
+#include <QImage>
+#include <QMouseEvent>
+#include <QPointer>
+#include <QTemporaryDir>
+#include <QWidget>
+#include <cmath>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "ModuleHostTest.h"
+#include "host/ChartLayouts.h"
+#include "host/ChartWindows.h"
+#include "host/DataCore.h"
+#include "host/Emulator.h"
+#include "host/LineStudies.h"
+#include "host/MainWindowService.h"
+#include "host/StudyGestures.h"
+#include "host/UndoStack.h"
+#include "host/data/ChartObject.h"
+
+using host::StudyPoint;
+using host::data::ChartType;
+
+namespace {
+
+const QSize kSize(1000, 700);
+
+class StudiesOnAChart : public ModuleHostTest {
+protected:
+    void SetUp() override {
+        Start();
+        widget = Charts().create(ChartType::PointAndFigure);
+        ASSERT_NE(widget, nullptr);
+        ASSERT_EQ(Charts().drop(widget, {"USDCHF"}), 0);
+        ASSERT_FALSE(Picture().isNull());
+        chart = Charts().chartWidget(widget);
+        ASSERT_NE(chart, nullptr);
+        // The newest columns in view, with the free space after them.
+        Charts().pressKey(widget, Qt::Key_End);
+        const auto objects = emulator->data().chartObjects();
+        ASSERT_EQ(objects.size(), 1u);
+        records = objects[0]->records();
+        ASSERT_GT(records.size(), 300u);
+    }
+    void TearDown() override {
+        if (emulator) emulator->charts().destroyAll();
+    }
+    host::ChartWindows& Charts() { return emulator->charts(); }
+    host::LineStudies& LS() { return emulator->studies(); }
+    QImage Picture() { return Charts().grab(widget, kSize); }
+    std::size_t Count(unsigned int message) { return H().journal().find(message).size(); }
+    // A point on the column `back` columns before the last one.
+    StudyPoint Column(int back, double price) { return StudyPoint{records[records.size() - 1 - std::size_t(back)].time, price}; }
+    QPoint Pixel(const StudyPoint& p) {
+        QPoint at;
+        std::string error;
+        EXPECT_TRUE(host::StudyPixel(*emulator, widget, p, &at, &error)) << error;
+        return at;
+    }
+    void Mouse(QEvent::Type type, const QPoint& at, Qt::MouseButton button = Qt::LeftButton,
+               Qt::MouseButtons buttons = Qt::LeftButton, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QMouseEvent event(type, at, chart->mapToGlobal(at), button, buttons, modifiers);
+        QApplication::sendEvent(chart, &event);
+    }
+    void Move(const QPoint& at, Qt::MouseButtons buttons = Qt::NoButton) {
+        Mouse(QEvent::MouseMove, at, Qt::NoButton, buttons);
+    }
+    void Click(const QPoint& at) {
+        Mouse(QEvent::MouseButtonPress, at);
+        Mouse(QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton);
+    }
+    // A press at `from`, moves in steps with the button held, a release at `to`.
+    void Drag(const QPoint& from, const QPoint& to) {
+        Mouse(QEvent::MouseButtonPress, from);
+        for (int s = 1; s <= 5; ++s) Move(from + (to - from) * s / 5, Qt::LeftButton);
+        Mouse(QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton);
+    }
+    std::int32_t Place(const std::string& name, const std::vector<StudyPoint>& points) {
+        std::int32_t id = 0;
+        std::string error;
+        EXPECT_TRUE(host::PlaceStudy(*emulator, widget, name, points, &id, &error)) << name << ": " << error;
+        return id;
+    }
+    // A pixel of the first area far from anything drawn: a click there selects nothing.
+    QPoint Empty() { return Pixel(Column(290, 0.0)) + QPoint(0, -3); }
+    // The one live study's input points as the chart sent them last.
+    std::vector<lsPointShape> PointsOf(std::int32_t id) {
+        const host::LineStudies::Study* s = LS().study(id);
+        return s ? s->in : std::vector<lsPointShape>();
+    }
+    std::int32_t Newest() {
+        const std::vector<std::int32_t> ids = LS().ids();
+        return ids.empty() ? 0 : ids.back();
+    }
+
+    void* widget = nullptr;
+    QWidget* chart = nullptr;
+    std::vector<fxChartTypeRecord> records;
+};
+
+bool SamePoints(const std::vector<lsPointShape>& a, const std::vector<lsPointShape>& b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (a[i].m_typePoint != b[i].m_typePoint || a[i].m_xTime != b[i].m_xTime || a[i].index != b[i].index ||
+            a[i].indexType != b[i].indexType || a[i].value != b[i].value)
+            return false;
+    return true;
+}
+
+}  // namespace
+
+TEST_F(StudiesOnAChart, TheStatusBarLeadsToThePixelOfAColumnAndAPrice) {
+    QLabel* time = emulator->mainWindow().timeLabel();
+    QLabel* price = emulator->mainWindow().priceLabel();
+    for (int back : {0, 7, 150, 290}) {
+        const std::size_t i = records.size() - 1 - std::size_t(back);
+        const double wanted = double(records[i].value);
+        // A time inside the column (after its first quote) still names that column.
+        const QPoint at = Pixel(StudyPoint{records[i].time + 60, wanted});
+        Move(at);
+        EXPECT_EQ(QDateTime::fromString(time->text(), QStringLiteral("dd.MM.yyyy hh:mm:ss")).toSecsSinceEpoch() -
+                      QDateTime::fromString(QStringLiteral("01.01.1970 00:00:00"), QStringLiteral("dd.MM.yyyy hh:mm:ss"))
+                          .toSecsSinceEpoch(),
+                  records[i].time)
+            << "column " << back << " from the end";
+        // Within two rows of pixels.
+        EXPECT_NEAR(price->text().toDouble(), wanted, 0.0007) << "column " << back << " from the end";
+    }
+    // Out of view: before the first column shown, or after the free space.
+    QPoint at;
+    std::string error;
+    EXPECT_FALSE(host::StudyPixel(*emulator, widget, StudyPoint{0, 1.5}, &at, &error));
+    EXPECT_NE(error.find("not in view"), std::string::npos) << error;
+    // After the last column, with the end of the data in view: the last column.
+    const QPoint last = Pixel(StudyPoint{records.back().time, 1.5});
+    EXPECT_EQ(Pixel(StudyPoint{records.back().time + 86400, 1.5}), last);
+    // Scrolled back to the start: the end is out of view.
+    Charts().pressKey(widget, Qt::Key_Home);
+    EXPECT_FALSE(host::StudyPixel(*emulator, widget, StudyPoint{records.back().time, 1.5}, &at, &error));
+}
+
+TEST_F(StudiesOnAChart, EveryStudyIsPlacedPointByPointWithTheRubberBand) {
+    const struct {
+        const char* name;
+        int clicks;
+        int firstColumn;
+    } studies[] = {{"HLine", 1, 280}, {"VLine", 1, 260}, {"Line", 2, 240}, {"Text", 1, 220},
+                   {"Arc", 2, 200},   {"Chanel", 4, 170}, {"Andrews Pitchfork", 4, 130}, {"PolyLine", 3, 80}};
+    // A price in the middle of the first area.
+    const double price = double(records[records.size() - 150].value);
+    for (const auto& s : studies) {
+        SCOPED_TRACE(s.name);
+        std::vector<QPoint> pixels;
+        std::vector<std::int32_t> times;
+        for (int k = 0; k < s.clicks; ++k) {
+            const StudyPoint p = Column(s.firstColumn - 8 * k, price + 0.004 * (k % 2));
+            pixels.push_back(Pixel(p));
+            times.push_back(p.time);
+        }
+        const std::size_t created = Count(MSG_LS_CREATE_OBJECT);
+        const int ended = LS().endedDrawing();
+        ASSERT_TRUE(LS().chooseTool(s.name));
+        for (int k = 0; k < s.clicks; ++k) {
+            if (k > 0) {
+                // The rubber band: each move while placing is one exchange with the host.
+                for (int step = 1; step <= 3; ++step) {
+                    const std::size_t before = Count(MSG_LS_GET_LIST_CONTROLPOINTER);
+                    Move(pixels[std::size_t(k) - 1] + (pixels[std::size_t(k)] - pixels[std::size_t(k) - 1]) * step / 3);
+                    EXPECT_EQ(Count(MSG_LS_GET_LIST_CONTROLPOINTER), before + 1) << "move " << step << " to point " << k;
+                }
+            } else {
+                Move(pixels[0]);
+            }
+            const std::size_t attached = Count(MSG_LS_ATTACH);
+            Click(pixels[std::size_t(k)]);
+            if (k == 0) EXPECT_EQ(Count(MSG_LS_CREATE_OBJECT), created + 1);
+            if (k + 1 == s.clicks && std::string(s.name) != "PolyLine") {
+                EXPECT_EQ(LS().endedDrawing(), ended + 1) << "3501 when the last point is placed";
+                EXPECT_GT(Count(MSG_LS_ATTACH), attached) << "3068 when the study is finished";
+            } else {
+                EXPECT_EQ(LS().endedDrawing(), ended) << "still placing after point " << k;
+            }
+        }
+        if (std::string(s.name) == "PolyLine") {
+            // Finished early by a double click on its last point.
+            Mouse(QEvent::MouseButtonDblClick, pixels.back());
+            Mouse(QEvent::MouseButtonRelease, pixels.back(), Qt::LeftButton, Qt::NoButton);
+            EXPECT_EQ(LS().endedDrawing(), ended + 1);
+        }
+        EXPECT_TRUE(LS().tool().empty()) << "the chart ended the drawing mode";
+        const std::vector<lsPointShape> in = PointsOf(Newest());
+        ASSERT_GE(in.size(), std::size_t(s.clicks));
+        for (int k = 0; k < s.clicks && std::string(s.name) != "Andrews Pitchfork"; ++k)
+            EXPECT_EQ(in[std::size_t(k)].m_xTime, times[std::size_t(k)]) << "point " << k;
+        if (std::string(s.name) == "PolyLine") {
+            EXPECT_EQ(in[2].m_typePoint, LS_POINT_LAST);
+        }
+    }
+    EXPECT_EQ(LS().ids().size(), 8u);
+}
+
+TEST_F(StudiesOnAChart, DragsOfOnePointAndOfTheWholeStudyAreUndoneExactly) {
+    const double price = double(records[records.size() - 100].value);
+    const StudyPoint a = Column(120, price), b = Column(60, price + 0.01);
+    const std::int32_t id = Place("Line", {a, b});
+    ASSERT_NE(id, 0);
+    const std::vector<lsPointShape> placed = PointsOf(id);
+    const std::size_t steps = emulator->undo().titles().size();
+
+    // One point: its marker is pressed (the study is still selected) and dragged.
+    const QPoint end = Pixel(b);
+    Drag(end, end + QPoint(40, -30));
+    const std::vector<lsPointShape> pointMoved = PointsOf(Newest());
+    ASSERT_FALSE(SamePoints(pointMoved, placed));
+    EXPECT_EQ(pointMoved[0].m_xTime, placed[0].m_xTime) << "the other point stays";
+    EXPECT_FLOAT_EQ(pointMoved[0].value, placed[0].value);
+    EXPECT_EQ(emulator->undo().titles().size(), steps + 1);
+
+    // The whole study: pressed on the line between its points, away from the markers.
+    const QPoint start = Pixel(a);
+    const QPoint middle = (start + end + QPoint(40, -30)) / 2;
+    Drag(middle, middle + QPoint(-25, 20));
+    const std::vector<lsPointShape> wholeMoved = PointsOf(Newest());
+    ASSERT_FALSE(SamePoints(wholeMoved, pointMoved));
+    EXPECT_NE(wholeMoved[0].m_xTime, pointMoved[0].m_xTime);
+    EXPECT_NE(wholeMoved[1].m_xTime, pointMoved[1].m_xTime);
+    EXPECT_EQ(emulator->undo().titles().size(), steps + 2);
+
+    // A press and release in place records nothing.
+    Drag(middle + QPoint(-25, 20), middle + QPoint(-25, 20));
+    EXPECT_EQ(emulator->undo().titles().size(), steps + 2);
+
+    host::UndoStack::Undo u = emulator->undo().undo();
+    ASSERT_TRUE(u.sent && u.replied);
+    EXPECT_TRUE(SamePoints(PointsOf(Newest()), pointMoved));
+    u = emulator->undo().undo();
+    ASSERT_TRUE(u.sent && u.replied);
+    EXPECT_TRUE(SamePoints(PointsOf(Newest()), placed));
+}
+
+TEST_F(StudiesOnAChart, EveryStudySavedInALayoutComesBackWithTheSamePicture) {
+    const double p = double(records[records.size() - 150].value);
+    ASSERT_NE(Place("HLine", {Column(250, p + 0.01)}), 0);
+    ASSERT_NE(Place("VLine", {Column(230, p)}), 0);
+    ASSERT_NE(Place("Line", {Column(220, p), Column(180, p + 0.02)}), 0);
+    ASSERT_NE(Place("Text", {Column(200, p - 0.01)}), 0);
+    ASSERT_NE(Place("Arc", {Column(170, p - 0.02), Column(150, p)}), 0);
+    ASSERT_NE(Place("Chanel", {Column(140, p), Column(110, p + 0.01), Column(125, p + 0.02)}), 0);
+    ASSERT_NE(Place("Andrews Pitchfork", {Column(100, p), Column(80, p + 0.02), Column(70, p - 0.01)}), 0);
+    ASSERT_NE(Place("PolyLine", {Column(60, p), Column(50, p + 0.01), Column(40, p - 0.005), Column(30, p + 0.02)}), 0);
+    ASSERT_EQ(LS().ids().size(), 8u);
+    Click(Empty());  // nothing selected: a restored window selects nothing either
+    const QImage drawn = Picture();
+
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("studies.xml"));
+    QString why;
+    ASSERT_TRUE(emulator->layouts().save(widget, path, &why)) << why.toStdString();
+    ASSERT_TRUE(Charts().destroy(widget));
+    const std::size_t before = LS().ids().size();
+    widget = emulator->layouts().load(ChartType::PointAndFigure, path, &why);
+    ASSERT_NE(widget, nullptr) << why.toStdString();
+    chart = Charts().chartWidget(widget);
+    // Each study made again in the host, with the points it was saved with.
+    ASSERT_EQ(LS().ids().size(), before + 8);
+    const QImage restored = Picture();
+    EXPECT_TRUE(restored == drawn) << "the restored window shows another picture";
+    if (restored != drawn) {
+        drawn.save(QDir::temp().filePath(QStringLiteral("ls-drawn.png")));
+        restored.save(QDir::temp().filePath(QStringLiteral("ls-restored.png")));
+    }
+}
+
+TEST_F(StudiesOnAChart, DeletedStudiesLeaveTheHostAndTheUndoBringsThemBack) {
+    const QImage empty = Picture();
+    const double p = double(records[records.size() - 150].value);
+    const StudyPoint at = Column(200, p);
+    const std::int32_t id = Place("HLine", {at});
+    ASSERT_NE(id, 0);
+    Click(Empty());
+    const QImage drawn = Picture();
+    ASSERT_NE(drawn, empty);
+    const std::vector<lsPointShape> points = PointsOf(id);
+
+    // Selected with a click on the line, deleted with the Delete key.
+    Click(Pixel(at) + QPoint(60, 0));
+    EXPECT_EQ(LS().focus(), id);
+    const std::size_t detached = Count(MSG_LS_DETACH);
+    Charts().pressKey(widget, Qt::Key_Delete);
+    EXPECT_EQ(LS().study(id), nullptr);
+    ASSERT_FALSE(LS().deleted().empty());
+    EXPECT_EQ(LS().deleted().back(), id);
+    EXPECT_GT(Count(MSG_LS_DETACH), detached);
+    EXPECT_EQ(Picture(), empty);
+
+    const host::UndoStack::Undo u = emulator->undo().undo();
+    ASSERT_TRUE(u.sent && u.replied);
+    EXPECT_EQ(u.result, 0);
+    ASSERT_EQ(LS().ids().size(), 1u);
+    EXPECT_TRUE(SamePoints(PointsOf(Newest()), points));
+    Click(Empty());
+    EXPECT_EQ(Picture(), drawn);
+}
+
+TEST_F(StudiesOnAChart, HostileRepliesLeaveTheChartWorking) {
+    const double p = double(records[records.size() - 150].value);
+    const StudyPoint a = Column(200, p), b = Column(150, p + 0.01);
+    const QImage before = Picture();
+    std::vector<host::LineStudies::Faults> faults(9);
+    faults[0].zeroId = true;
+    faults[1].errorFlag = true;
+    faults[2].overrideShapeCount = true, faults[2].shapeCount = -1;
+    faults[3].overrideShapeCount = true, faults[3].shapeCount = 1 << 30;
+    faults[4].overrideShapeSize = true, faults[4].shapeSize = -8;
+    faults[5].overrideShapeSize = true, faults[5].shapeSize = 0x7FFFFFFF;
+    faults[6].overrideShapeType = true, faults[6].shapeType = 1;
+    faults[7].overrideShapeType = true, faults[7].shapeType = 99;
+    faults[8].overrideShapeType = true, faults[8].shapeType = -5;
+    const QPoint pa = Pixel(a), pb = Pixel(b);
+    for (std::size_t i = 0; i < faults.size(); ++i) {
+        SCOPED_TRACE("fault " + std::to_string(i));
+        LS().setFaults(faults[i]);
+        ASSERT_TRUE(LS().chooseTool("Line"));
+        Move(pa);
+        Click(pa);
+        Move((pa + pb) / 2);
+        Move(pb);
+        Click(pb);
+        ASSERT_FALSE(Picture().isNull());
+        // Whatever the chart kept of it, Escape and a click elsewhere leave nothing being placed.
+        Charts().pressKey(widget, Qt::Key_Escape);
+        LS().clearTool();
+        Click(Empty());
+    }
+    LS().setFaults(host::LineStudies::Faults());
+    // An update for a study nobody has.
+    EXPECT_NO_FATAL_FAILURE(LS().sendUpdate(424242));
+    EXPECT_NO_FATAL_FAILURE(LS().sendUpdate(0, true));
+    // Whatever the faults left, the chart places a study again and draws it.
+    for (std::int32_t id : LS().ids()) {
+        const host::LineStudies::Study* s = LS().study(id);
+        ASSERT_NE(s, nullptr);
+    }
+    const std::int32_t id = Place("Line", {a, b});
+    ASSERT_NE(id, 0);
+    EXPECT_NE(Picture(), before);
+}
+
+TEST_F(StudiesOnAChart, ArrivingPricesMakeTheChartFetchItsStudiesAgain) {
+    const double p = double(records[records.size() - 150].value);
+    const std::int32_t id = Place("HLine", {Column(100, p)});
+    ASSERT_NE(id, 0);
+    const std::size_t exchanges = Count(MSG_LS_GET_LIST_CONTROLPOINTER);
+    // New quotes a long way up: new columns on the study's line.
+    const host::data::Instrument* usdchf = emulator->data().instrument("USDCHF");
+    ASSERT_NE(usdchf, nullptr);
+    host::data::Quote q = usdchf->quotes().back();
+    for (int i = 0; i < 20; ++i) {
+        q.time += 1800;
+        q.close += 0.01 * (i % 4 == 3 ? -3 : 1);
+        q.open = q.high = q.low = q.close;
+        ASSERT_TRUE(emulator->data().append("USDCHF", q));
+    }
+    ASSERT_FALSE(LS().updates().empty());
+    for (const auto& u : LS().updates()) {
+        EXPECT_EQ(u.id, id);
+        EXPECT_EQ(u.answer, 0);
+    }
+    EXPECT_GE(Count(MSG_LS_GET_LIST_CONTROLPOINTER), exchanges + LS().updates().size());
+    EXPECT_FALSE(Picture().isNull());
+}

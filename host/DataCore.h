@@ -72,6 +72,9 @@ public:
                                      std::string* error = nullptr);
     // A loaded or built-in instrument; null when there is none of that name.
     data::Instrument* instrument(const std::string& name);
+    // Forgets an instrument with its base series and every chart object made from it; their
+    // handles become unknown. False for a name not loaded.
+    bool removeInstrument(const std::string& name);
     // Names of the loaded and built-in instruments, sorted.
     std::vector<std::string> instrumentNames() const;
     // Path of a built-in instrument's file; empty for other names.

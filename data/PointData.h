@@ -51,6 +51,19 @@ public:
     float GetStepX() const { return stepX_; }
     // The current pen style (Qt::PenStyle value): 1 solid, 3 or 4 while the line is selected.
     int GetPenStyle() const { return penStyle_; }
+    // What a Draw leaves behind for later readers: the column width, the x reached and the
+    // pen style. A line that shows a picture of an earlier Draw puts it back.
+    struct DrawState {
+        float stepX;
+        float xPos;
+        int penStyle;
+    };
+    DrawState GetDrawState() const { return DrawState{stepX_, xPos_, penStyle_}; }
+    void SetDrawState(const DrawState& state) {
+        stepX_ = state.stepX;
+        xPos_ = state.xPos;
+        penStyle_ = state.penStyle;
+    }
     gx::Line* GetLine() const { return line_; }
     const boost::shared_ptr<ScaleEngine>& GetEngine() const { return engine_; }
 

@@ -44,6 +44,8 @@ bool Indicator::UpdateLines() {
             if (lines_[static_cast<std::size_t>(i)]->GetArray() != array) {
                 lines_[static_cast<std::size_t>(i)]->SetArray(array);
                 changed = true;
+            } else {
+                lines_[static_cast<std::size_t>(i)]->DataChanged();
             }
         } else {
             AddLine(array);

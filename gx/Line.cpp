@@ -12,6 +12,7 @@
 #include "gx/Area.h"
 #include "gx/Caption.h"
 #include "gx/Chart.h"
+#include "gx/FigurePicture.h"
 #include "gx/IndexRule.h"
 #include "gx/Indicator.h"
 #include "gx/Layer.h"
@@ -21,17 +22,18 @@ namespace gx {
 
 Line::Line(Indicator* indicator, fxDataPointArray* array, const boost::shared_ptr<pf::ScaleEngine>& engine,
            const QRect& rect)
-    : Object(rect), array_(array), engine_(engine), indicator_(indicator) {
+    : Object(rect), array_(array), picture_(new FigurePicture), engine_(engine), indicator_(indicator) {
     if (array_) renderer_ = pf::PointDataFactory::Instance().Create(array_->name.name, engine_, this);
 }
 
 Line::Line(Indicator* indicator, const boost::shared_ptr<pf::ScaleEngine>& engine, const QRect& rect)
-    : Object(rect), engine_(engine), indicator_(indicator) {}
+    : Object(rect), picture_(new FigurePicture), engine_(engine), indicator_(indicator) {}
 
 Line::~Line() = default;
 
 void Line::SetArray(fxDataPointArray* array) {
     array_ = array;
+    ++generation_;
     if (array_ && !renderer_) renderer_ = pf::PointDataFactory::Instance().Create(array_->name.name, engine_, this);
 }
 
@@ -60,10 +62,7 @@ int Line::GetIndex() const { return indicator_ ? IndexOf(indicator_->GetLines(),
 
 void Line::Draw(QPainter& painter) const {
     if (Size() < 1 || !renderer_) return;
-    painter.save();
-    painter.setClipRect(rect_);
-    renderer_->Draw(painter, array_);
-    painter.restore();
+    picture_->Draw(painter, rect_, *renderer_, array_, IsSelected(), generation_);
     // The caption shows the colour of the last line drawn in the area.
     Layer* layer = indicator_ ? indicator_->GetLayer() : nullptr;
     Area* area = layer ? layer->GetArea() : nullptr;

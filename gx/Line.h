@@ -5,6 +5,7 @@
 #pragma once
 
 #include <QString>
+#include <boost/scoped_ptr.hpp>
 #include <boost/shared_ptr.hpp>
 #include <cstdint>
 #include <vector>
@@ -27,6 +28,8 @@ class Chart;
 class Indicator;
 class LineStudy;
 class TimeScale;
+
+class FigurePicture;
 
 class Line : public Object {
 public:
@@ -57,6 +60,8 @@ public:
 
     // The host's newer array of the same data (after an update): the renderer keeps going.
     void SetArray(fxDataPointArray* array);
+    // The array's records changed in place (the host's update came with the same array).
+    void DataChanged() { ++generation_; }
     fxDataPointArray* GetArray() const { return array_; }
     int Size() const;
     Chart* GetChart() const;
@@ -113,6 +118,10 @@ public:
 
 private:
     fxDataPointArray* array_ = nullptr;
+    // What the renderer drew last, blitted while nothing it reads has changed; the
+    // generation counts replacements and in-place changes of the array.
+    boost::scoped_ptr<FigurePicture> picture_;
+    unsigned generation_ = 0;
     boost::shared_ptr<pf::PointData> renderer_;
     boost::shared_ptr<pf::ScaleEngine> engine_;
     QString name_;

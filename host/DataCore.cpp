@@ -196,6 +196,21 @@ std::vector<fxDataPointArray*> DataCore::arrays(void* handle) const {
     return o ? std::vector<fxDataPointArray*>{o->array()} : std::vector<fxDataPointArray*>();
 }
 
+bool DataCore::removeInstrument(const std::string& name) {
+    auto it = instruments_.find(name);
+    if (it == instruments_.end()) return false;
+    const data::Instrument* instrument = it->second.get();
+    for (auto o = objects_.begin(); o != objects_.end();) {
+        if (&o->second->instrument() == instrument)
+            o = objects_.erase(o);
+        else
+            ++o;
+    }
+    bases_.erase(instrument);
+    instruments_.erase(it);
+    return true;
+}
+
 bool DataCore::release(void* handle) {
     if (!chart(handle)) return false;
     objects_.erase(handle);

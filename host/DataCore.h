@@ -80,6 +80,9 @@ public:
     data::Instrument* instrument(const std::string& name);
     // An instrument loaded already; null otherwise (a built-in is not loaded by asking).
     data::Instrument* loaded(const std::string& name) const;
+    // Forgets an instrument with its base series and every chart object made from it; their
+    // handles become unknown. False for a name not loaded.
+    bool removeInstrument(const std::string& name);
     // Names of the loaded and built-in instruments, sorted.
     std::vector<std::string> instrumentNames() const;
     // Path of a built-in instrument's file; empty for other names.

@@ -52,6 +52,17 @@ std::vector<Host::Interface> Host::findInterfaces(const std::string& kind,
     return out;
 }
 
+Host::Handler Host::handler(unsigned int message) const {
+    auto it = handlers_.find(message);
+    return it == handlers_.end() ? Handler() : it->second;
+}
+
+std::vector<unsigned int> Host::handledMessages() const {
+    std::vector<unsigned int> out;
+    for (const auto& entry : handlers_) out.push_back(entry.first);
+    return out;
+}
+
 int Host::dispatch(void* target, unsigned int message, std::intptr_t p1, std::intptr_t p2) {
     // The entry is made before the handler runs so that messages the handler sends back
     // to the module appear after the request that caused them.

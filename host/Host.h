@@ -43,6 +43,10 @@ public:
 
     void on(unsigned int message, Handler handler);
     bool handles(unsigned int message) const;
+    // The handler registered for `message` (empty when none is), and every number that has
+    // one: a test can wrap a service's answers without knowing the service.
+    Handler handler(unsigned int message) const;
+    std::vector<unsigned int> handledMessages() const;
 
     // A new handle, unique in this host, that fits in 32 bits.
     void* newHandle();

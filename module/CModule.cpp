@@ -104,7 +104,9 @@ void CModule::initFonts() {
     coreLanguageRequest request = {0, nullptr};
     if (sendToHost)
         sendToHost(hostHandle, MSG_LANGUAGE_COUNT, reinterpret_cast<std::intptr_t>(&request), 0);
-    if (!sendToHost || request.count < 1) {
+    // A count no terminal has (it would ask for gigabytes) is treated like none.
+    const std::int32_t kMaxLanguages = 1000;
+    if (!sendToHost || request.count < 1 || request.count > kMaxLanguages) {
         SetFontManager(font::CreateManager(QStringLiteral("English")));
         return;
     }

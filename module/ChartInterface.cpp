@@ -185,7 +185,10 @@ int ChartInterface::FxWindowComponentGetCaption(const fxwcGetCaption* record, co
     const int capacity = request.capacity > 0 ? request.capacity : FXWC_CAPTION_DEFAULT_UNITS;
     const int units = std::min(title.size(), capacity - 1);
     std::memcpy(reply, title.utf16(), sizeof(coreWChar) * static_cast<std::size_t>(units));
-    reply[units] = 0;
+    // The host's buffer may sit at any address: the terminator is copied like the text.
+    const coreWChar terminator = 0;
+    std::memcpy(reinterpret_cast<char*>(reply) + sizeof(coreWChar) * static_cast<std::size_t>(units), &terminator,
+                sizeof terminator);
     return 0;
 }
 
@@ -232,7 +235,11 @@ int ChartInterface::ReceiveMessageWrap(void*, unsigned int message, std::intptr_
         case MSG_WC_UNICODE_NAME:
             return record ? GetUnicodeWindowComponentName(static_cast<fxwcNameCompUnicode*>(record)) : 1;
         case MSG_WC_QUERY:
-            if (record) *static_cast<std::int32_t*>(record) = 1;
+            // The host's slot may sit at any address.
+            if (record) {
+                const std::int32_t one = 1;
+                std::memcpy(record, &one, sizeof one);
+            }
             return 0;
         case MSG_WC_CREATE:
             if (!record) return 1;

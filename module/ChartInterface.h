@@ -13,6 +13,36 @@
 class PFChartModule;
 class PFChartWidget;
 
+// The messages of a chart type interface and what each does with hostile input. A window
+// ("widget") is acted on only when this interface lists it (IsListed): any other address,
+// a destroyed window's, another interface's window or an invented one, is compared and
+// never dereferenced. Records are read by value (they are packed and may sit at any
+// address); text fields are cut at their end whether terminated or not.
+//
+//   5001  nameComponent: 1 for a null record; else filled, 0.
+//   5022  fxwcNameCompUnicode: 1 for a null record. The icon is copied only into a non-null
+//         buffer whose size (iconSize) holds all of it; the name is always written. 0.
+//   5020  p1 an int32 slot: written when not null. 0.
+//   5003  CREATEWINDOWCOMPONENT: 1 for a null record. A window id that names no widget of
+//         the process makes a window without a parent. 0.
+//   5004  p1 the widget: 1 when not listed; else 3150, the window deleted, 0.
+//   5005, 5011  p1 the widget: 1 when not listed; else 0.
+//   5012  p1 the widget: 1 when not listed or busy; else printed, 0.
+//   5007  p1 the widget, p2 fxwcDropList: nothing for a widget not listed, a null list, a
+//         null record array or a count outside 1 to kMaxDroppedInstruments. 0.
+//   3518  p1 fxwcPanelTarget, p2 fxwcPanelStatus: 1 for a null target record; nothing for
+//         a null status or a widget not listed. 0.
+//   3020, 3021  p1 the widget, p2 coreSzNode: nothing for a null node or a widget not
+//         listed; node handles the host does not know read as an empty layout. 0.
+//   3009  coreCoreUpdateDpaData: 1 for a null record or a subscriber not listed; a data
+//         handle none of the window's lines has changes nothing. 0 otherwise.
+//   5025  fxwcGetOwnerForObj: 1 for a null record or an object no listed window holds (the
+//         record untouched); else 0 with the window and interface written.
+//   5034  fxwcGetCaption, p2 the reply buffer: nothing for a null record or buffer or a
+//         widget not listed; the title is cut to `capacity` units (the standard 256 for 0 or
+//         less) and terminated inside them. 0.
+//   10054 PROPERTY_CHANGE: nothing for a null record or a widget not listed. 0.
+//   other numbers: 0, nothing done.
 class ChartInterface : public QObject {
     Q_OBJECT
 public:

@@ -24,6 +24,28 @@ namespace gx {
 class TextStatusBar;
 }
 
+// The module-level messages and what each does with hostile input. Every message passes
+// CModule first (it acts on 3004 only), then the chart type interface it is addressed to
+// (ChartInterface.h), then the switch below; nothing thrown leaves ReceiveMessageWrap (the
+// answer is 1 then). Widgets are only ever acted on when one of the three interfaces lists
+// them: any other address, a destroyed window's included, is compared, never dereferenced.
+//
+//   3004  parameters unused. Languages: a host count of 0 or less, or over 1,000, reads no
+//         list and gives the "English" fonts. Answer 0.
+//   3007  parameters unused. Answer 0, also when the host refuses the registrations.
+//   3066  parameters unused. A deal-interface or account count of 0 or less, or over
+//         100,000, allocates and reads nothing; unfilled handle slots are skipped. Answer 0.
+//   3073  line-study update (lsUpdateRecord): not handled yet, answer 0 for any record.
+//   3114  FXEvent: a null record, or a null payload, does nothing. Codes other than 16002,
+//         16003 and 16048 are ignored; 16048 from a sender that is not one of the three
+//         interfaces, or with a payload count of 0 or less, is ignored. A day-off count of 0
+//         or less, or over 100,000, changes nothing. Answer 0.
+//   3140  coreUndoStart: 1 for a null record, a widget not listed or a busy one (no 3141
+//         then); otherwise the widget's UndoPop result, also sent with 3141.
+//   3545  a value, no record: 0 middle, 1 bid, any other value ask. Answer 0.
+//   3546  coreConvertList: a null record, or a count below 0 or of 100,000 and more, is left
+//         as it is (the accounts are re-read first all the same). Answer 0.
+//   other numbers: answer 0, nothing done.
 class PFChartModule : public CModule {
 public:
     PFChartModule();

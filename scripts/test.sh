@@ -4,7 +4,7 @@
 # running the same tests; the fuzz targets for a bounded time; and a short run of each
 # benchmark so that they stay working. Installs missing packages first.
 #
-#   PF_FUZZ_SECONDS   seconds per fuzz target (default 30)
+#   PF_FUZZ_SECONDS   seconds per fuzz target (default 30; at least 60 for fuzz_host_messages)
 #   PF_SKIP_ASAN=1    skip the sanitizer build (quicker local runs)
 #   PF_I386=1         also build and run the tests as 32-bit x86 programs (scripts/test-i386.sh)
 set -euo pipefail
@@ -73,9 +73,15 @@ if [ "${PF_SKIP_ASAN:-0}" != "1" ]; then
         [ -f "$f" ] && [ -x "$f" ] || continue
         name=$(basename "$f")
         mkdir -p "build/asan/fuzz-corpus/$name"
+        seconds=${PF_FUZZ_SECONDS:-30}
+        # The target that plays the whole host gets at least a minute.
+        if [ "$name" = fuzz_host_messages ] && [ "$seconds" -lt 60 ]; then seconds=60; fi
+        # Inputs of earlier findings are kept in the source tree and run first.
+        seeds=()
+        [ -d "tests/fuzz/corpus/$name" ] && seeds=("$PWD/tests/fuzz/corpus/$name")
         if (cd build/asan && QT_QPA_PLATFORM=offscreen ASAN_OPTIONS=detect_leaks=0 \
-              "tests/$name" -max_total_time="${PF_FUZZ_SECONDS:-30}" -rss_limit_mb=4096 \
-              "fuzz-corpus/$name" >"fuzz-corpus/$name.log" 2>&1); then
+              "tests/$name" -max_total_time="$seconds" -rss_limit_mb=4096 \
+              "fuzz-corpus/$name" "${seeds[@]}" >"fuzz-corpus/$name.log" 2>&1); then
             passed=$((passed + 1)); summary+=("fuzz $name: $(grep -Eo 'Done [0-9]+ runs' "build/asan/fuzz-corpus/$name.log" | tail -n 1)")
         else
             failed=$((failed + 1)); summary+=("fuzz $name: FINDING, see build/asan/fuzz-corpus/$name.log")

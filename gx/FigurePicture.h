@@ -1,0 +1,51 @@
+// The picture of one line's figures, kept between paints.
+//
+// The chart type interface's timer repaints every chart window each second, and most of
+// those paints find nothing new. Drawing a line's boxes, bricks or strokes again is most of
+// the cost of such a paint, so the line keeps what its renderer drew as an image of its data
+// rectangle and blits it while nothing the renderer reads has changed: the scale engine's
+// transform, the rectangle, the array (its header, the records from the first visible one
+// to the last drawn, and every replacement of it), the painter's render hints and pixel
+// ratio. A selected line is always drawn afresh, since its pen changes from one paint to
+// the next; so is a paint through a painter that scales, rotates, blends or antialiases
+// (the chart's own painters do none of these; a blended copy could differ in the last bit).
+//
+// The picture is drawn from the painter's own state into a transparent image and blitted
+// at whole pixels, so the window looks exactly as when drawn directly.
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QRect>
+
+#include "data/PointData.h"
+
+class QPainter;
+struct fxDataPointArray;
+
+namespace gx {
+
+class FigurePicture {
+public:
+    // Draws the renderer's figures of `array` inside `rect` (clipped to it), from the kept
+    // picture when it still shows them. `generation` changes whenever the line's array is
+    // replaced.
+    void Draw(QPainter& painter, const QRect& rect, pf::PointData& renderer, fxDataPointArray* array,
+              bool selected, unsigned generation);
+    // Forgets the picture.
+    void Clear();
+
+    // Pictures are kept unless switched off (tests compare both ways).
+    static void SetEnabled(bool enabled);
+    static bool Enabled();
+
+private:
+    QByteArray Key(const QPainter& painter, const QRect& rect, const pf::PointData& renderer,
+                   const fxDataPointArray* array, unsigned generation) const;
+
+    QImage image_;
+    QByteArray key_;
+    pf::PointData::DrawState state_{};
+};
+
+}  // namespace gx

@@ -84,8 +84,9 @@ TEST_F(Answerer, PrintDialogsPrintIntoPdfFilesOrAreRejected) {
     EXPECT_TRUE(QFileInfo(chosen).isFile());
     QProcess text;
     text.start("pdftotext", {chosen, "-"});
-    if (text.waitForFinished(10000))
+    if (text.waitForFinished(10000)) {
         EXPECT_EQ(QString::fromUtf8(text.readAllStandardOutput()).trimmed(), "Printing by KOVAR");
+    }
 
     answerer.setPrinting(DialogAnswerer::Printing::Reject);
     QPrinter refused;

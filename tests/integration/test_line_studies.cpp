@@ -185,7 +185,9 @@ TEST_F(StudiesOnAChart, EveryStudyIsPlacedPointByPointWithTheRubberBand) {
             }
             const std::size_t attached = Count(MSG_LS_ATTACH);
             Click(pixels[std::size_t(k)]);
-            if (k == 0) EXPECT_EQ(Count(MSG_LS_CREATE_OBJECT), created + 1);
+            if (k == 0) {
+                EXPECT_EQ(Count(MSG_LS_CREATE_OBJECT), created + 1);
+            }
             if (k + 1 == s.clicks && std::string(s.name) != "PolyLine") {
                 EXPECT_EQ(LS().endedDrawing(), ended + 1) << "3501 when the last point is placed";
                 EXPECT_GT(Count(MSG_LS_ATTACH), attached) << "3068 when the study is finished";

@@ -197,7 +197,9 @@ TEST(PropertyHead, AddersRecordGroupAndIndexAndCopiesAreDeep) {
     EXPECT_EQ(head.GetPropertyItem(b, 0), QVariant(4));
     EXPECT_EQ(copy.GetPropertyItem(b, 0), QVariant(8));
     EXPECT_EQ(head.GetPropertyItem(a, 0), QVariant(1));
-    EXPECT_NE(copy.getPropertyItem(a, 0)->value, head.getPropertyItem(a, 0)->value);
+    const void* copied = copy.getPropertyItem(a, 0)->value;
+    const void* original = head.getPropertyItem(a, 0)->value;
+    EXPECT_NE(copied, original);
     // The dialog's copy hands its values back to the original.
     EXPECT_EQ(head.CopyWidgetParam(*copy.GetPage()), 5);
     EXPECT_EQ(head.GetPropertyItem(b, 0), QVariant(8));

@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
-# Makes the Debian package of a build, unpacks it into a temporary root as dpkg would
-# install it (dpkg -x) and runs the installed pfhost from there: it must load the installed
-# module, not the build tree's, and read the built-in instruments from the installed examples.
+# Makes the Debian package of a build, installs it with dpkg into a temporary root (a dpkg
+# database of its own, so the machine's is left alone; the maintainer scripts run too) and
+# runs the installed pfhost from there: it must load the installed module, not the build
+# tree's, and read the built-in instruments from the installed examples. Removing the
+# package must leave no file of it behind. Where apt is there, the package's dependencies
+# must also resolve on this machine.
 #   check_package.sh BUILD_DIR SOURCE_DIR
 set -euo pipefail
 build=$1
@@ -19,13 +22,23 @@ echo "$(basename "$deb"): $(dpkg-deb -f "$deb" Depends)"
 [ "$(dpkg-deb -f "$deb" Package)" = pfchartmodule ] || fail "package name"
 dpkg-deb -f "$deb" Depends | grep -q libqt5widgets5 || fail "Depends lacks the Qt libraries"
 
-dpkg -x "$deb" "$tmp/root"
+if command -v apt-get >/dev/null; then
+    apt-get install --simulate "$deb" >"$tmp/apt.log" 2>&1 || { cat "$tmp/apt.log"; fail "dependencies do not resolve"; }
+fi
+mkdir -p "$tmp/root/var/lib/dpkg/info" "$tmp/root/var/lib/dpkg/updates"
+touch "$tmp/root/var/lib/dpkg/status"
+# The root holds no libraries, so dependencies are checked above, not here; scripts run
+# outside it (the root has no shell).
+in_root() { dpkg --root="$tmp/root" --log=/dev/null --force-depends --force-script-chrootless --force-not-root "$@"; }
+in_root -i "$deb" >"$tmp/dpkg.log" 2>&1 || { cat "$tmp/dpkg.log"; fail "dpkg -i failed"; }
+dpkg --root="$tmp/root" -s pfchartmodule | grep -q '^Status: install ok installed' || fail "not installed"
 usr=$tmp/root/usr
 module=$usr/lib/PFChartModule/libPFChartModule.so.1
 # Exactly these files: the module (no development link), the program and the examples.
 expected=$( (echo usr/bin/pfhost; echo usr/lib/PFChartModule/libPFChartModule.so.1
              cd "$src/examples" && find . -type f | sed 's|^\./|usr/share/PFChartModule/examples/|') | sort)
-actual=$(cd "$tmp/root" && find . -type f -o -type l | sed 's|^\./||' | sort)
+installed_files() { (cd "$tmp/root" && find . -path ./var/lib/dpkg -prune -o \( -type f -o -type l \) -print | sed 's|^\./||' | sort); }
+actual=$(installed_files)
 [ "$actual" = "$expected" ] || { diff <(echo "$expected") <(echo "$actual") >&2 || true; fail "unexpected contents"; }
 "$src/tests/check_exports.sh" "$module"
 
@@ -42,4 +55,7 @@ rm "$usr/share/PFChartModule/examples/usdchf-30min.csv"
 if "$usr/bin/pfhost" render --data USDCHF --type pf --out "$tmp/none.png" >/dev/null 2>&1; then
     fail "USDCHF was read from outside the installation"
 fi
-echo "package: installed pfhost loads the installed module and examples"
+cp "$src/examples/usdchf-30min.csv" "$usr/share/PFChartModule/examples/"
+in_root -r pfchartmodule >"$tmp/dpkg.log" 2>&1 || { cat "$tmp/dpkg.log"; fail "dpkg -r failed"; }
+[ -z "$(installed_files)" ] || { installed_files >&2; fail "files left after removal"; }
+echo "package: installed pfhost loads the installed module and examples; removal leaves nothing"

@@ -111,7 +111,7 @@ TEST_F(LineStudies, HostFailuresAtCreationAreRefusedAndTheChartGoesOn) {
     EXPECT_FALSE(widget->StartLineStudy(MiddleOfArea(0), provider.handle(), "Line", 0, false));
     EXPECT_EQ(host.find(MSG_LS_DELETE).size(), 1u);
     EXPECT_TRUE(Line().GetLineStudies().empty());
-    // The constructor itself throws the design's texts.
+    // The constructor itself throws its fixed texts.
     provider.errorAfter = -1;
     provider.zeroId = true;
     try {

@@ -19,7 +19,7 @@ cd "$(dirname "$0")/.."
 src=$(pwd -P)
 
 if [ "$(id -u)" -ne 0 ]; then
-    exec sudo --preserve-env=PF_I386_ROOT,PF_I386_MIRROR,PF_I386_REBUILD bash "$src/scripts/test-i386.sh" "$@"
+    exec sudo --preserve-env=PF_I386_ROOT,PF_I386_MIRROR,PF_I386_REBUILD,PF_I386_REQUIRED bash "$src/scripts/test-i386.sh" "$@"
 fi
 
 root=${PF_I386_ROOT:-/var/cache/pfchart-i386/root}

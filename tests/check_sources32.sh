@@ -6,7 +6,7 @@ set -euo pipefail
 src=$1
 qt=$2
 status=0
-for f in "$src"/module/*.cpp "$src"/data/*.cpp "$src"/gx/*.cpp "$src"/gx/*/*.cpp "$src"/gui/*.cpp "$src"/property/*.cpp "$src"/xml/*.cpp; do
+for f in "$src"/module/*.cpp "$src"/data/*.cpp "$src"/gx/*.cpp "$src"/gx/*/*.cpp "$src"/gui/*.cpp "$src"/property/*.cpp "$src"/xml/*.cpp "$src"/undo/*.cpp; do
     [ -f "$f" ] || continue
     if ! g++ -m32 -std=c++17 -fsyntax-only -fPIC -Werror=narrowing -I"$src" -I"$qt" -I"$qt/QtCore" -I"$qt/QtGui" \
             -I"$qt/QtWidgets" -I"$qt/QtXml" -I"$qt/QtPrintSupport" "$f"; then

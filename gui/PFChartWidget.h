@@ -18,6 +18,7 @@
 #include <boost/scoped_ptr.hpp>
 #include <boost/shared_ptr.hpp>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "abi/records.h"
@@ -135,8 +136,13 @@ public:
     void RecordLineDelete();
     // Records the area at `position` before it is closed.
     void RecordAreaDelete(int position);
-    // Records the points a line study had when its move began (after a move that changed it).
+    // After a move that changed `study`: unless a step is pending already, its move (with the
+    // points it had when the move began) becomes the pending undo step.
     void RecordLineStudyMove(gx::LineStudy* study);
+    bool HasPendingUndo() const { return pendingUndo_ != nullptr; }
+    // Records the pending step on the host's undo stack (3138/3139) and forgets it; called
+    // once the chart has handled the release, and before any other step is recorded.
+    void ExecutePendingUndo();
 
     // ---- line studies ----
     // True while the host's drawing mode has a study tool chosen (3500); `mode` gets it.
@@ -349,6 +355,8 @@ private:
     bool zoomRecording_ = false;
     bool autoScroll_ = false;
     bool replacePending_ = false;
+    struct PendingUndo;
+    std::shared_ptr<PendingUndo> pendingUndo_;  // shared: the type is complete only in its own file
     boost::shared_ptr<gx::Area> currentArea_;
     boost::shared_ptr<QMenu> areaMenu_;
     boost::shared_ptr<QMenu> indicatorMenu_;

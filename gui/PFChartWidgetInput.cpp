@@ -77,6 +77,7 @@ void PFChartWidget::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::RightButton) FillContextMenu();
     const bool zoomed = EndSelectedPF(*event);
     chart_->mouseReleaseEvent(*event);
+    ExecutePendingUndo();  // a study's move, kept while the chart handled the release
     if (zoomed || event->button() == Qt::MiddleButton || event->button() == Qt::RightButton) {
         update();
         return;

@@ -73,8 +73,8 @@ struct LinePop {
 namespace {
 
 // Every line study that goes with the deletion (selected, or on a selected line): a "Node"
-// with its "LineStudy" (its host handle, its place, its point count), marked as deleted,
-// with the index the host gives the node (3147).
+// with its "LineStudy" (its host handle, its line, its point count), marked as deleted,
+// with its place among the studies of its line as "nodeIndex".
 void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
     const std::vector<boost::shared_ptr<gx::Area> >& areas = widget->GetChart()->GetAreas();
     for (std::size_t a = 0; a < areas.size(); ++a)
@@ -84,7 +84,9 @@ void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
                 const gx::Indicator& indicator = *layer.GetIndicators()[i];
                 for (std::size_t n = 0; n < indicator.GetLines().size(); ++n) {
                     const gx::Line& line = *indicator.GetLines()[n];
-                    for (const boost::shared_ptr<gx::LineStudy>& study : line.GetLineStudies()) {
+                    const std::vector<boost::shared_ptr<gx::LineStudy> >& studies = line.GetLineStudies();
+                    for (std::size_t k = 0; k < studies.size(); ++k) {
+                        const boost::shared_ptr<gx::LineStudy>& study = studies[k];
                         if (!study->IsSelected() && !line.IsSelected()) continue;
                         std::unique_ptr<CXMLWorkData> node(root->createNode("Node"));
                         if (!node) continue;
@@ -98,7 +100,7 @@ void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
                         saved->writeInteger("nIndicator", static_cast<int>(i));
                         saved->writeInteger("nLine", static_cast<int>(n));
                         saved->writeInteger("DeleteLS", 1);
-                        saved->writeInteger("nodeIndex", UndoRecord::NodeIndex(widget, *saved));
+                        saved->writeInteger("nodeIndex", static_cast<int>(k));
                         saved->writeParameters();
                     }
                 }
@@ -106,7 +108,9 @@ void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
         }
 }
 
-// The deleted line studies of a record, put back on their lines once the lines are back.
+// The deleted line studies of a record, put back on their lines once the lines are back,
+// each at its old place among its line's studies (a later move record finds it there). The
+// record lists a line's studies in their order, so each lands where it was.
 struct LineStudyPop {
     PFChartWidget* widget;
     int restored = 0;
@@ -114,18 +118,20 @@ struct LineStudyPop {
         if (node->readInteger("ObjectType", -1) != kObjectLineStudy) return;
         std::unique_ptr<CXMLWorkData> saved(node->getFirstNode("LineStudy"));
         if (!saved || saved->readInteger("DeleteLS", 0) != 1) return;
-        const int a = saved->readInteger("nArea", -1), l = saved->readInteger("nLayer", -1);
-        const int i = saved->readInteger("nIndicator", -1), n = saved->readInteger("nLine", -1);
-        const std::vector<boost::shared_ptr<gx::Area> >& areas = widget->GetChart()->GetAreas();
-        if (a < 0 || a >= static_cast<int>(areas.size())) return;
-        const std::vector<boost::shared_ptr<gx::Layer> >& layers = areas[std::size_t(a)]->GetLayers();
-        if (l < 0 || l >= static_cast<int>(layers.size())) return;
-        const std::vector<boost::shared_ptr<gx::Indicator> >& indicators = layers[std::size_t(l)]->GetIndicators();
-        if (i < 0 || i >= static_cast<int>(indicators.size())) return;
-        const std::vector<boost::shared_ptr<gx::Line> >& lines = indicators[std::size_t(i)]->GetLines();
-        if (n < 0 || n >= static_cast<int>(lines.size())) return;
+        const boost::shared_ptr<gx::Line> line =
+            UndoRecord::LineAt(widget, saved->readInteger("nArea", -1), saved->readInteger("nLayer", -1),
+                               saved->readInteger("nIndicator", -1), saved->readInteger("nLine", -1));
+        if (!line) return;
         // The host's study went with the deletion: it is made anew from the saved points.
-        if (gx::LineStudy::FromXML(lines[std::size_t(n)], saved.get())) ++restored;
+        const boost::shared_ptr<gx::LineStudy> study = gx::LineStudy::FromXML(line, saved.get());
+        if (!study) return;
+        ++restored;
+        std::vector<boost::shared_ptr<gx::LineStudy> >& studies = line->GetLineStudies();
+        const int from = UndoRecord::StudyIndex(*line, study.get());
+        const int to = saved->readInteger("nodeIndex", -1);
+        if (from < 0 || to < 0 || to >= from) return;
+        studies.erase(studies.begin() + from);
+        studies.insert(studies.begin() + to, study);
     }
 };
 

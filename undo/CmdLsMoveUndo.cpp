@@ -1,14 +1,13 @@
 #include "undo/CmdLsMoveUndo.h"
 
-#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <vector>
 
 #include "gui/PFChartWidget.h"
-#include "gx/Visitors.h"
-#include "gx/Walkers.h"
+#include "gx/Line.h"
 #include "gx/ls/LineStudy.h"
+#include "gx/ls/lsControlPointsShapesWrap.h"
 #include "undo/UndoRecord.h"
 #include "undo/XMLTreeWalker.h"
 #include "xml/CXMLWorkData.h"
@@ -21,17 +20,23 @@ struct MovePop {
     PFChartWidget* widget;
     int restored = 0;
     void Visit(CXMLWorkData* node) {
-        std::unique_ptr<CXMLWorkData> study(node->getFirstNode("LineStudy"));
-        if (!study || study->readInteger("MoveLS", 0) != 1) return;
-        if (study->readInteger("ObjectType", -1) != kObjectLineStudy) return;
-        const void* handle = reinterpret_cast<const void*>(static_cast<std::intptr_t>(study->readInteger("ObjHandle", 0)));
-        gx::FindLSByHandle found =
-            gx::WidgetWalker<gx::FindLSByHandle>(widget->GetChart(), gx::FindLSByHandle(handle)).Walk();
-        if (!handle || !found.found) return;
-        const int count = study->readInteger("ctrlPointCount", 0);
+        std::unique_ptr<CXMLWorkData> saved(node->getFirstNode("LineStudy"));
+        if (!saved || saved->readInteger("MoveLS", 0) != 1) return;
+        if (saved->readInteger("ObjectType", -1) != kObjectLineStudy) return;
+        const boost::shared_ptr<gx::Line> line =
+            UndoRecord::LineAt(widget, saved->readInteger("nArea", -1), saved->readInteger("nLayer", -1),
+                               saved->readInteger("nIndicator", -1), saved->readInteger("nLine", -1));
+        if (!line) return;
+        const int index = saved->readInteger("nodeIndex", -1);
+        const std::vector<boost::shared_ptr<gx::LineStudy> >& studies = line->GetLineStudies();
+        if (index < 0 || index >= static_cast<int>(studies.size())) return;
+        gx::LineStudy& study = *studies[std::size_t(index)];
+        // A place now held by a study of another kind is not the one that moved.
+        if (study.GetName() != saved->readString("ObjectName")) return;
+        const int count = saved->readInteger("ctrlPointCount", 0);
         if (count < 0 || count > gx::LineStudy::kMaxPoints) return;
         std::vector<lsPointShape> points;
-        std::unique_ptr<CXMLWorkData> child(study->getFirstNode("ControlPoint"));
+        std::unique_ptr<CXMLWorkData> child(saved->getFirstNode("ControlPoint"));
         while (child && static_cast<int>(points.size()) < count) {
             lsPointShape p;
             std::memset(&p, 0, sizeof p);
@@ -39,28 +44,33 @@ struct MovePop {
             p.m_xTime = child->readInteger("m_xTime", 0);
             p.value = child->readFloat("m_y", 0.0f);
             points.push_back(p);
-            child.reset(study->getNextNode());
+            child.reset(saved->getNextNode());
         }
-        if (count != found.found->GetCPCount()) found.found->UpdateCPCount(count);
-        found.found->RestorePoints(points);
+        if (count != study.GetCPCount()) study.UpdateCPCount(count);
+        study.RestorePoints(points);
         ++restored;
     }
 };
 
 }  // namespace
 
-void CmdLsMoveUndo::Execute(int, void* target, void* extra, void*, void*) {
+void CmdLsMoveUndo::Execute(int, void* target, void* extra, void* before, void*) {
     PFChartWidget* widget = static_cast<PFChartWidget*>(target);
     const gx::LineStudy* study = static_cast<const gx::LineStudy*>(extra);
-    if (!widget || !study) return;
+    if (!widget || !study || !study->GetLine()) return;
+    const gx::lsControlPointsShapesWrap* snapshot =
+        before ? static_cast<const gx::lsControlPointsShapesWrap*>(before) : study->GetMoveSnapshot();
+    const int index = UndoRecord::StudyIndex(*study->GetLine(), study);
+    if (!snapshot || index < 0) return;
     UndoRecord record(widget, "G0137");
     if (!record.Root()) return;
     std::unique_ptr<CXMLWorkData> node(record.Root()->createNode("Node"));
-    // The points as they were when the move began.
-    std::unique_ptr<CXMLWorkData> saved = study->ToXML(node.get(), study->GetMoveSnapshot());
+    if (!node) return;
+    // The points as they were when the move began; the node carries the place of the line.
+    std::unique_ptr<CXMLWorkData> saved = study->ToXML(node.get(), snapshot);
     if (!saved) return;
     saved->writeInteger("MoveLS", 1);
-    saved->writeInteger("nodeIndex", UndoRecord::NodeIndex(widget, *saved));
+    saved->writeInteger("nodeIndex", index);
     saved->writeParameters();
     node->writeParameters();
     record.Commit();

@@ -1,13 +1,16 @@
 // Moving a line study: its points as they were when the move began, under a "LineStudy"
-// node marked "MoveLS" with the node's index in the record (3147). Undo finds the study by
-// its handle and gives it those points back.
+// node marked "MoveLS". The node keeps the study's place: its line ("nArea", "nLayer",
+// "nIndicator", "nLine") and its place among that line's studies ("nodeIndex"). Undo finds
+// the study by that place, not by its host id: undoing a delete makes the study again in
+// the host with a new id, at its old place.
 #pragma once
 
 #include "undo/Command.h"
 
 class CmdLsMoveUndo : public Command {
 public:
-    // `extra` is the gx::LineStudy being moved.
-    void Execute(int, void* widget, void* extra, void*, void*) override;
+    // `extra` is the gx::LineStudy being moved, `before` a gx::lsControlPointsShapesWrap
+    // with its points from when the move began (null: the study's own move snapshot).
+    void Execute(int, void* widget, void* extra, void* before, void*) override;
     void UnExecute(int, void* widget, void* record, void* result, void*) override;
 };

@@ -5,6 +5,11 @@
 #include <cstring>
 
 #include "gui/PFChartWidget.h"
+#include "gx/Area.h"
+#include "gx/Chart.h"
+#include "gx/Indicator.h"
+#include "gx/Layer.h"
+#include "gx/Line.h"
 #include "module/PFChartModule.h"
 #include "xml/CXMLWorkData.h"
 
@@ -47,12 +52,25 @@ std::unique_ptr<CXMLWorkData> UndoRecord::Open(PFChartWidget* widget, const core
         new CXMLWorkData(module->hostHandle, Handle(record.document), Handle(record.node), module->sendToHost));
 }
 
-int UndoRecord::NodeIndex(PFChartWidget* widget, const CXMLWorkData& node) {
-    PFChartModule* module = widget ? widget->GetModule() : nullptr;
-    if (!module || !module->sendToHost) return -1;
-    coreSzNode where;
-    node.fillNodeData(where);
-    return module->sendToHost(module->hostHandle, MSG_UNDO_NODE_INDEX, reinterpret_cast<std::intptr_t>(&where), 0);
+boost::shared_ptr<gx::Line> UndoRecord::LineAt(PFChartWidget* widget, int a, int l, int i, int n) {
+    const boost::shared_ptr<gx::Line> none;
+    if (!widget || !widget->GetChart()) return none;
+    const std::vector<boost::shared_ptr<gx::Area> >& areas = widget->GetChart()->GetAreas();
+    if (a < 0 || a >= static_cast<int>(areas.size())) return none;
+    const std::vector<boost::shared_ptr<gx::Layer> >& layers = areas[std::size_t(a)]->GetLayers();
+    if (l < 0 || l >= static_cast<int>(layers.size())) return none;
+    const std::vector<boost::shared_ptr<gx::Indicator> >& indicators = layers[std::size_t(l)]->GetIndicators();
+    if (i < 0 || i >= static_cast<int>(indicators.size())) return none;
+    const std::vector<boost::shared_ptr<gx::Line> >& lines = indicators[std::size_t(i)]->GetLines();
+    if (n < 0 || n >= static_cast<int>(lines.size())) return none;
+    return lines[std::size_t(n)];
+}
+
+int UndoRecord::StudyIndex(const gx::Line& line, const gx::LineStudy* study) {
+    const std::vector<boost::shared_ptr<gx::LineStudy> >& studies = line.GetLineStudies();
+    for (std::size_t k = 0; k < studies.size(); ++k)
+        if (studies[k].get() == study) return static_cast<int>(k);
+    return -1;
 }
 
 void UndoRecord::CopyWords(const coreUndoStart& record, coreUndoRefresh* result) {

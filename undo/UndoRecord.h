@@ -6,10 +6,16 @@
 
 #include <memory>
 
+#include <boost/shared_ptr.hpp>
+
 #include "abi/records.h"
 
 class CXMLWorkData;
 class PFChartWidget;
+namespace gx {
+class Line;
+class LineStudy;
+}  // namespace gx
 
 class UndoRecord {
 public:
@@ -23,8 +29,11 @@ public:
     // The root of a record the host hands back (3140), read from the host; null without a
     // host.
     static std::unique_ptr<CXMLWorkData> Open(PFChartWidget* widget, const coreUndoStart& record);
-    // The index the host gives `node` among its parent's children (3147); -1 without a host.
-    static int NodeIndex(PFChartWidget* widget, const CXMLWorkData& node);
+    // The line at a place of the chart (area, layer, indicator, line); empty when the chart
+    // has no such place (a record may be older than the chart's last change, or edited).
+    static boost::shared_ptr<gx::Line> LineAt(PFChartWidget* widget, int area, int layer, int indicator, int line);
+    // The place of `study` among the studies of its line; -1 when it is not on it.
+    static int StudyIndex(const gx::Line& line, const gx::LineStudy* study);
     // The record's first, third and fourth words into `result`.
     static void CopyWords(const coreUndoStart& record, coreUndoRefresh* result);
 

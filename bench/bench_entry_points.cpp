@@ -5,10 +5,15 @@
 //                        the instrument dropped on it (5007; the host computes the chart),
 //                        the zoom slider at its start (the whole history) and the first
 //                        paint of the 1200 x 800 window. Goal: at most 50 ms.
-//   BM_Repaint           a full repaint of a 1200 x 800 window with three areas and 300
-//                        visible columns, against BM_FillAndBlit: a plain widget of the same
-//                        size that fills itself and blits one picture, grabbed the same way.
-//                        Goal: at most 3 times the blit.
+//   BM_Repaint           a full repaint of a 1200 x 800 window with three areas, 300
+//                        visible columns and 20 line studies of all eight kinds placed with
+//                        the mouse, against BM_FillAndBlit: a plain widget of the same size
+//                        that fills itself and blits one picture, grabbed the same way.
+//                        Goal: at most 3 times the blit. With nothing changed between two
+//                        paints the lines and the grid blit the pictures they keep: that is
+//                        what the terminal's 1000 ms repaint timer costs.
+//   BM_RepaintScrolled   the same window scrolled by one column, back and forth, before each
+//                        paint: every figure, study, scale and the grid is drawn anew.
 //   BM_Replay            100,000 quotes replayed into 6 open windows (two of each type);
 //                        every changed data object tells its window with 3009. Quotes per
 //                        second.
@@ -29,6 +34,7 @@
 #include <cmath>
 
 #include "bench/BenchHost.h"
+#include "host/StudyGestures.h"
 #include "host/data/ChartObject.h"
 
 namespace {
@@ -99,24 +105,83 @@ void BM_FirstChart(benchmark::State& state) {
     state.counters["shown"] = shown;
 }
 
-// A window of three USD/CHF areas showing 300 columns, and a plain widget of its size.
+// Where the line studies of the repaint scene go: kind, then the clicks as fractions of the
+// width and height of its area. A channel's end is clicked twice (the first click is the
+// end's first guess); the pitchfork's fourth handle is the terminal's.
+struct StudyRecipe {
+    const char* kind;
+    std::vector<QPointF> clicks;
+};
+const StudyRecipe kStudies[] = {
+    {"Line", {{0.10, 0.20}, {0.45, 0.70}}},
+    {"HLine", {{0.50, 0.35}}},
+    {"VLine", {{0.30, 0.50}}},
+    {"Text", {{0.60, 0.25}}},
+    {"Arc", {{0.20, 0.80}, {0.40, 0.30}}},
+    {"Chanel", {{0.15, 0.60}, {0.55, 0.40}, {0.55, 0.40}, {0.35, 0.75}}},
+    {"Andrews Pitchfork", {{0.50, 0.50}, {0.65, 0.20}, {0.70, 0.80}}},
+    {"PolyLine", {{0.62, 0.30}, {0.70, 0.65}, {0.78, 0.35}, {0.86, 0.60}}},
+};
+
+// The rows of each area, top to bottom: from below its close button (in its caption strip)
+// to above the next area's; the last area is as tall as the one before it.
+std::vector<QRect> AreaRects(bench::Terminal& t, void* w) {
+    const std::vector<QRect> buttons = t.charts().closeButtons(w);
+    QWidget* chart = t.charts().chartWidget(w);
+    std::vector<QRect> areas;
+    if (!chart) return areas;
+    // The price scales take the window's sides; the middle 80 % is chart space.
+    const int left = chart->width() / 10, width = chart->width() * 8 / 10;
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        const int top = buttons[i].bottom() + 6;
+        const int bottom = i + 1 < buttons.size() ? buttons[i + 1].top() - 6
+                           : areas.empty()        ? chart->height() - 60
+                                                  : top + areas.back().height();
+        areas.push_back(QRect(left, top, width, std::max(1, bottom - top)));
+    }
+    return areas;
+}
+
+// A window of three USD/CHF areas showing 300 columns and `studies` line studies spread over
+// the areas, and a plain widget of its size.
 struct RepaintScene {
     bench::Terminal t;
     void* w = nullptr;
     int shown = 0;
-    RepaintScene() {
+    int placed = 0;
+    explicit RepaintScene(int studies = 0) {
         t.data().setChartSettings(ChartType::PointAndFigure, {0.001, 3, 0});
         w = t.charts().create(ChartType::PointAndFigure);
         for (int i = 0; i < 3; ++i) t.charts().drop(w, {"USDCHF"});
         t.charts().grab(w, kWindow);
         shown = ShowPositions(t, w, 300);
+        t.charts().grab(w, kWindow);
+        const std::vector<QRect> areas = AreaRects(t, w);
+        for (int i = 0; i < studies && !areas.empty(); ++i) {
+            const StudyRecipe& recipe = kStudies[i % std::size(kStudies)];
+            const QRect& area = areas[std::size_t(i) % areas.size()];
+            // Later rounds of the same kind are moved along so that the studies do not cover
+            // one another.
+            const double shift = 0.07 * double(i / int(std::size(kStudies)));
+            std::vector<QPoint> pixels;
+            for (const QPointF& c : recipe.clicks)
+                pixels.push_back(QPoint(area.left() + int(area.width() * std::min(0.95, c.x() * 0.9 + shift)),
+                                        area.top() + int(area.height() * c.y())));
+            std::string error;
+            if (host::PlaceStudyAt(*t.emulator, w, recipe.kind, pixels, nullptr, &error))
+                ++placed;
+            else
+                std::fprintf(stderr, "benchmark: %s not placed: %s\n", recipe.kind, error.c_str());
+        }
+        t.charts().pressKey(w, Qt::Key_Escape);  // nothing selected: the studies show no markers
         const QImage image = t.charts().grab(w, kWindow);
-        if (!qEnvironmentVariableIsEmpty("PF_BENCH_PNG")) image.save(qEnvironmentVariable("PF_BENCH_PNG") + "/repaint.png");
+        if (!qEnvironmentVariableIsEmpty("PF_BENCH_PNG"))
+            image.save(qEnvironmentVariable("PF_BENCH_PNG") + (studies ? "/repaint.png" : "/repaint-plain.png"));
     }
 };
 
 void BM_Repaint(benchmark::State& state) {
-    RepaintScene s;
+    RepaintScene s(20);
     QWidget* container = s.t.charts().container(s.w);
     for (auto _ : state) {
         const QPixmap picture = container->grab();
@@ -124,6 +189,26 @@ void BM_Repaint(benchmark::State& state) {
     }
     state.counters["shown"] = s.shown;
     state.counters["areas"] = 3;
+    state.counters["studies"] = s.placed;
+}
+
+void BM_RepaintScrolled(benchmark::State& state) {
+    RepaintScene s(20);
+    QWidget* container = s.t.charts().container(s.w);
+    QAbstractSlider* bar = s.t.charts().timeScrollBar(s.w);
+    if (!bar) {
+        state.SkipWithError("no time scroll bar");
+        return;
+    }
+    const int end = bar->value();
+    int step = 0;
+    for (auto _ : state) {
+        bar->setValue(end - (++step & 1));
+        const QPixmap picture = container->grab();
+        benchmark::DoNotOptimize(picture.cacheKey());
+    }
+    state.counters["shown"] = s.shown;
+    state.counters["studies"] = s.placed;
 }
 
 class Blitter : public QWidget {
@@ -247,6 +332,7 @@ void BM_WindowMemory(benchmark::State& state) {
 
 BENCHMARK(BM_FirstChart)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Repaint)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_RepaintScrolled)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_FillAndBlit)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_Replay)->Arg(100000)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_UpdateAndPaint)->Arg(1000)->Arg(1000000)->Iterations(2000)->Unit(benchmark::kMicrosecond);

@@ -38,6 +38,14 @@ void WriteUni(coreWChar* field, int units, const QString& text) {
     field[n] = 0;
 }
 
+// A text entry's value may fill its whole field; the terminator follows only when there is
+// room, and the rest of the field is zeroed.
+void FillUni(coreWChar* field, int units, const QString& text) {
+    const int n = std::min(text.size(), units);
+    std::memcpy(field, text.utf16(), sizeof(coreWChar) * std::size_t(n));
+    std::fill(field + n, field + units, coreWChar(0));
+}
+
 template <typename T>
 T Load(const void* p) {
     T v;
@@ -296,7 +304,7 @@ void PropertyDialog::store(Entry& e) {
             Save(v, std::uint8_t(static_cast<QCheckBox*>(e.editor)->isChecked() ? 1 : 0));
             break;
         case PROPERTY_TYPE_TEXT:
-            WriteUni(static_cast<coreWChar*>(v), PROPERTY_TEXT_UNITS, static_cast<QLineEdit*>(e.editor)->text());
+            FillUni(static_cast<coreWChar*>(v), PROPERTY_TEXT_UNITS, static_cast<QLineEdit*>(e.editor)->text());
             break;
         case PROPERTY_TYPE_COLOR:
             Save(v, std::uint32_t(e.color.rgb() & 0xFFFFFFu));

@@ -305,7 +305,7 @@ int CPropertyHead::AddPropertyBoolItem(int group, const unsigned short* name, co
 int CPropertyHead::AddPropertyTextItem(int group, const unsigned short* name, const unsigned short* description,
                                        const unsigned short* text) {
     std::unique_ptr<PROPERTY_VALUE_TEXT> v(new PROPERTY_VALUE_TEXT);
-    eStrCpyUni(v->text, PROPERTY_TEXT_UNITS, text);
+    property::FillUni(v->text, PROPERTY_TEXT_UNITS, text);
     return AddNew(group, PROPERTY_TYPE_TEXT, name, description, 0, v.get());
 }
 

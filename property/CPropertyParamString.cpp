@@ -13,7 +13,7 @@ QVariant CPropertyParamString::GetPropertyItem() const {
 void CPropertyParamString::SetProperty(QVariant& value) {
     if (!value_) throw PropertyException("Error memo in CPropertyParamString");
     if (!Is(value, QMetaType::QString)) throw PropertyException("Error param in CPropertyParamString");
-    property::WriteUni(static_cast<PROPERTY_VALUE_TEXT*>(value_)->text, PROPERTY_TEXT_UNITS, value.toString());
+    property::FillUni(static_cast<PROPERTY_VALUE_TEXT*>(value_)->text, PROPERTY_TEXT_UNITS, value.toString());
 }
 
 int CPropertyParamString::GetLenItems() const { return int(sizeof(PROPERTY_VALUE_TEXT)); }

@@ -1,4 +1,5 @@
-// A text entry of at most 1023 units (PROPERTY_VALUE_TEXT).
+// A text entry (PROPERTY_VALUE_TEXT): a stored text is cut to the field's 1,024 units and is
+// terminated only when shorter; reading stops at the first NUL or at the field's end.
 #pragma once
 
 #include "property/CPropertyParamItem.h"

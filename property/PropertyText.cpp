@@ -19,4 +19,19 @@ void WriteUni(coreWChar* field, int units, const QString& text) {
     field[n] = 0;
 }
 
+void FillUni(coreWChar* field, int units, const QString& text) {
+    if (!field || units < 1) return;
+    const int n = std::min(text.size(), units);
+    std::memcpy(field, text.utf16(), sizeof(coreWChar) * static_cast<std::size_t>(n));
+    std::fill(field + n, field + units, coreWChar(0));
+}
+
+void FillUni(coreWChar* field, int units, const coreWChar* text) {
+    if (!field || units < 1) return;
+    int n = 0;
+    if (text)
+        for (; n < units && text[n] != 0; ++n) field[n] = text[n];
+    std::fill(field + n, field + units, coreWChar(0));
+}
+
 }  // namespace property

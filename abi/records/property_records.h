@@ -63,7 +63,8 @@ PF_LAYOUT32(offsetof(PROPERTY_VALUE_DOUBLE, decimals) == 24);
 PF_LAYOUT64(sizeof(PROPERTY_VALUE_DOUBLE) == 36);
 
 enum { PROPERTY_TEXT_UNITS = 1024 };
-// A text of at most 1023 units and its terminator. 2048 bytes.
+// A text of at most 1024 units, NUL-terminated when shorter: a text of 1024 units fills the
+// field and has no terminator, so a reader stops at the field's end. 2048 bytes.
 struct PROPERTY_VALUE_TEXT {
     coreWChar text[PROPERTY_TEXT_UNITS];
 };

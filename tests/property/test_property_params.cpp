@@ -123,14 +123,24 @@ TEST(PropertyParams, ValuesGoInAndComeOutAsTheKindsSay) {
     EXPECT_EQ(flag, 1);
     EXPECT_EQ(check.GetPropertyItem(), QVariant(true));
 
-    // A text is cut to 1023 units and always terminated.
-    PROPERTY_VALUE_TEXT text;
-    std::memset(&text, 0xAB, sizeof text);
-    CPropertyParamString str(&text);
+    // A text is cut to the field's 1024 units, which leaves no room for a terminator; the
+    // text is read back to the field's end and nothing past it is touched.
+    struct {
+        PROPERTY_VALUE_TEXT text;
+        coreWChar after;
+    } guarded;
+    std::memset(&guarded, 0xAB, sizeof guarded);
+    CPropertyParamString str(&guarded.text);
     QVariant longText(QString(3000, QLatin1Char('q')));
     str.SetProperty(longText);
-    EXPECT_EQ(text.text[1023], 0);
-    EXPECT_EQ(str.GetPropertyItem().toString().size(), 1023);
+    EXPECT_EQ(guarded.text.text[1023], u'q');
+    EXPECT_EQ(guarded.after, 0xABAB);
+    EXPECT_EQ(str.GetPropertyItem().toString(), QString(1024, QLatin1Char('q')));
+    // A shorter text ends at its terminator; the rest of the previous one is gone.
+    QVariant shortText(QStringLiteral("abc"));
+    str.SetProperty(shortText);
+    EXPECT_EQ(str.GetPropertyItem().toString(), QStringLiteral("abc"));
+    EXPECT_EQ(guarded.text.text[1023], 0);
 
     PROPERTY_VALUE_FONT fd;
     std::memset(&fd, 0, sizeof fd);
@@ -206,6 +216,13 @@ TEST(PropertyHead, AddersRecordGroupAndIndexAndCopiesAreDeep) {
     EXPECT_EQ(head.GetPropertyItem(a, 0), QVariant(0));
     copy = head;
     EXPECT_EQ(copy.getCountPropertyInGroup(a), 3);
+
+    // The text adder keeps a text as the entry does: cut to 1024 units.
+    const QString full(1500, QLatin1Char('w'));
+    const int t = head.AddPropertyTextItem(a, U("Note"), U(""), U(full));
+    EXPECT_EQ(head.GetPropertyItem(a, t).toString(), full.left(1024));
+    const int empty = head.AddPropertyTextItem(a, U("Empty"), U(""), nullptr);
+    EXPECT_EQ(head.GetPropertyItem(a, empty).toString(), QString());
 }
 
 TEST(PropertyHead, AHostilePageIsCopiedWithinBounds) {

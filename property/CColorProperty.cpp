@@ -8,13 +8,22 @@ CColorProperty::CColorProperty(CPropertyWork* page, int id, int group, bool noti
                                QString description)
     : COneProperty(page, id, group, notify, name, description), variable_(variable) {}
 
+CColorProperty::CColorProperty(CPropertyWork* page, int id, int group, bool notify, coreColorPoints* record,
+                               QString name, QString description)
+    : COneProperty(page, id, group, notify, name, description), record_(record) {}
+
 void CColorProperty::changeValue(QVariant& value, stateChangeProperty& state) {
     const QColor color = value.canConvert<QColor>() ? value.value<QColor>() : QColor();
-    const long rgb = long(color.rgb());
-    if (!variable_) return;
+    const QRgb rgb = color.rgb();
     // Compared without the alpha byte, which the variable may or may not carry.
-    if ((std::uint32_t(rgb) & 0xFFFFFFu) != (std::uint32_t(*variable_) & 0xFFFFFFu)) state.changed = notify_;
-    *variable_ = rgb;
+    if (variable_) {
+        if ((std::uint32_t(rgb) & 0xFFFFFFu) != (std::uint32_t(*variable_) & 0xFFFFFFu)) state.changed = notify_;
+        *variable_ = long(rgb);
+    } else if (record_) {
+        const std::uint32_t bare = std::uint32_t(rgb) & 0xFFFFFFu;
+        if (bare != (record_->color & 0xFFFFFFu)) state.changed = notify_;
+        record_->color = bare;
+    }
 }
 
 int CColorProperty::AddProperty(QString name, QString description) {
@@ -25,5 +34,8 @@ int CColorProperty::AddProperty(QString name, QString description) {
 }
 
 QVariant CColorProperty::Value() const {
-    return QVariant(QColor(QRgb(variable_ ? std::uint32_t(*variable_) | 0xFF000000u : 0xFF000000u)));
+    std::uint32_t rgb = 0;
+    if (variable_) rgb = std::uint32_t(*variable_);
+    else if (record_) rgb = record_->color;
+    return QVariant(QColor(QRgb(rgb | 0xFF000000u)));
 }

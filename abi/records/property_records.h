@@ -112,6 +112,17 @@ struct PROPERTY_VALUE_WIDGET {
 PF_LAYOUT32(sizeof(PROPERTY_VALUE_WIDGET) == 12);
 PF_LAYOUT64(sizeof(PROPERTY_VALUE_WIDGET) == 12);
 
+// The look of an element the terminal draws (a line of a series, a study's pen, a trade
+// mark): its colour and its width or size in points. A colour entry of a page may be bound
+// to the colour of such a record; the points stay the record owner's. 8 bytes.
+struct coreColorPoints {
+    std::uint32_t color;           // 0x00RRGGBB; the top byte is 0
+    std::int32_t points;           // the pen's width or the mark's size, in points
+};
+PF_LAYOUT32(sizeof(coreColorPoints) == 8);
+PF_LAYOUT32(offsetof(coreColorPoints, points) == 4);
+PF_LAYOUT64(sizeof(coreColorPoints) == 8);
+
 // One entry of a group.
 struct PROPERTY {
     std::int32_t type;                         // PROPERTY_TYPE

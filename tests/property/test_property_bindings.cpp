@@ -112,6 +112,38 @@ TEST_F(Bindings, ColourAndFontTakeWhatConvertsAndDefaultsOtherwise) {
     QVariant junk(QStringLiteral("not a colour at all"));
     colour.changeValue(junk, state);
     EXPECT_EQ(std::uint32_t(rgb), QColor().rgb());
+
+    // Bound to the colour of a colour-points record: only its colour changes, kept without
+    // an alpha byte, and its neighbours in a packed array stay as they are.
+    coreColorPoints looks[3] = {{0x111111, 1}, {0x0000FF, 2}, {0x333333, 3}};
+    CColorProperty pen(&page, 3, group, true, &looks[1], QStringLiteral("Pen"), QString());
+    CColorProperty quiet(&page, 4, group, false, &looks[1], QStringLiteral("Quiet pen"), QString());
+    EXPECT_EQ(pen.AddProperty(), 2);
+    EXPECT_EQ(page.GetPropertyItem(group, 2).value<QColor>(), QColor(0, 0, 255));
+    state.changed = false;
+    QVariant blue = QVariant(QColor(Qt::blue));
+    pen.changeValue(blue, state);
+    EXPECT_FALSE(state.changed);  // the same colour
+    QVariant green = QVariant(QColor(0, 200, 0));
+    pen.changeValue(green, state);
+    EXPECT_TRUE(state.changed);
+    EXPECT_EQ(looks[1].color, 0x00C800u);
+    EXPECT_EQ(looks[1].points, 2);
+    EXPECT_EQ(looks[0].color, 0x111111u);
+    EXPECT_EQ(looks[2].color, 0x333333u);
+    state.changed = false;
+    quiet.changeValue(red, state);  // taken, but not reported without the notify flag
+    EXPECT_EQ(looks[1].color, 0xFF0000u);
+    EXPECT_FALSE(state.changed);
+    pen.changeValue(junk, state);
+    EXPECT_EQ(looks[1].color, QColor().rgb() & 0xFFFFFFu);
+    looks[1].color = 0x445566;
+    pen.SetProperty();
+    EXPECT_EQ(page.GetPropertyItem(group, 2).value<QColor>(), QColor(0x44, 0x55, 0x66));
+    coreColorPoints* none = nullptr;
+    CColorProperty unbound(&page, 5, group, true, none, QStringLiteral("None"), QString());
+    unbound.changeValue(green, state);  // no record: nothing is written
+
     QVariant bigger(QFont("DejaVu Sans", 14));
     state.changed = false;
     f.changeValue(bigger, state);

@@ -111,25 +111,18 @@ void PFChartWidget::BuildPropertyPage() {
                                         "Time scale background", "Background colour of the time scale"));
     list.addProperty(new CColorProperty(page, kTsGrid, time, true, &v.tsGridColor, "Time scale grid color",
                                         "Colour of the time scale's marks"));
-    CDefaultProperty* saveAsDefault = new CDefaultProperty(page, kSaveAsDefault, defaults, static_cast<CPropertyHead*>(this));
-    list.addProperty(saveAsDefault);
+    list.addProperty(new CDefaultProperty(page, kSaveAsDefault, defaults, static_cast<CPropertyHead*>(this)));
 
     LoadPropertyValues();
-    for (int i = 0; i < list.count(); ++i) {
-        COneProperty* p = list.at(i);
-        if (p == saveAsDefault) {
-            const QString label = module_ ? module_->tr("C0035SetAsDef") : QStringLiteral("Save as default");
-            p->AddProperty(label, label);
-        } else {
-            p->AddProperty();
-        }
-    }
+    for (int i = 0; i < list.count(); ++i) list.at(i)->AddProperty();
 }
 
 void PFChartWidget::ShowProperties() {
     BuildPropertyPage();
     LoadPropertyValues();
-    propertyPage_->ReNameDatePage(module_ ? module_->tr("C0030Propes") + QStringLiteral(" - ") + title_ : title_);
+    // The title is made anew: the stored one is empty until something asked for it.
+    const QString title = UpdateTitle();
+    propertyPage_->ReNameDatePage(module_ ? module_->tr("C0030Propes") + QStringLiteral(" - ") + title : title);
     try {
         propertyList_->setParameters();
     } catch (const std::exception&) {

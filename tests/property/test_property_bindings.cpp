@@ -154,7 +154,9 @@ TEST_F(Bindings, ColourAndFontTakeWhatConvertsAndDefaultsOtherwise) {
 TEST_F(Bindings, SaveAsDefaultStoresTheDefaultsAndClearsItsBox) {
     Owner owner;
     CDefaultProperty save(&page, 1, group, static_cast<CPropertyHead*>(&owner));
-    save.AddProperty(QStringLiteral("Save as default"), QString());
+    // It labels itself with the translation of its key (the key itself without a module).
+    EXPECT_EQ(save.AddProperty(), 0);
+    EXPECT_EQ(QString::fromUtf16(page.getPropertyItem(group, 0)->name), QStringLiteral("C0035SetAsDef"));
     page.SetProperty(group, 0, QVariant(true));
     stateChangeProperty state;
     QVariant no(false), yes(true);

@@ -277,3 +277,28 @@ TEST_F(PropertyPages, PfhostSetsEntriesOfThePropertyPage) {
     out = run({"--property", "novalue"}, &status);
     EXPECT_EQ(status, 2);
 }
+
+TEST_F(PropertyPages, TheDialogTitleAndTheWindowTitleAreMadeAnew) {
+    // A window the host never asked for its caption: the title is made when the page shows.
+    void* empty = Charts().create(ChartType::Kagi);
+    ASSERT_NE(empty, nullptr);
+    Charts().grab(empty, kSize);
+    PropertyDialog* dialog = Open(empty);
+    ASSERT_NE(dialog, nullptr);
+    const QString prefix = emulator->moduleText("C0030Propes") + QStringLiteral(" - ");
+    EXPECT_TRUE(dialog->windowTitle().startsWith(prefix)) << dialog->windowTitle().toStdString();
+    EXPECT_GT(dialog->windowTitle().size(), prefix.size()) << dialog->windowTitle().toStdString();
+    EXPECT_EQ(dialog->windowTitle(), prefix + Charts().chartWidget(empty)->windowTitle());
+
+    // An applied page (10054) makes the window's title again from its instruments.
+    void* widget = Window(ChartType::PointAndFigure);
+    QWidget* chart = Charts().chartWidget(widget);
+    const QString title = chart->windowTitle();
+    EXPECT_TRUE(title.contains(QStringLiteral("USDCHF"))) << title.toStdString();
+    PropertyDialog* second = Open(widget);
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(second->windowTitle(), prefix + title);
+    chart->setWindowTitle(QStringLiteral("stale"));
+    Set(second, "Free space", "9");
+    EXPECT_EQ(chart->windowTitle(), title);
+}

@@ -189,6 +189,9 @@ void PFChartWidget::ApplySkin(bool creating) {
     }
     for (const boost::shared_ptr<gx::Area>& area : chart_->GetAreas()) area->GetCaption()->UpdateButtonColor();
     UpdateScalesProperties();
+    // An open property dialog shows the skin's colours at once; otherwise its next apply
+    // would hand the old ones back to the window.
+    RefreshProperties();
 }
 
 gx::TextStatusBar* PFChartWidget::GetStatusBar() const { return module_ ? module_->GetStatusBar() : nullptr; }

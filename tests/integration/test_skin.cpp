@@ -1,11 +1,15 @@
 // Skins through the real entry points: the terminal tells the module its skin (3560), the
 // module has the work-data store open the document (3163, 3164 when done) and restyles
-// every chart window; windows made afterwards start in the skin's look.
+// every chart window and an open property dialog; windows made afterwards start in the
+// skin's look. pfhost takes skins in the order given.
 #include <gtest/gtest.h>
 
 #include <QColor>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <map>
@@ -15,6 +19,8 @@
 #include "ModuleHostTest.h"
 #include "host/ChartWindows.h"
 #include "host/Emulator.h"
+#include "host/PropertyDialog.h"
+#include "host/PropertyService.h"
 
 using host::data::ChartType;
 
@@ -159,6 +165,80 @@ TEST_F(SkinWindow, TheBackgroundPictureShowsFaintlyWhereTheSkinPlacesIt) {
         EXPECT_EQ(reddish(Most(image, centre)), c.atCentre);
         EXPECT_EQ(reddish(Most(image, corner)), c.atCorner);
     }
+}
+
+TEST_F(SkinWindow, AnOpenPropertyDialogShowsTheSkinAndItsApplyKeepsIt) {
+    void* pf = Window(ChartType::PointAndFigure);
+    Grab(pf);
+    std::string error;
+    host::PropertyDialog* dialog = emulator->properties().open(pf, &error);
+    ASSERT_NE(dialog, nullptr) << error;
+    EXPECT_EQ(dialog->value("Area color"), "255,255,255");
+    const int refreshes = emulator->properties().refreshes();
+
+    ASSERT_EQ(emulator->loadSkin(kDarkSkin), 0);
+    EXPECT_GT(emulator->properties().refreshes(), refreshes);
+    const std::pair<const char*, const char*> shown[] = {
+        {"Area color", "30,33,40"},           {"Grid color", "58,63,74"},
+        {"Scale font color", "190,196,206"},  {"Time scale background", "24,26,32"},
+        {"Time scale grid color", "70,76,88"},
+    };
+    for (const auto& s : shown) EXPECT_EQ(dialog->value(s.first), s.second) << s.first;
+    const QImage dark = Grab(pf);
+
+    // Apply as it stands, and with an unrelated change: the skin's colours stay.
+    EXPECT_EQ(dialog->apply(), 0);
+    EXPECT_EQ(Grab(pf), dark);
+    ASSERT_TRUE(emulator->properties().setAndApply(dialog, "Free space", "8", &error)) << error;
+    EXPECT_EQ(AreaColours(Grab(pf)), (std::set<QRgb>{qRgb(30, 33, 40), qRgb(58, 63, 74)}));
+    EXPECT_EQ(Most(Grab(pf), TimeScaleStart()), qRgb(24, 26, 32));
+
+    // The built-in look comes back into the dialog as well.
+    ASSERT_EQ(emulator->loadSkin(QString()), 0);
+    EXPECT_EQ(dialog->value("Area color"), "255,255,255");
+    EXPECT_EQ(dialog->value("Time scale grid color"), "220,220,220");
+}
+
+TEST_F(SkinWindow, PfhostLoadsSkinsInTheOrderGivenAndTheLastOneIsTheLook) {
+    const QString pfhost = QFileInfo(QStringLiteral(PF_MODULE_PATH)).dir().filePath(QStringLiteral("pfhost"));
+    if (!QFileInfo::exists(pfhost)) GTEST_SKIP() << "pfhost is not built";
+    QTemporaryDir dir;
+    const QString olive = dir.filePath(QStringLiteral("olive.xml"));
+    {
+        QFile file(olive);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("<MainWindow><CHARTMODERN><PICT BACK_COLOR=\"90,110,20\" AREA_GRID_COLOR=\"120,140,40\"/>"
+                   "</CHARTMODERN></MainWindow>");
+    }
+    const QString picture = dir.filePath(QStringLiteral("s.png"));
+    auto run = [&](const QStringList& skins, int* status) {
+        QStringList args{"chart", "--data", "USDCHF", "--type", "pf", "--size", "700x450", "--out", picture};
+        for (const QString& s : skins) args << "--skin" << s;
+        QProcess p;
+        p.setProcessEnvironment(QProcessEnvironment::systemEnvironment());
+        p.start(pfhost, args);
+        p.waitForFinished(30000);
+        *status = p.exitCode();
+        return QString::fromUtf8(p.readAllStandardOutput() + p.readAllStandardError());
+    };
+    const std::set<QRgb> darkAreas{qRgb(30, 33, 40), qRgb(58, 63, 74)};
+    const std::set<QRgb> oliveAreas{qRgb(90, 110, 20), qRgb(120, 140, 40)};
+    int status = -1;
+    QString out = run({kDarkSkin}, &status);
+    ASSERT_EQ(status, 0) << out.toStdString();
+    EXPECT_EQ(AreaColours(QImage(picture)), darkAreas);
+    out = run({kDarkSkin, olive}, &status);
+    ASSERT_EQ(status, 0) << out.toStdString();
+    EXPECT_EQ(AreaColours(QImage(picture)), oliveAreas);
+    out = run({olive, kDarkSkin}, &status);
+    ASSERT_EQ(status, 0) << out.toStdString();
+    EXPECT_EQ(AreaColours(QImage(picture)), darkAreas);
+    // A skin that cannot be read stops the command, also after one that could.
+    QFile::remove(picture);
+    out = run({kDarkSkin, dir.filePath(QStringLiteral("missing.xml"))}, &status);
+    EXPECT_EQ(status, 1);
+    EXPECT_TRUE(out.contains("read no skin from")) << out.toStdString();
+    EXPECT_FALSE(QFile::exists(picture));
 }
 
 }  // namespace

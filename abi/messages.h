@@ -88,7 +88,7 @@ enum PFHostMessage : unsigned int {
     MSG_LOAD_CHART = 3020,           // to a chart type interface
     MSG_SAVE_CHART = 3021,           // to a chart type interface
     MSG_DEALING_READY = 3066,        // deal interfaces, accounts, status bar
-    MSG_LS_UPDATE = 3073,            // p1 lsUpdateRecord
+    MSG_LS_UPDATE = 3073,            // p1 coreUpdateLs
     MSG_EVENT = 3114,                // p1 FXEvent
     MSG_UNDO_REQUEST = 3140,         // p1 coreUndoStart
     MSG_CONVERT_TO_TYPE = 3545,      // p1 0 middle, 1 bid, other ask

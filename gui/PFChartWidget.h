@@ -154,9 +154,9 @@ public:
                                                     std::uint32_t color, bool dropped);
     // Deletes one study through the line-delete command, so that undo brings it back.
     void DeleteLineStudy(gx::LineStudy* study);
-    // 3073: the host changed a study of this window; false when none of its studies is the
-    // one named.
-    bool OnUpdateLS(const lsUpdateRecord* record);
+    // 3073: the studies of one kind on one data array have new counts or geometry; each is
+    // resized and re-read (UpdateCountLS). False when this window has none of them.
+    bool OnUpdateLS(const coreUpdateLs* record);
     // Escape: every study being placed is cancelled.
     void CancelCreatingLineStudies();
     // After an undo rebuilt `count` objects: scales, time scale, scroll bar and title follow,

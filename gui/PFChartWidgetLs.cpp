@@ -68,23 +68,28 @@ void PFChartWidget::DeleteLineStudy(gx::LineStudy* study) {
     AfterDelete();
 }
 
-bool PFChartWidget::OnUpdateLS(const lsUpdateRecord* record) {
+bool PFChartWidget::OnUpdateLS(const coreUpdateLs* record) {
     if (!record) return false;
-    lsUpdateRecord changed;
+    coreUpdateLs changed;
     std::memcpy(&changed, record, sizeof changed);
-    gx::FindLSByHandle found = gx::WidgetWalker<gx::FindLSByHandle>(
-        chart_.get(), gx::FindLSByHandle(reinterpret_cast<void*>(static_cast<std::intptr_t>(changed.id)))).Walk();
-    const boost::shared_ptr<gx::LineStudy> study = found.found;
-    if (!changed.id || !study || study->GetProvider() != changed.provider) return false;
-    try {
-        study->Refresh(changed.shapesChanged != 0);
-    } catch (const std::exception& e) {
+    void* const array = changed.dataArray;
+    const QString kind = QString::fromLocal8Bit(changed.kind, int(strnlen(changed.kind, sizeof changed.kind)));
+    if (!array || kind.isEmpty()) return false;
+    // Counts out of range are not sized to: the studies stay as they are.
+    if (changed.cpCount < 0 || changed.cpCount > gx::LineStudy::kMaxPoints || changed.shapeCount < 0 ||
+        changed.shapeCount > gx::LineStudy::kMaxShapes)
+        return false;
+    const gx::UpdateCountLS counted = gx::WidgetWalker<gx::UpdateCountLS>(
+        chart_.get(), gx::UpdateCountLS(array, kind, changed.cpCount, changed.shapeCount)).Walk();
+    for (const boost::shared_ptr<gx::LineStudy>& study : counted.failed) {
         // The host failed the exchange: the study has left the host and goes from the chart.
-        LogHelper::ShowLogInfo(1, 4, QStringLiteral("Line study removed: %1").arg(QString::fromLocal8Bit(e.what())));
+        LogHelper::ShowLogInfo(1, 4, QStringLiteral("Line study \"%1\" removed: the host failed its update")
+                                         .arg(study->GetName()));
         if (gx::Line* line = study->GetLine()) line->DeleteLineStudy(study.get());
     }
-    update();
-    return true;
+    gx::WidgetWalker<gx::UpdateLS>(chart_.get(), gx::UpdateLS()).Walk();
+    if (counted.updated) update();
+    return counted.updated != 0;
 }
 
 void PFChartWidget::CancelCreatingLineStudies() {

@@ -101,14 +101,15 @@ void SelectAreaLS::Visit(boost::shared_ptr<Line> line) {
 }
 
 void UpdateCountLS::Visit(boost::shared_ptr<Line> line) {
-    if (line->GetArray() != array) return;
+    if (!array || static_cast<const void*>(line->GetArray()) != array) return;
     for (const boost::shared_ptr<LineStudy>& s : line->GetLineStudies()) {
         if (s->GetName() != kind) continue;
+        ++updated;
         s->UpdateCPCount(cpCount);
         try {
             s->UpdateShapeCount(shapeCount);
         } catch (const std::exception&) {
-            // The study has left the host; it draws nothing until removed.
+            failed.push_back(s);
         }
     }
 }

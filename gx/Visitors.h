@@ -106,6 +106,10 @@ struct UpdateCountLS : Visitor {
     QString kind;
     int cpCount;
     int shapeCount;
+    int updated = 0;  // studies resized
+    // Studies whose host failed the new exchange: they have left the host and are to be
+    // taken off their lines once the walk is over.
+    std::vector<boost::shared_ptr<LineStudy> > failed;
 };
 
 // The data source of the first indicator of the given area.

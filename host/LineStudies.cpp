@@ -54,6 +54,8 @@ LineStudies::LineStudies(Host& host, DataCore& data, MainWindowService& mainWind
     host_.on(MSG_LS_END_DRAWING, [this](void* t, std::intptr_t, std::intptr_t, std::string& d) {
         if (t != main_.handle()) return 1;
         ++ended_;
+        for (auto& s : studies_)
+            if (!s.second.finished) s.second.attached = false;
         d = tool_.empty() ? "drawing mode ends" : "drawing mode ends, tool \"" + tool_ + "\" put down";
         tool_.clear();
         return 0;
@@ -122,21 +124,33 @@ bool LineStudies::setParams(std::int32_t id, const StudyParams& params) {
     return true;
 }
 
-int LineStudies::sendUpdate(std::int32_t id, bool shapesChanged) {
-    lsUpdateRecord record;
+int LineStudies::sendUpdate(std::int32_t id) {
+    // The record names the study's data and kind with its counts: the chart re-reads every
+    // study of that kind on that data. An unknown id sends an empty record.
+    coreUpdateLs record;
     std::memset(&record, 0, sizeof record);
-    record.provider = handle_;
-    record.id = id;
-    record.shapesChanged = shapesChanged ? 1 : 0;
+    if (const Study* s = find(id)) {
+        record.dataArray = s->dataArray;
+        const std::string name = ls::studyName(s->kind);
+        std::memcpy(record.kind, name.data(), std::min(name.size(), sizeof record.kind - 1));
+        record.cpCount = ls::controlPointCount(s->kind);
+        record.shapeCount = std::int32_t(ls::shapeTypes(s->kind).size());
+    }
     const int answer = host_.send(nullptr, MSG_LS_UPDATE, P(&record), 0, "study " + std::to_string(id) + " changed");
     updates_.push_back(Update{id, answer});
     return answer;
 }
 
 void LineStudies::dataChanged(const void* array) {
+    // One 3073 per kind of study on the array: it updates all studies of that kind there.
     std::vector<std::int32_t> changed;
+    std::vector<ls::StudyKind> kinds;
     for (const auto& s : studies_)
-        if (s.second.attached && s.second.dataArray == array) changed.push_back(s.first);
+        if (s.second.attached && s.second.dataArray == array &&
+            std::find(kinds.begin(), kinds.end(), s.second.kind) == kinds.end()) {
+            kinds.push_back(s.second.kind);
+            changed.push_back(s.first);
+        }
     // The module may delete studies while it handles an update: each is looked up again.
     for (std::int32_t id : changed)
         if (find(id)) sendUpdate(id);
@@ -227,6 +241,7 @@ int LineStudies::exchange(void* target, std::intptr_t id, lsControlPointsShapes*
         return 1;
     }
     std::memcpy(s->in.data(), record->in, sizeof(lsPointShape) * std::size_t(points));
+    if (record->finished == 1) s->finished = true;
     // The shapes are computed into the host's own copies; the chart's records get the
     // host's fields, and each data block at most the size 4505 reported for it.
     std::vector<lsShape> shapes(types.size());
@@ -295,6 +310,7 @@ int LineStudies::attach(std::intptr_t dataId, const lsAttachRecord* record, std:
     s->dataId = dataId;
     if (r.dataArray) s->dataArray = r.dataArray;
     s->attached = true;
+    if (++s->binds >= 2) s->finished = true;
     detail = "study " + std::to_string(r.id) + " bound to data " + std::to_string(dataId);
     return 0;
 }

@@ -12,8 +12,9 @@
 //   to the data core   3068 attach, 3071 detach
 //   to the main GUI    3500 drawing mode (1 and the record filled while a tool is chosen),
 //                      3501 end of drawing mode (the tool is put down), 10041
-//   to the module      3073 (target null, p1 lsUpdateRecord) when a study's geometry
-//                      changed: new data on its line, or its settings edited (setParams)
+//   to the module      3073 (target null, p1 coreUpdateLs: the study's data array, type
+//                      name and counts) when a study's geometry changed: new data on its
+//                      line (one per kind of study there), or its settings edited (setParams)
 //
 // Everything the chart sends is checked: the target, the study id, null records, counts
 // that differ from the study's own and null arrays are refused with 1 (4510 also sets the
@@ -53,7 +54,9 @@ public:
     void clearTool() { tool_.clear(); }
     // The chosen tool's name; empty when none is chosen.
     const std::string& tool() const { return tool_; }
-    // How often the chart ended the drawing mode (3501).
+    // How often the chart ended the drawing mode (3501). A study still unfinished then was
+    // cancelled by the chart (which does not delete it): it is unbound from its data and
+    // hears no more of it.
     int endedDrawing() const { return ended_; }
 
     // ---- the studies ----
@@ -69,6 +72,8 @@ public:
         std::vector<lsPointShape> out;  // as the host corrected them
         int exchanges;           // 4510s answered
         std::vector<std::int32_t> sizes;  // the data block sizes 4505 reported
+        int binds = 0;           // 3068s received: the chart binds once on creation, again when done
+        bool finished = false;   // placement ended (a 4510 with the finished flag, or a second 3068)
     };
     // The live studies, by id; null for an unknown or deleted id.
     const Study* study(std::int32_t id) const;
@@ -84,8 +89,9 @@ public:
     // New settings for a study, as its property page would apply them; the chart hears of it
     // with 3073. False for an unknown id.
     bool setParams(std::int32_t id, const StudyParams& params);
-    // 3073 for a study as given (any id, for tests of the module's answer); the module's answer.
-    int sendUpdate(std::int32_t id, bool shapesChanged = false);
+    // 3073 for the kind and data of study `id` (an unknown id sends an empty record, for
+    // tests of the module's answer); the module's answer.
+    int sendUpdate(std::int32_t id);
     // The 3073s sent, in order: the study and the module's answer.
     struct Update {
         std::int32_t id;

@@ -125,13 +125,13 @@ int PFChartModule::Dispatch(void* target, unsigned int message, std::intptr_t p1
         case MSG_LOAD_SKIN:
             return LoadSkinMessage(p1);
         case MSG_LS_UPDATE: {
-            // The record names the study, not its window: every window looks for it.
-            const lsUpdateRecord* record = reinterpret_cast<const lsUpdateRecord*>(p1);
+            // The record names a data array, not a window: every window showing it follows.
+            const coreUpdateLs* record = reinterpret_cast<const coreUpdateLs*>(p1);
             if (!record) return 0;
             for (ChartInterface* iface : {GetPFInterface(), GetRenkoInterface(), GetKagiInterface()})
                 if (iface)
                     for (PFChartWidget* widget : std::vector<PFChartWidget*>(iface->GetWidgets()))
-                        if (widget->OnUpdateLS(record)) return 0;
+                        widget->OnUpdateLS(record);
             return 0;
         }
         default:

@@ -23,7 +23,7 @@
 //   3501 end drawing mode      p1 0, p2 0 (main GUI)
 //   10041 before properties    p1 0, p2 0 (main GUI)
 // Host -> module:
-//   3073 study changed         p1 lsUpdateRecord*, p2 0
+//   3073 studies changed       p1 coreUpdateLs*, p2 0
 //
 // Finding the provider again: a saved layout holds the type name and points of each study,
 // not a usable provider handle. On loading, the module asks the host for the interface of
@@ -221,14 +221,20 @@ PF_LAYOUT32(sizeof(lsDrawingMode) == 264);
 PF_LAYOUT32(offsetof(lsDrawingMode, color) == 260);
 PF_LAYOUT64(sizeof(lsDrawingMode) == 268);
 
-// 3073, host -> module: a study's points or shapes changed in the host (new prices arrived,
-// its properties were edited). The module re-reads its shapes and repaints the chart.
-struct lsUpdateRecord {
-    void* provider;            // the study's provider
-    std::int32_t id;           // the study's id
-    std::int32_t shapesChanged;// nonzero: the shape count or sizes may have changed
+// 3073, host -> module: the studies of one kind on one line's data have new counts (the
+// host changed their settings) or new geometry (prices arrived). Every chart line whose data
+// array is `dataArray` resizes each of its studies named `kind` to these counts, asks the
+// host for the shapes again (4505, 4510) and repaints.
+struct coreUpdateLs {
+    void* dataArray;           // the data key: the line's fxDataPointArray
+    char kind[LS_NAME_BYTES];  // the studies' type name, 8-bit local text, NUL-terminated
+    std::int32_t cpCount;      // control points each study now has
+    std::int32_t shapeCount;   // shapes each study now has
 };
-PF_LAYOUT32(sizeof(lsUpdateRecord) == 12);
-PF_LAYOUT64(sizeof(lsUpdateRecord) == 16);
+PF_LAYOUT32(sizeof(coreUpdateLs) == 268);
+PF_LAYOUT32(offsetof(coreUpdateLs, kind) == 4);
+PF_LAYOUT32(offsetof(coreUpdateLs, cpCount) == 260);
+PF_LAYOUT32(offsetof(coreUpdateLs, shapeCount) == 264);
+PF_LAYOUT64(sizeof(coreUpdateLs) == 272);
 
 #pragma pack(pop)

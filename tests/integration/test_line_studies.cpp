@@ -349,7 +349,7 @@ TEST_F(StudiesOnAChart, HostileRepliesLeaveTheChartWorking) {
     LS().setFaults(host::LineStudies::Faults());
     // An update for a study nobody has.
     EXPECT_NO_FATAL_FAILURE(LS().sendUpdate(424242));
-    EXPECT_NO_FATAL_FAILURE(LS().sendUpdate(0, true));
+    EXPECT_NO_FATAL_FAILURE(LS().sendUpdate(0));
     // Whatever the faults left, the chart places a study again and draws it.
     for (std::int32_t id : LS().ids()) {
         const host::LineStudies::Study* s = LS().study(id);

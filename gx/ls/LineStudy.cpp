@@ -79,12 +79,42 @@ LineStudy::LineStudy(Line* line, void* provider, const QString& name, const QPoi
     }
 }
 
-LineStudy::LineStudy(Line* line, void* hostId, const boost::shared_ptr<pf::ScaleEngine>& engine, const QRect& rect)
+LineStudy::LineStudy(Line* line, void* provider, void* hostId, const boost::shared_ptr<pf::ScaleEngine>& engine,
+                     const QRect& rect)
     : Object(rect) {
     Init(line, engine);
+    provider_ = provider;
     id_ = static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(hostId));
     state_ = StateCreated;
     finished_ = true;
+}
+
+LineStudy::LineStudy(LineStudy* other) : Object(other ? other->rect_ : QRect()) {
+    if (!other) {
+        std::memset(&cps_, 0, sizeof cps_);
+        return;
+    }
+    Init(other->line_, other->engine_);
+    id_ = other->id_;
+    provider_ = other->provider_;
+    lineDataId_ = other->lineDataId_;
+    name_ = other->name_;
+    title_ = other->title_;
+    color_ = other->color_;
+    finished_ = other->finished_;
+    hostDeleted_ = other->hostDeleted_;
+    detached_ = other->detached_;
+    placed_ = other->placed_;
+    cps_.finished = other->cps_.finished;
+    in_ = other->in_;
+    out_ = other->out_;
+    shapes_ = other->shapes_;
+    sizes_ = other->sizes_;
+    blocks_ = other->blocks_;
+    SyncRecord();  // the copied shapes point at this study's blocks
+    state_ = StateCreated;
+    Object::Select(true);
+    SetFocus();
 }
 
 int LineStudy::Create(void* provider, const QString& name, std::uint32_t color) {
@@ -202,11 +232,16 @@ void LineStudy::UpdateShapeCount(int count) {
     if (count > 0) Send(provider_, MSG_LS_SHAPE_SIZES, id_, Param(sizes_.data()));
     shapes_.resize(std::size_t(count));
     blocks_.resize(std::size_t(count));
+    long long budget = kMaxStudyBytes - static_cast<long long>(count) * static_cast<long long>(sizeof(lsShape));
     for (int i = 0; i < count; ++i) {
         std::memset(&shapes_[std::size_t(i)], 0, sizeof(lsShape));
         const std::int32_t size = sizes_[std::size_t(i)];
-        // A negative or huge size gives the shape no block: it draws nothing.
-        if (size > 0 && size <= kMaxShapeBytes) blocks_[std::size_t(i)].assign(std::size_t(size), 0);
+        // A negative or huge size, or one past the study's budget, gives the shape no block:
+        // it draws nothing.
+        if (size > 0 && size <= kMaxShapeBytes && size <= budget) {
+            blocks_[std::size_t(i)].assign(std::size_t(size), 0);
+            budget -= size;
+        }
     }
     SyncRecord();
     GetListControlPointer();
@@ -460,13 +495,14 @@ void LineStudy::FinishCreating(bool exchange) {
 }
 
 void LineStudy::CancelCreatingLS(bool update) {
+    // Only the drawing mode ends (3501): the host keeps its study object, which it drops
+    // with the mode; the chart forgets it.
     Chart* chart = GetChart();
-    // The host's object goes with the study; Delete also ends the drawing mode (3501).
-    manualDelete_ = true;
-    Delete();
+    Send(chart ? chart->GetMainGUIInterface() : nullptr, MSG_LS_END_DRAWING, 0, 0);
     Line* line = line_;
-    if (chart) chart->ResetCursor();
+    PFChartWidget* widget = GetWidget();
     if (line) line->DeleteLineStudy(this);  // may destroy this study
+    if (widget) widget->ResetCursor();
     if (update && chart) chart->RepaintScreen();
 }
 
@@ -502,9 +538,12 @@ void LineStudy::ReleaseTempDraw() {
 void LineStudy::FillContextMenu() {
     Chart* chart = GetChart();
     if (!chart) return;
-    AddToMenu(chart->GetSelectMenu(), SLOT(OnSelectedLS()));
-    AddToMenu(chart->GetPropMenu(), SLOT(OnShowPropLS()));
-    AddToMenu(chart->GetDeleteMenu(), SLOT(OnDeleteLS()));
+    // A study's three entries all go to the properties menu, each under its title: select
+    // (which shows the properties, as the properties entry does) and delete.
+    const boost::shared_ptr<QMenu> menu = chart->GetPropMenu();
+    AddToMenu(menu, SLOT(OnSelectedLS()));
+    AddToMenu(menu, SLOT(OnShowPropLS()));
+    AddToMenu(menu, SLOT(OnDeleteLS()));
 }
 
 void LineStudy::AddToMenu(const boost::shared_ptr<QMenu>& menu, const char* slotName) {

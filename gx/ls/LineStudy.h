@@ -8,7 +8,7 @@
 // context menu, and saves itself into the chart's layout.
 //
 // Every array the host fills is the study's own; counts and sizes the host reports are
-// capped (kMaxPoints, kMaxShapes, kMaxShapeBytes) and the exchange record's counts and
+// capped (kMaxPoints, kMaxShapes, kMaxShapeBytes, kMaxStudyBytes in all) and the exchange record's counts and
 // pointers are put back after every call, so the host cannot make the study read past
 // what it allocated.
 #pragma once
@@ -61,6 +61,9 @@ public:
     static constexpr int kMaxPoints = 1000;
     static constexpr int kMaxShapes = 1000;
     static constexpr int kMaxShapeBytes = 1 << 20;
+    // All shape records and data blocks of one study together: a host reporting more gets
+    // no blocks for the shapes beyond it (they draw nothing).
+    static constexpr long long kMaxStudyBytes = 8ll << 20;
 
     // A new study of type `name`, placed by the user point by point. Throws when the host
     // gives no id (4500) or fails the first exchange (4510).
@@ -69,8 +72,13 @@ public:
     // A new study with every point at `at` (a drop on the chart).
     LineStudy(Line* line, void* provider, const QString& name, const QPoint& at,
               const boost::shared_ptr<pf::ScaleEngine>& engine, const QRect& rect, std::uint32_t color = 0);
-    // Wraps a study the host already has under `hostId`; it has no points until given some.
-    LineStudy(Line* line, void* hostId, const boost::shared_ptr<pf::ScaleEngine>& engine, const QRect& rect);
+    // Wraps a study that `provider` already has under `hostId`; it has no points until given
+    // some.
+    LineStudy(Line* line, void* provider, void* hostId, const boost::shared_ptr<pf::ScaleEngine>& engine,
+              const QRect& rect);
+    // A copy of `other` (the same host study, moved to another line or area): its own copies
+    // of the points and shapes; selected, idle and with the focus.
+    explicit LineStudy(LineStudy* other);
     ~LineStudy() override;
 
     void Draw(QPainter& painter) const override;

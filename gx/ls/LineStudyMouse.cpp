@@ -83,9 +83,9 @@ void LineStudy::mousePressEvent(const QMouseEvent& event) {
         const QPoint at = MarkerPos(i);
         if (std::abs(event.pos().x() - at.x()) <= 2 && std::abs(event.pos().y() - at.y()) <= 2) dragIndex_ = i;
     }
-    // The drag starts where the press was, so that the first move already moves.
-    dragX_ = event.pos().x();
-    dragY_ = event.pos().y();
+    // No drag position yet: the first move only takes its place, later moves move.
+    dragX_ = 0;
+    dragY_ = 0;
     snapshot_.reset(new lsControlPointsShapesWrap(cps_, sizes_));
     if (wasSelected != selected_) SetFocus();
 }
@@ -163,8 +163,12 @@ void LineStudy::mouseMoveEvent(const QMouseEvent& event) {
     const double priceBefore = MousePrice(before);
     const double priceNow = MousePrice(now);
     if (dragIndex_ != -1) {
-        MoveLineStudyCPHorizontal(dragIndex_, fromColumn, toColumn);
-        MoveLineStudyCPVertical(dragIndex_, priceNow);
+        // A previous position at column 0, time 0 and price 0 is no position at all.
+        const long timeBefore = line_ ? line_->GetIndexVirtualTime(fromColumn) : 0;
+        if (fromColumn != 0 || timeBefore != 0 || priceBefore != 0.0) {
+            MoveLineStudyCPHorizontal(dragIndex_, fromColumn, toColumn);
+            MoveLineStudyCPVertical(dragIndex_, priceNow);
+        }
     } else {
         // A move that would put a point left of candle 0 is refused as a whole.
         if (CheckMoveOut(fromColumn, toColumn)) return;
@@ -248,7 +252,8 @@ void LineStudy::PolyLineDoubleClick(const QMouseEvent& event) {
     else if (!(event.modifiers() & Qt::ShiftModifier)) Object::Select(false);
     const int used = OutPointsUsed();
     const int count = static_cast<int>(in_.size());
-    if (onMarker && used > 1) {
+    // `used` counts the terminator: more than one point before it leaves a line after a delete.
+    if (onMarker && used - 1 > 1) {
         if (marker == 9) {
             if (count > 8) in_[8].m_typePoint = LS_POINT_LAST;
         } else {
@@ -259,8 +264,9 @@ void LineStudy::PolyLineDoubleClick(const QMouseEvent& event) {
             if (last >= 0 && last < count) std::memset(&in_[std::size_t(last)], 0, sizeof(lsPointShape));
             placed_ = std::max(0, std::min(placed_, last));
         }
-    } else if (!onMarker && hit && used <= 8) {
-        // A double click on a segment inserts a point there (a polyline holds ten at most).
+    } else if (!onMarker && used <= 8) {
+        // A double click inserts a point after the segment under it, or after the first
+        // point when no segment is hit (a polyline holds ten at most).
         int segment = 0;
         for (int i = 0; i < static_cast<int>(shapes_.size()); ++i) {
             try {

@@ -1,6 +1,8 @@
 // A line study in the chart's layout: a "LineStudy" node under its line's node with one
 // "ControlPoint" child per input point (up to the one that ends an open list).
 //
+// "InterfaceName", "ProviderName" and "InterfaceObjectName" are the head node of the host
+// object behind the line's data (3012); loading does not need them.
 // Besides the keys of every saved object, "ObjectColor" keeps the colour the study was
 // created with, so that the host makes it again in that colour.
 // The study's base point ("BasePointTime", "BasePointValue") is its first input point; the
@@ -14,6 +16,7 @@
 
 #include "abi/messages.h"
 #include "abi/records/interface_records.h"
+#include "abi/records/workdata_records.h"
 #include "data/DataSource.h"
 #include "gui/PFChartWidget.h"
 #include "gx/Area.h"
@@ -46,6 +49,10 @@ void* FindProvider(const CModule* module) {
     return found;
 }
 
+QString Local8(const char* text, std::size_t size) {
+    return QString::fromLocal8Bit(text, static_cast<int>(strnlen(text, size)));
+}
+
 }  // namespace
 
 std::unique_ptr<CXMLWorkData> LineStudy::ToXML(CXMLWorkData* lineNode, const lsControlPointsShapesWrap* snapshot) const {
@@ -61,10 +68,18 @@ std::unique_ptr<CXMLWorkData> LineStudy::ToXML(CXMLWorkData* lineNode, const lsC
     node->writeString("ObjectName", name_);
     node->writeInteger("ObjectType", kObjectLineStudy);
     node->writeInteger("ObjectLineIndex", line_ ? line_->GetIndex() - 1 : -1);
-    const boost::shared_ptr<pf::DataSource> source = indicator ? indicator->GetDataSource() : boost::shared_ptr<pf::DataSource>();
-    node->writeString("InterfaceName", QString::fromLatin1(LS_PROVIDER_INTERFACE));
-    node->writeString("ProviderName", source ? source->GetBaseName() : QString());
-    node->writeString("InterfaceObjectName", title_);
+    // The line's data description: the head node of the host object behind its data array.
+    coreHeadNodeInfo head;
+    std::memset(&head, 0, sizeof head);
+    fxDataPointArray* array = line_ ? line_->GetArray() : nullptr;
+    void* owner = nullptr;
+    if (array) std::memcpy(&owner, reinterpret_cast<const char*>(array) + offsetof(fxDataPointArray, owner), sizeof owner);
+    if (owner && Send(Module() ? Module()->hostHandle : nullptr, MSG_HEAD_NODE_INFO, reinterpret_cast<std::intptr_t>(owner),
+                      reinterpret_cast<std::intptr_t>(&head)) != 0)
+        std::memset(&head, 0, sizeof head);
+    node->writeString("InterfaceName", Local8(head.interfaceName, sizeof head.interfaceName));
+    node->writeString("ProviderName", Local8(head.provider, sizeof head.provider));
+    node->writeString("InterfaceObjectName", Local8(head.name, sizeof head.name));
     const lsPointShape* base = points.empty() ? nullptr : &points[0];
     node->writeInteger("BasePointTime", base ? base->m_xTime : 0);
     node->writeFloat("BasePointTimeOffs", 0.0f);

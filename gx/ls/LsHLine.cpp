@@ -42,7 +42,7 @@ bool LsHLine::PtInLS(const QPoint& point) const {
     const lsShapeHLine* block = Block<lsShapeHLine>();
     if (!block || !IsVisible() || !engine_) return false;
     const int y = engine_->TranslateY(block->price);
-    return util::LsBase::PtInSegment(QPoint(rect_.left(), y), QPoint(rect_.right(), y), point, 5);
+    return util::LsBase::PtInShapeLine(QPoint(rect_.left(), y), QPoint(rect_.right(), y), point);
 }
 
 }  // namespace gx

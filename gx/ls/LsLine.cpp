@@ -34,16 +34,34 @@ QPoint LsLine::Extend(int x, int y, double slope, int edge) const {
 void LsLine::Draw(QPainter& painter) {
     Ends e;
     if (!GetEnds(e)) return;
-    if (e.x0 < rect_.left() && e.x1 < rect_.left() && !e.extendRight) return;
-    if (e.x0 > rect_.right() && e.x1 > rect_.right() && !e.extendLeft) return;
+    // A segment wholly outside the area is not drawn, extended or not.
+    if (e.x0 < rect_.left() && e.x1 < rect_.left()) return;
+    if (e.x0 > rect_.right() && e.x1 > rect_.right()) return;
     if (e.y0 < rect_.top() && e.y1 < rect_.top()) return;
     if (e.y0 >= rect_.bottom() && e.y1 >= rect_.bottom()) return;
     const double slope = e.x1 == e.x0 ? 0.0 : double(e.y1 - e.y0) / double(e.x1 - e.x0);
     QPoint left(e.x0, e.y0), right(e.x1, e.y1);
     if (right.x() < left.x()) std::swap(left, right);
     QPoint from = left, to = right;
-    if (e.extendRight && e.x0 != e.x1) to = Extend(right.x(), right.y(), slope, rect_.right());
-    if (e.extendLeft && e.x0 != e.x1) from = Extend(left.x(), left.y(), slope, rect_.left());
+    if (e.x0 != e.x1) {
+        if (e.extendRight) to = Extend(right.x(), right.y(), slope, rect_.right());
+        if (e.extendLeft) from = Extend(left.x(), left.y(), slope, rect_.left());
+    } else {
+        // A vertical line extends up to the area's top (right) and down to its bottom (left)
+        // from its second point, as its hit test has it.
+        const QPoint second(e.x1, e.y1);
+        const QPoint top(e.x0, rect_.top()), bottom(e.x0, rect_.bottom());
+        if (e.extendRight && e.extendLeft) {
+            from = top;
+            to = bottom;
+        } else if (e.extendRight) {
+            from = top;
+            to = QPoint(e.x0, std::max(second.y(), std::max(e.y0, e.y1)));
+        } else if (e.extendLeft) {
+            from = QPoint(e.x0, std::min(second.y(), std::min(e.y0, e.y1)));
+            to = bottom;
+        }
+    }
     const std::int32_t width = shape_->penWidth;
     const int h = static_cast<int>(width * 0.5 + 0.5);
     // Clipped to its box grown by half the pen, within the area; a line whose box lies in the
@@ -68,26 +86,26 @@ bool LsLine::PtInLS(const QPoint& point) const {
     Ends e;
     if (!GetEnds(e)) return false;
     const QPoint p0(e.x0, e.y0), p1(e.x1, e.y1);
-    bool hit = util::LsBase::PtInSegment(p0, p1, point, 5);
+    bool hit = util::LsBase::PtInShapeLine(p0, p1, point);
     const QPoint& rightMost = e.x1 >= e.x0 ? p1 : p0;
     const QPoint& leftMost = e.x1 >= e.x0 ? p0 : p1;
     if (e.extendRight) {
         if (e.x0 == e.x1)
-            hit = hit || util::LsBase::PtInSegment(QPoint(e.x0, rect_.top()), p1, point, 5);
+            hit = hit || util::LsBase::PtInShapeLine(QPoint(e.x0, rect_.top()), p1, point);
         else
-            hit = hit || util::LsBase::PtInSegment(
+            hit = hit || util::LsBase::PtInShapeLine(
                              rightMost,
                              QPoint(rect_.right(), int(e.y0 + (long long)(e.y1 - e.y0) * (rect_.right() - e.x0) / (e.x1 - e.x0))),
-                             point, 5);
+                             point);
     }
     if (e.extendLeft) {
         if (e.x0 == e.x1)
-            hit = hit || util::LsBase::PtInSegment(QPoint(e.x0, rect_.bottom()), p1, point, 5);
+            hit = hit || util::LsBase::PtInShapeLine(QPoint(e.x0, rect_.bottom()), p1, point);
         else
-            hit = hit || util::LsBase::PtInSegment(
+            hit = hit || util::LsBase::PtInShapeLine(
                              leftMost,
                              QPoint(rect_.left(), int(e.y0 + (long long)(e.y1 - e.y0) * (rect_.left() - e.x0) / (e.x1 - e.x0))),
-                             point, 5);
+                             point);
     }
     return hit;
 }

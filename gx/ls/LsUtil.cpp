@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "data/ScaleEngine.h"
+#include "gx/Menu.h"
 #include "gx/ls/LineStudy.h"
 
 namespace gx {
@@ -28,18 +29,9 @@ int CalcX(const gx::LineStudy* study, const boost::shared_ptr<pf::ScaleEngine>& 
     return CalcX(engine, study ? study->GetNormalizeIndex(line) : line.index);
 }
 
-bool PtInSegment(const QPoint& a, const QPoint& b, const QPoint& p, int tolerance) {
-    const long long t = tolerance;
-    if (t <= 0) return false;
-    const long long ax = a.x(), ay = a.y(), bx = b.x(), by = b.y(), px = p.x(), py = p.y();
-    if (px <= std::min(ax, bx) - t || px >= std::max(ax, bx) + t) return false;
-    if (py <= std::min(ay, by) - t || py >= std::max(ay, by) + t) return false;
-    const long double dx = static_cast<long double>(bx - ax);
-    const long double dy = static_cast<long double>(by - ay);
-    if (dx == 0 && dy == 0) return std::llabs(px - ax) < t && std::llabs(py - ay) < t;
-    // Distance to the line through a and b, compared squared and strictly.
-    const long double cross = (px - ax) * dy - (py - ay) * dx;
-    return cross * cross < static_cast<long double>(t) * t * (dx * dx + dy * dy);
+bool PtInShapeLine(const QPoint& a, const QPoint& b, const QPoint& p) {
+    const bool straight = a.x() == b.x() || a.y() == b.y();
+    return gx::util::PtInLine(a, b, p, straight ? kHitTolerance - 1 : kHitTolerance);
 }
 
 }  // namespace LsBase

@@ -24,10 +24,13 @@ int CalcX(const boost::shared_ptr<pf::ScaleEngine>& engine, int index);
 int CalcX(const gx::LineStudy* study, const boost::shared_ptr<pf::ScaleEngine>& engine, const lsPointShape& point);
 int CalcX(const gx::LineStudy* study, const boost::shared_ptr<pf::ScaleEngine>& engine, const lsShapeVLine& line);
 
-// Whether `p` lies on the segment a-b: inside its columns and rows widened by `tolerance`
-// and nearer than `tolerance` to the line through a and b (strictly: a point exactly
-// `tolerance` pixels away is off the segment).
-bool PtInSegment(const QPoint& a, const QPoint& b, const QPoint& p, int tolerance);
+// Every shape is hit within 5 pixels of its segments, strictly: 4 pixels off a line hits,
+// 5 does not.
+constexpr int kHitTolerance = 5;
+// The shapes' segment hit test, through the chart's gx::util::PtInLine: a slanted segment
+// is compared strictly already; a horizontal or vertical one includes its tolerance there,
+// so it is given one pixel less.
+bool PtInShapeLine(const QPoint& a, const QPoint& b, const QPoint& p);
 
 }  // namespace LsBase
 }  // namespace util

@@ -50,7 +50,7 @@ void LsVLine::Draw(QPainter& painter) {
 bool LsVLine::PtInLS(const QPoint& point) const {
     int x = 0;
     if (!X(x)) return false;
-    return util::LsBase::PtInSegment(QPoint(x, rect_.top()), QPoint(x, rect_.bottom()), point, 5);
+    return util::LsBase::PtInShapeLine(QPoint(x, rect_.top()), QPoint(x, rect_.bottom()), point);
 }
 
 }  // namespace gx

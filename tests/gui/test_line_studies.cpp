@@ -156,16 +156,74 @@ TEST_F(LineStudies, HostileCountsSizesAndTypesAreCappedOrLeftOut) {
     Paint();
     EXPECT_FALSE(study->PtInLS(MiddleOfArea(0)));
 
-    // 3073 for a study nobody has, and without a record.
-    lsUpdateRecord unknown{provider.handle(), 9999, 1};
-    EXPECT_FALSE(widget->OnUpdateLS(&unknown));
-    EXPECT_EQ(module.ReceiveMessageWrap(nullptr, MSG_LS_UPDATE, reinterpret_cast<std::intptr_t>(&unknown), 0), 0);
+    // All shapes together stay within the study's budget, however large the host's sizes.
+    provider.overrideCounts = true;
+    provider.cpCount = 1;
+    provider.shapeCount = LineStudy::kMaxShapes;
+    provider.sizes = {LineStudy::kMaxShapeBytes};
+    study = widget->StartLineStudy(MiddleOfArea(0), provider.handle(), "HLine", 0, false);
+    ASSERT_TRUE(study);
+    ASSERT_EQ(study->GetShapeCount(), LineStudy::kMaxShapes);
+    long long total = 0;
+    for (int i = 0; i < study->GetShapeCount(); ++i) total += study->GetShapeDataSize(i) + long(sizeof(lsShape));
+    EXPECT_LE(total, LineStudy::kMaxStudyBytes);
+    EXPECT_GT(study->GetShapeDataSize(0), 0);
+    EXPECT_EQ(study->GetShapeDataSize(LineStudy::kMaxShapes - 1), 0);
+    Paint();
+}
+
+// 3073 names a data array and a kind: every study of that kind on that array takes the new
+// counts and asks the host for its shapes again; others are left alone.
+TEST_F(LineStudies, HostUpdateResizesEveryStudyOfItsKindOnItsData) {
+    const boost::shared_ptr<LineStudy> a = Place("Line", {At(5, 1.005f), At(15, 1.015f)});
+    const boost::shared_ptr<LineStudy> b = Place("Line", {At(20, 1.005f), At(30, 1.015f)});
+    const boost::shared_ptr<LineStudy> h = Place("HLine", {At(10, 1.01f)});
+    ASSERT_TRUE(a && b && h && a != b);
+    for (const auto& s : {a, b}) {
+        provider.studies[s->GetId()].points = 3;
+        provider.studies[s->GetId()].shapes = 2;
+    }
+    coreUpdateLs update;
+    std::memset(&update, 0, sizeof update);
+    update.dataArray = Line().GetArray();
+    std::strcpy(update.kind, "Line");
+    update.cpCount = 3;
+    update.shapeCount = 2;
+    const int exchanges = provider.exchanges;
+    EXPECT_TRUE(widget->OnUpdateLS(&update));
+    for (const auto& s : {a, b}) {
+        EXPECT_EQ(s->GetCPCount(), 3);
+        EXPECT_EQ(s->GetShapeCount(), 2);
+        EXPECT_EQ(s->GetInPoints()[1].index, s == a ? 15 : 30);  // the points it had are kept
+    }
+    EXPECT_EQ(provider.exchanges - exchanges, 2);
+    EXPECT_EQ(h->GetCPCount(), 1);
+    EXPECT_EQ(h->GetShapeCount(), 1);
+    Paint();
+
+    // Another array, an unknown kind, counts out of range, no record: nothing changes.
+    coreUpdateLs other = update;
+    other.dataArray = &other;
+    EXPECT_FALSE(widget->OnUpdateLS(&other));
+    other = update;
+    std::strcpy(other.kind, "Spiral");
+    EXPECT_FALSE(widget->OnUpdateLS(&other));
+    other = update;
+    other.shapeCount = LineStudy::kMaxShapes + 1;
+    EXPECT_FALSE(widget->OnUpdateLS(&other));
     EXPECT_EQ(module.ReceiveMessageWrap(nullptr, MSG_LS_UPDATE, 0, 0), 0);
-    // A failing update removes the study instead of throwing.
-    lsUpdateRecord known{provider.handle(), study->GetId(), 1};
+    EXPECT_EQ(provider.exchanges, exchanges + 2);
+
+    // A host failing the new exchange: the study leaves host and chart, nothing is thrown.
+    update.cpCount = 1;
+    update.shapeCount = 1;
+    std::strcpy(update.kind, "HLine");
+    host.clear();
     provider.errorAfter = provider.exchanges + 1;
-    EXPECT_TRUE(widget->OnUpdateLS(&known));
-    EXPECT_EQ(std::count(Line().GetLineStudies().begin(), Line().GetLineStudies().end(), study), 0);
+    EXPECT_TRUE(widget->OnUpdateLS(&update));
+    EXPECT_EQ(std::count(Line().GetLineStudies().begin(), Line().GetLineStudies().end(), h), 0);
+    EXPECT_EQ(host.find(MSG_LS_DELETE).size(), 1u);
+    EXPECT_EQ(Line().GetLineStudies().size(), 2u);
 }
 
 TEST_F(LineStudies, PlacedPointByPointWithTheRubberBand) {
@@ -267,11 +325,13 @@ TEST_F(LineStudies, DraggedWholeOrByOnePointAndNeverLeftOfCandleZero) {
     Mouse(QEvent::MouseButtonRelease, At(2, 1.01f));
     EXPECT_EQ(study->GetState(), LineStudy::StateCreated);
     EXPECT_TRUE(host.find(MSG_UNDO_BEGIN).empty());  // nothing changed, nothing recorded
-    // Right by four columns: both points follow, one undo step.
+    // Right by four columns: the first move after the press only takes its place, then both
+    // points follow; one undo step.
     Mouse(QEvent::MouseButtonPress, middle);
-    Mouse(QEvent::MouseMove, middle);
-    Mouse(QEvent::MouseMove, At(11, 1.01f));
-    Mouse(QEvent::MouseButtonRelease, At(11, 1.01f));
+    Mouse(QEvent::MouseMove, At(9, 1.01f));
+    EXPECT_EQ(study->GetInPoints()[0].index, 2);
+    Mouse(QEvent::MouseMove, At(13, 1.01f));
+    Mouse(QEvent::MouseButtonRelease, At(13, 1.01f));
     EXPECT_EQ(study->GetInPoints()[0].index, 6);
     EXPECT_EQ(study->GetInPoints()[1].index, 16);
     EXPECT_EQ(study->GetInPoints()[0].m_xTime, Line().GetTime(6));
@@ -357,6 +417,26 @@ TEST_F(LineStudies, PolyLineDoubleClicksFinishDeleteAndInsertPoints) {
     const std::vector<lsPointShape> nine = poly->GetInPoints();
     Mouse(QEvent::MouseButtonDblClick, between);
     for (int i = 0; i < 9; ++i) EXPECT_EQ(poly->GetInPoints()[std::size_t(i)].index, nine[std::size_t(i)].index);
+
+    // Two points: a marker's double click deletes nothing (one point would be left); a
+    // double click off every segment still inserts, after the first point.
+    poly = Place("PolyLine", {At(5, 1.005f)});
+    const QPoint second = At(12, 1.006f);
+    Mouse(QEvent::MouseMove, second);
+    Click(second);
+    Mouse(QEvent::MouseButtonDblClick, second);
+    Mouse(QEvent::MouseButtonRelease, second);
+    ASSERT_EQ(poly->GetInPoints()[1].m_typePoint, LS_POINT_LAST);
+    Mouse(QEvent::MouseButtonDblClick, At(5, 1.005f));
+    EXPECT_EQ(poly->GetInPoints()[0].index, 5);
+    EXPECT_EQ(poly->GetInPoints()[1].m_typePoint, LS_POINT_LAST);
+    const QPoint away = At(40, 1.03f);
+    ASSERT_FALSE(poly->PtInLS(away));
+    Mouse(QEvent::MouseButtonDblClick, away);
+    EXPECT_EQ(poly->GetInPoints()[1].index, 40);
+    EXPECT_EQ(poly->GetInPoints()[1].m_typePoint, LS_POINT_PLACED);
+    EXPECT_EQ(poly->GetInPoints()[2].m_typePoint, LS_POINT_LAST);
+    EXPECT_EQ(poly->GetInPoints()[2].index, 12);
 }
 
 TEST_F(LineStudies, EscapeCancelsAStudyBeingPlaced) {
@@ -368,18 +448,27 @@ TEST_F(LineStudies, EscapeCancelsAStudyBeingPlaced) {
     QApplication::sendEvent(widget.get(), &escape);
     EXPECT_TRUE(Line().GetLineStudies().empty());
     EXPECT_FALSE(host.find(MSG_LS_END_DRAWING).empty());
-    EXPECT_EQ(host.find(MSG_LS_DELETE).size(), 1u);
+    // The host's study is not deleted: the drawing mode ends and the chart forgets it.
+    EXPECT_TRUE(host.find(MSG_LS_DELETE).empty());
+    EXPECT_TRUE(host.find(MSG_LS_DETACH).empty());
+    EXPECT_EQ(widget->cursor().shape(), Qt::ArrowCursor);
 }
 
 TEST_F(LineStudies, ContextMenuDeletesTheStudyInTheHost) {
     const boost::shared_ptr<LineStudy> study = Place("HLine", {At(10, 1.01f)});
     ASSERT_TRUE(study);
     widget->FillContextMenu();
-    QMenu& menu = *widget->GetChart()->GetDeleteMenu();
-    QAction* action = nullptr;
-    for (QAction* a : menu.actions())
-        if (a->text() == QStringLiteral("HLine")) action = a;
-    ASSERT_TRUE(action);
+    // Its three entries (select, properties, delete) are all in the properties menu.
+    for (const auto& other : {widget->GetChart()->GetSelectMenu(), widget->GetChart()->GetDeleteMenu()})
+        for (QAction* a : other->actions()) EXPECT_NE(a->text(), QStringLiteral("HLine"));
+    QList<QAction*> entries;
+    for (QAction* a : widget->GetChart()->GetPropMenu()->actions())
+        if (a->text() == QStringLiteral("HLine")) entries.push_back(a);
+    ASSERT_EQ(entries.size(), 3);
+    host.clear();
+    entries[0]->trigger();  // select shows the properties
+    EXPECT_EQ(host.find(MSG_LS_PROPERTIES).size(), 1u);
+    QAction* action = entries[2];
     host.clear();
     action->trigger();
     EXPECT_TRUE(Line().GetLineStudies().empty());

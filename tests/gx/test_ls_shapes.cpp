@@ -116,11 +116,36 @@ TEST(LsShapes, VerticalStraightLineExtendedRightIsHitFromTheTopToItsSecondPoint)
     EXPECT_TRUE(s.Make()->PtInLS(aboveBoth));
     EXPECT_TRUE(s.Make()->PtInLS(QPoint(x, s.area.top())));
     EXPECT_FALSE(s.Make()->PtInLS(QPoint(x, s.Y(1.1f))));  // below the first point: not extended
+    // The picture shows what is hit: from the area's top down to the lower point.
+    ASSERT_EQ(s.Drawn().size(), 1);
+    EXPECT_EQ(s.Drawn()[0], QLine(x, s.area.top(), x, s.Y(1.2f)));
+    line.extendRight = 0;
+    line.extendLeft = 1;  // and from the upper point down to the bottom
+    EXPECT_TRUE(s.Make()->PtInLS(QPoint(x, s.Y(1.1f))));
+    EXPECT_FALSE(s.Make()->PtInLS(aboveBoth));
+    ASSERT_EQ(s.Drawn().size(), 1);
+    EXPECT_EQ(s.Drawn()[0], QLine(x, s.Y(1.5f), x, s.area.bottom()));
+    line.extendLeft = 0;
+    line.extendRight = 1;
     // A slanted one extended right reaches the area's edge.
     line.points[1] = lsPointShape{1, 1, 30, 1.2f, 0};
     EXPECT_TRUE(s.Make()->PtInLS(QPoint(s.area.right() - 1, s.Y(1.2f))));
     line.points[1].m_xTime = -1;  // an unplaced point: nothing
     EXPECT_FALSE(s.Make()->PtInLS(QPoint(x, s.Y(1.2f))));
+}
+
+TEST(LsShapes, StraightLineWhollyBesideTheAreaIsNotDrawnEvenWhenExtended) {
+    Shape s(LS_SHAPE_LINE, sizeof(lsShapeLine));
+    lsShapeLine& line = s.Data<lsShapeLine>();
+    line.extendLeft = line.extendRight = 1;
+    for (int first : {-12, 45}) {  // both points left of the area, then both right of it
+        line.points[0] = lsPointShape{1, 1, first, 1.2f, 0};
+        line.points[1] = lsPointShape{1, 1, first + 3, 1.6f, 0};
+        EXPECT_TRUE(s.Drawn().isEmpty()) << first;
+    }
+    line.points[0].index = 10;  // one point inside: drawn, extended to both edges
+    ASSERT_EQ(s.Drawn().size(), 1);
+    EXPECT_LE(s.Drawn()[0].x1(), s.area.left() + 1);
 }
 
 TEST(LsShapes, TitleWithOnlyTheVerticalCentreBitSitsOnTheLineAbove) {
@@ -192,14 +217,23 @@ TEST(LsShapes, FactoryKnowsTypesZeroAndTwoToFiveOnly) {
     EXPECT_FALSE(gx::LsFactory::Instance().Create(3, s.engine, s.area, s.cps, 5, nullptr)->PtInLS(QPoint(1, 1)));
 }
 
-TEST(LsShapes, SegmentHitComparesTheDistanceStrictly) {
-    using gx::util::LsBase::PtInSegment;
-    // (0, 0) to (40, 30): a point 5 pixels off the line along its normal (3, -4)/5 * 5.
-    EXPECT_FALSE(PtInSegment({0, 0}, {40, 30}, {23, 11}, 5));
-    EXPECT_TRUE(PtInSegment({0, 0}, {40, 30}, {23, 12}, 5));
-    EXPECT_FALSE(PtInSegment({0, 0}, {40, 30}, {46, 30}, 5));  // beyond the end
-    EXPECT_TRUE(PtInSegment({5, 5}, {5, 5}, {6, 4}, 2));
-    EXPECT_FALSE(PtInSegment({0, 0}, {10, 0}, {5, 0}, 0));
+TEST(LsShapes, SegmentHitIsStrictlyWithinFivePixelsInEveryDirection) {
+    using gx::util::LsBase::PtInShapeLine;
+    // (0, 0) to (40, 30): a point about 5 pixels off the line along its normal is off it.
+    EXPECT_FALSE(PtInShapeLine({0, 0}, {40, 30}, {23, 11}));
+    EXPECT_TRUE(PtInShapeLine({0, 0}, {40, 30}, {23, 12}));
+    EXPECT_FALSE(PtInShapeLine({0, 0}, {40, 30}, {46, 30}));  // beyond the end
+    // Straight segments: 4 pixels off (or past an end) hit, 5 do not.
+    for (int d : {-4, 4}) {
+        EXPECT_TRUE(PtInShapeLine({0, 50}, {100, 50}, {50, 50 + d})) << d;
+        EXPECT_TRUE(PtInShapeLine({50, 0}, {50, 100}, {50 + d, 50})) << d;
+        EXPECT_TRUE(PtInShapeLine({50, 0}, {50, 100}, {50, d < 0 ? d : 100 + d})) << d;
+    }
+    for (int d : {-5, 5}) {
+        EXPECT_FALSE(PtInShapeLine({0, 50}, {100, 50}, {50, 50 + d})) << d;
+        EXPECT_FALSE(PtInShapeLine({50, 0}, {50, 100}, {50 + d, 50})) << d;
+        EXPECT_FALSE(PtInShapeLine({100, 50}, {0, 50}, {d < 0 ? d : 100 + d, 50})) << d;
+    }
 }
 
 }  // namespace

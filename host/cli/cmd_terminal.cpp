@@ -11,6 +11,7 @@
 #include "host/DialogAnswerer.h"
 #include "host/MainWindowService.h"
 #include "host/cli/Commands.h"
+#include "host/cli/PaintClock.h"
 #include "host/terminal/Terminal.h"
 #include "host/terminal/Workspace.h"
 
@@ -94,6 +95,7 @@ int runTerminal(const QStringList& args) {
         host::terminal::Terminal terminal(emulator, options);
         terminal.window()->show();
         terminal.start();
+        host::cli::ReportFirstPaint(emulator, terminal);
         status = QApplication::exec();
         if (!options.screenshot.isEmpty() && options.quit)
             std::printf("pfhost terminal: screenshot in %s\n", options.screenshot.toLocal8Bit().constData());

@@ -81,10 +81,11 @@ protected:
         Mouse(QEvent::MouseButtonPress, at);
         Mouse(QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton);
     }
-    // A press at `from`, moves in steps with the button held, a release at `to`.
+    // A press at `from`, moves in steps with the button held (the first, at `from`, only
+    // gives the study its drag position), a release at `to`.
     void Drag(const QPoint& from, const QPoint& to) {
         Mouse(QEvent::MouseButtonPress, from);
-        for (int s = 1; s <= 5; ++s) Move(from + (to - from) * s / 5, Qt::LeftButton);
+        for (int s = 0; s <= 5; ++s) Move(from + (to - from) * s / 5, Qt::LeftButton);
         Mouse(QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton);
     }
     std::int32_t Place(const std::string& name, const std::vector<StudyPoint>& points) {

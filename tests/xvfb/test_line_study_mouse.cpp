@@ -94,6 +94,7 @@ TEST_F(LineStudyMouse, PlacedDraggedUndoneAndCancelled) {
     const std::size_t steps = emulator->undo().records().size();
     const QPoint moved = middle + QPoint(120, 0);
     QTest::mousePress(chart, Qt::LeftButton, Qt::NoModifier, middle);
+    MoveTo(middle, Qt::LeftButton);  // the first move only takes its place
     MoveTo(middle + QPoint(60, 0), Qt::LeftButton);
     MoveTo(moved, Qt::LeftButton);
     QTest::mouseRelease(chart, Qt::LeftButton, Qt::NoModifier, moved);
@@ -112,7 +113,10 @@ TEST_F(LineStudyMouse, PlacedDraggedUndoneAndCancelled) {
     QTest::mousePress(chart, Qt::LeftButton, Qt::NoModifier, c);
     ASSERT_EQ(provider.studies.size(), studies + 1);
     QTest::keyClick(chart, Qt::Key_Escape);
-    EXPECT_TRUE(provider.studies.rbegin()->second.deleted);
+    // The drawing mode ends; the study is the host's to drop, not deleted by the chart.
+    EXPECT_TRUE(provider.tool.empty());
+    EXPECT_FALSE(provider.studies.rbegin()->second.deleted);
+    EXPECT_EQ(chart->cursor().shape(), Qt::ArrowCursor);
 }
 
 }  // namespace

@@ -14,7 +14,10 @@
 #include <QPointer>
 #include <QTemporaryDir>
 #include <QWidget>
+#include <algorithm>
+#include <cctype>
 #include <cmath>
+#include <ostream>
 #include <cstring>
 #include <memory>
 #include <vector>
@@ -104,6 +107,86 @@ protected:
     std::int32_t Newest() {
         const std::vector<std::int32_t> ids = LS().ids();
         return ids.empty() ? 0 : ids.back();
+    }
+
+    // The placement tool's colour as the chart paints it (0x0000C0, in either byte order).
+    static bool Ink(QRgb pixel) {
+        const QRgb c = pixel & 0xFFFFFFu;
+        return c == 0x0000C0u || c == 0xC00000u;
+    }
+    // The centre of a selection marker (a filled 5 x 5 square in the study's colour) within
+    // eight pixels of `near`; `near` itself when none is found.
+    static QPoint Marker(const QImage& image, const QPoint& near) {
+        QPoint best = near;
+        int bestDistance = 1 << 30;
+        for (int dy = -8; dy <= 8; ++dy)
+            for (int dx = -8; dx <= 8; ++dx) {
+                const QPoint c = near + QPoint(dx, dy);
+                bool full = true;
+                for (int y = -2; y <= 2 && full; ++y)
+                    for (int x = -2; x <= 2 && full; ++x) {
+                        const QPoint p = c + QPoint(x, y);
+                        full = image.rect().contains(p) && Ink(image.pixel(p));
+                    }
+                if (full && dx * dx + dy * dy < bestDistance) best = c, bestDistance = dx * dx + dy * dy;
+            }
+        return best;
+    }
+    // Where the study's control points are drawn (their markers when selected).
+    std::vector<QPoint> MarkersOf(std::int32_t id, const QImage& image) {
+        std::vector<QPoint> out;
+        const host::LineStudies::Study* s = LS().study(id);
+        if (!s) return out;
+        for (const lsPointShape& p : s->out) {
+            if (p.m_typePoint == LS_POINT_NOT_PLACED) break;
+            out.push_back(Marker(image, Pixel(StudyPoint{p.m_xTime, double(p.value)})));
+            if (p.m_typePoint == LS_POINT_LAST) break;
+        }
+        return out;
+    }
+    // A pixel drawn by the study's shapes, clear of every marker (a press there takes the
+    // whole study), the one nearest its first point. The study is selected: its markers show.
+    QPoint OnTheStudy(std::int32_t id) {
+        const QImage image = Picture();
+        const std::vector<QPoint> first = MarkersOf(id, image);
+        if (first.empty()) return QPoint();
+        std::vector<QPoint> markers;
+        for (int y = 2; y + 2 < image.height(); ++y)
+            for (int x = 2; x + 2 < image.width(); ++x)
+                if (Ink(image.pixel(x, y))) {
+                    bool full = true;
+                    for (int k = 0; k < 25 && full; ++k) full = Ink(image.pixel(x - 2 + k % 5, y - 2 + k / 5));
+                    if (full) markers.push_back(QPoint(x, y));
+                }
+        QPoint best;
+        int bestDistance = 1 << 30;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x) {
+                if (!Ink(image.pixel(x, y))) continue;
+                bool clear = true;
+                for (const QPoint& m : markers) clear = clear && std::max(std::abs(m.x() - x), std::abs(m.y() - y)) > 5;
+                const int d = (QPoint(x, y) - first[0]).manhattanLength();
+                if (clear && d < bestDistance) best = QPoint(x, y), bestDistance = d;
+            }
+        return best;
+    }
+    // The window saved as a layout, destroyed and loaded again: the restored window.
+    void SaveAndReload() {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("studies.xml"));
+        QString why;
+        ASSERT_TRUE(emulator->layouts().save(widget, path, &why)) << why.toStdString();
+        ASSERT_TRUE(Charts().destroy(widget));
+        widget = emulator->layouts().load(ChartType::PointAndFigure, path, &why);
+        ASSERT_NE(widget, nullptr) << why.toStdString();
+        chart = Charts().chartWidget(widget);
+        ASSERT_NE(chart, nullptr);
+    }
+    QStringList Steps() { return emulator->undo().titles(); }
+    void Undo() {
+        const host::UndoStack::Undo u = emulator->undo().undo();
+        ASSERT_TRUE(u.sent && u.replied);
+        EXPECT_EQ(u.result, 0);
     }
 
     void* widget = nullptr;
@@ -214,45 +297,6 @@ TEST_F(StudiesOnAChart, EveryStudyIsPlacedPointByPointWithTheRubberBand) {
     EXPECT_EQ(LS().ids().size(), 8u);
 }
 
-TEST_F(StudiesOnAChart, DragsOfOnePointAndOfTheWholeStudyAreUndoneExactly) {
-    const double price = double(records[records.size() - 100].value);
-    const StudyPoint a = Column(120, price), b = Column(60, price + 0.01);
-    const std::int32_t id = Place("Line", {a, b});
-    ASSERT_NE(id, 0);
-    const std::vector<lsPointShape> placed = PointsOf(id);
-    const std::size_t steps = emulator->undo().titles().size();
-
-    // One point: its marker is pressed (the study is still selected) and dragged.
-    const QPoint end = Pixel(b);
-    Drag(end, end + QPoint(40, -30));
-    const std::vector<lsPointShape> pointMoved = PointsOf(Newest());
-    ASSERT_FALSE(SamePoints(pointMoved, placed));
-    EXPECT_EQ(pointMoved[0].m_xTime, placed[0].m_xTime) << "the other point stays";
-    EXPECT_FLOAT_EQ(pointMoved[0].value, placed[0].value);
-    EXPECT_EQ(emulator->undo().titles().size(), steps + 1);
-
-    // The whole study: pressed on the line between its points, away from the markers.
-    const QPoint start = Pixel(a);
-    const QPoint middle = (start + end + QPoint(40, -30)) / 2;
-    Drag(middle, middle + QPoint(-25, 20));
-    const std::vector<lsPointShape> wholeMoved = PointsOf(Newest());
-    ASSERT_FALSE(SamePoints(wholeMoved, pointMoved));
-    EXPECT_NE(wholeMoved[0].m_xTime, pointMoved[0].m_xTime);
-    EXPECT_NE(wholeMoved[1].m_xTime, pointMoved[1].m_xTime);
-    EXPECT_EQ(emulator->undo().titles().size(), steps + 2);
-
-    // A press and release in place records nothing.
-    Drag(middle + QPoint(-25, 20), middle + QPoint(-25, 20));
-    EXPECT_EQ(emulator->undo().titles().size(), steps + 2);
-
-    host::UndoStack::Undo u = emulator->undo().undo();
-    ASSERT_TRUE(u.sent && u.replied);
-    EXPECT_TRUE(SamePoints(PointsOf(Newest()), pointMoved));
-    u = emulator->undo().undo();
-    ASSERT_TRUE(u.sent && u.replied);
-    EXPECT_TRUE(SamePoints(PointsOf(Newest()), placed));
-}
-
 TEST_F(StudiesOnAChart, EveryStudySavedInALayoutComesBackWithTheSamePicture) {
     const double p = double(records[records.size() - 150].value);
     ASSERT_NE(Place("HLine", {Column(250, p + 0.01)}), 0);
@@ -284,37 +328,6 @@ TEST_F(StudiesOnAChart, EveryStudySavedInALayoutComesBackWithTheSamePicture) {
         drawn.save(QDir::temp().filePath(QStringLiteral("ls-drawn.png")));
         restored.save(QDir::temp().filePath(QStringLiteral("ls-restored.png")));
     }
-}
-
-TEST_F(StudiesOnAChart, DeletedStudiesLeaveTheHostAndTheUndoBringsThemBack) {
-    const QImage empty = Picture();
-    const double p = double(records[records.size() - 150].value);
-    const StudyPoint at = Column(200, p);
-    const std::int32_t id = Place("HLine", {at});
-    ASSERT_NE(id, 0);
-    Click(Empty());
-    const QImage drawn = Picture();
-    ASSERT_NE(drawn, empty);
-    const std::vector<lsPointShape> points = PointsOf(id);
-
-    // Selected with a click on the line, deleted with the Delete key.
-    Click(Pixel(at) + QPoint(60, 0));
-    EXPECT_EQ(LS().focus(), id);
-    const std::size_t detached = Count(MSG_LS_DETACH);
-    Charts().pressKey(widget, Qt::Key_Delete);
-    EXPECT_EQ(LS().study(id), nullptr);
-    ASSERT_FALSE(LS().deleted().empty());
-    EXPECT_EQ(LS().deleted().back(), id);
-    EXPECT_GT(Count(MSG_LS_DETACH), detached);
-    EXPECT_EQ(Picture(), empty);
-
-    const host::UndoStack::Undo u = emulator->undo().undo();
-    ASSERT_TRUE(u.sent && u.replied);
-    EXPECT_EQ(u.result, 0);
-    ASSERT_EQ(LS().ids().size(), 1u);
-    EXPECT_TRUE(SamePoints(PointsOf(Newest()), points));
-    Click(Empty());
-    EXPECT_EQ(Picture(), drawn);
 }
 
 TEST_F(StudiesOnAChart, HostileRepliesLeaveTheChartWorking) {
@@ -383,4 +396,194 @@ TEST_F(StudiesOnAChart, ArrivingPricesMakeTheChartFetchItsStudiesAgain) {
     }
     EXPECT_GE(Count(MSG_LS_GET_LIST_CONTROLPOINTER), exchanges + LS().updates().size());
     EXPECT_FALSE(Picture().isNull());
+}
+
+namespace {
+
+// One study type with the points it is placed at: columns before the last one, and prices
+// as offsets from a price in the middle of the area.
+struct StudyType {
+    const char* name;
+    std::vector<std::pair<int, double> > points;
+};
+
+void PrintTo(const StudyType& type, std::ostream* out) { *out << type.name; }
+
+class EveryStudyType : public StudiesOnAChart, public ::testing::WithParamInterface<StudyType> {
+protected:
+    std::vector<StudyPoint> Points() {
+        const double middle = double(records[records.size() - 150].value);
+        std::vector<StudyPoint> out;
+        for (const auto& p : GetParam().points) out.push_back(Column(p.first, middle + p.second));
+        return out;
+    }
+    // The placed points (up to the last of an open list).
+    static std::size_t Placed(const std::vector<lsPointShape>& in) {
+        std::size_t n = 0;
+        while (n < in.size() && in[n].m_typePoint != LS_POINT_NOT_PLACED)
+            if (in[n++].m_typePoint == LS_POINT_LAST) break;
+        return n;
+    }
+};
+
+}  // namespace
+
+// What a person does with a study of each type, through the real module: placed with the
+// rubber band, selected, dragged by a point and as a whole with both moves undone exactly,
+// saved and restored with the same picture, then in the restored window moved, deleted
+// (4501, 3071) and brought back by undo, and its move undone on the study made anew.
+TEST_P(EveryStudyType, IsPlacedDraggedUndoneSavedDeletedAndBroughtBack) {
+    const std::string name = GetParam().name;
+    const QImage empty = Picture();
+    const std::int32_t id = Place(name, Points());
+    ASSERT_NE(id, 0);
+    ASSERT_NE(LS().study(id), nullptr);
+    EXPECT_TRUE(LS().study(id)->finished);
+    EXPECT_TRUE(LS().tool().empty());
+    EXPECT_TRUE(LS().study(id)->selected) << "a study just placed is selected";
+    const std::vector<lsPointShape> placed = PointsOf(id);
+    const std::size_t count = Placed(placed);
+    ASSERT_GE(count, 1u);
+
+    // Selected again by a click on its shapes.
+    const QPoint body = OnTheStudy(id);
+    ASSERT_FALSE(body.isNull()) << "nothing of the study is drawn";
+    Click(Empty());
+    EXPECT_FALSE(LS().study(id)->selected);
+    const QImage drawn = Picture();
+    EXPECT_NE(drawn, empty);
+    Click(body);
+    EXPECT_TRUE(LS().study(id)->selected);
+    EXPECT_EQ(LS().focus(), id);
+
+    // By its first point: that point alone moves; one step on the terminal's stack.
+    const int steps = Steps().size();
+    const QPoint marker = MarkersOf(id, Picture())[0];
+    Drag(marker, marker + QPoint(30, -20));
+    const std::vector<lsPointShape> pointMoved = PointsOf(id);
+    ASSERT_EQ(pointMoved.size(), placed.size());
+    EXPECT_NE(pointMoved[0].m_xTime, placed[0].m_xTime);
+    EXPECT_NE(pointMoved[0].value, placed[0].value);
+    for (std::size_t k = 1; k < count; ++k) {
+        EXPECT_EQ(pointMoved[k].m_xTime, placed[k].m_xTime) << "point " << k;
+        EXPECT_EQ(pointMoved[k].value, placed[k].value) << "point " << k;
+    }
+    ASSERT_EQ(Steps().size(), steps + 1);
+    EXPECT_EQ(Steps().back(), QStringLiteral("Move Line"));
+
+    // As a whole: every placed point moves.
+    const QPoint from = OnTheStudy(id);
+    Drag(from, from + QPoint(-25, 20));
+    const std::vector<lsPointShape> wholeMoved = PointsOf(id);
+    for (std::size_t k = 0; k < count; ++k) {
+        EXPECT_NE(wholeMoved[k].m_xTime, pointMoved[k].m_xTime) << "point " << k;
+        EXPECT_NE(wholeMoved[k].value, pointMoved[k].value) << "point " << k;
+    }
+    ASSERT_EQ(Steps().size(), steps + 2);
+
+    Undo();
+    EXPECT_TRUE(SamePoints(PointsOf(id), pointMoved));
+    Undo();
+    EXPECT_TRUE(SamePoints(PointsOf(id), placed));
+    Click(Empty());
+    EXPECT_EQ(Picture(), drawn);
+
+    // Saved, and restored in a fresh window as a new host study with the same picture.
+    SaveAndReload();
+    const std::int32_t restored = Newest();
+    ASSERT_NE(restored, id);
+    EXPECT_TRUE(SamePoints(PointsOf(restored), placed));
+    EXPECT_TRUE(Picture() == drawn) << "the restored window shows another picture";
+
+    // Moved, then deleted with the Delete key: the host hears 4501 and 3071.
+    Click(body);
+    ASSERT_TRUE(LS().study(restored)->selected);
+    const QPoint again = OnTheStudy(restored);
+    Drag(again, again + QPoint(-25, 20));
+    const std::vector<lsPointShape> moved = PointsOf(restored);
+    ASSERT_FALSE(SamePoints(moved, placed));
+    const std::size_t deletes = Count(MSG_LS_DELETE), detaches = Count(MSG_LS_DETACH), live = LS().ids().size();
+    Charts().pressKey(widget, Qt::Key_Delete);
+    EXPECT_EQ(LS().study(restored), nullptr);
+    ASSERT_FALSE(LS().deleted().empty());
+    EXPECT_EQ(LS().deleted().back(), restored);
+    EXPECT_EQ(Count(MSG_LS_DELETE), deletes + 1);
+    EXPECT_EQ(Count(MSG_LS_DETACH), detaches + 1);
+    EXPECT_EQ(Picture(), empty);
+
+    // The deletion undone: made anew in the host where it was when deleted. Then the move
+    // undone on that new study: its points as placed.
+    Undo();
+    const std::int32_t back = Newest();
+    ASSERT_EQ(LS().ids().size(), live);
+    EXPECT_NE(back, restored);
+    EXPECT_TRUE(SamePoints(PointsOf(back), moved));
+    Undo();
+    EXPECT_TRUE(SamePoints(PointsOf(back), placed));
+    Click(Empty());
+    EXPECT_EQ(Picture(), drawn);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Acceptance, EveryStudyType,
+    ::testing::Values(StudyType{"Line", {{140, 0.0}, {100, 0.01}}}, StudyType{"HLine", {{120, 0.005}}},
+                      StudyType{"VLine", {{120, 0.0}}}, StudyType{"Text", {{120, -0.005}}},
+                      StudyType{"Arc", {{140, -0.01}, {110, 0.0}}},
+                      StudyType{"Chanel", {{140, 0.0}, {100, 0.01}, {120, 0.02}}},
+                      StudyType{"Andrews Pitchfork", {{140, 0.0}, {110, 0.02}, {100, -0.01}}},
+                      StudyType{"PolyLine", {{140, 0.0}, {125, 0.01}, {110, -0.005}, {95, 0.02}}}),
+    [](const ::testing::TestParamInfo<StudyType>& info) {
+        std::string n;
+        for (const char* c = info.param.name; *c; ++c)
+            if (std::isalnum(static_cast<unsigned char>(*c))) n += *c;
+        return n;
+    });
+
+// A move is recorded only when a point changed by more than 1e-5: a drag that comes back to
+// where it began records nothing; one pixel up records one step.
+TEST_F(StudiesOnAChart, OnlyAMoveThatChangesAPointIsRecorded) {
+    const double p = double(records[records.size() - 150].value);
+    const std::int32_t id = Place("Line", {Column(140, p), Column(100, p + 0.01)});
+    ASSERT_NE(id, 0);
+    const std::vector<lsPointShape> placed = PointsOf(id);
+    const int steps = Steps().size();
+    const QPoint at = OnTheStudy(id);
+    Mouse(QEvent::MouseButtonPress, at);
+    for (const QPoint& d : {QPoint(0, 0), QPoint(-20, 15), QPoint(-40, 30), QPoint(-20, 15), QPoint(0, 0)})
+        Move(at + d, Qt::LeftButton);
+    Mouse(QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton);
+    EXPECT_EQ(Steps().size(), steps) << "back where it began";
+    for (std::size_t k = 0; k < 2; ++k) {
+        EXPECT_EQ(PointsOf(id)[k].m_xTime, placed[k].m_xTime);
+        EXPECT_NEAR(PointsOf(id)[k].value, placed[k].value, 1e-5);
+    }
+    Drag(at, at + QPoint(0, -1));
+    EXPECT_EQ(Steps().size(), steps + 1) << "one pixel up";
+}
+
+// The move of one of several studies on a line, its deletion, and both undone: the study
+// comes back in its place and the move is undone on it, not on its neighbour.
+TEST_F(StudiesOnAChart, AMoveIsUndoneOnTheStudyThatMovedAfterItsDeletionIsUndone) {
+    const double p = double(records[records.size() - 150].value);
+    const std::int32_t first = Place("HLine", {Column(120, p + 0.01)});
+    const std::int32_t second = Place("HLine", {Column(120, p - 0.01)});
+    ASSERT_TRUE(first && second);
+    const std::vector<lsPointShape> placed = PointsOf(first), other = PointsOf(second);
+    Click(Empty());
+    const QImage drawn = Picture();
+    const QPoint at = Pixel(StudyPoint{placed[0].m_xTime, double(placed[0].value)}) + QPoint(60, 0);
+    Click(at);
+    ASSERT_EQ(LS().focus(), first);
+    Drag(at, at + QPoint(0, -30));
+    ASSERT_FALSE(SamePoints(PointsOf(first), placed));
+    Charts().pressKey(widget, Qt::Key_Delete);
+    ASSERT_EQ(LS().study(first), nullptr);
+    ASSERT_NE(LS().study(second), nullptr);
+    Undo();
+    Undo();
+    ASSERT_EQ(LS().ids().size(), 2u);
+    EXPECT_TRUE(SamePoints(PointsOf(second), other));
+    EXPECT_TRUE(SamePoints(PointsOf(Newest()), placed));
+    Click(Empty());
+    EXPECT_EQ(Picture(), drawn);
 }

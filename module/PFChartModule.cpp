@@ -45,12 +45,18 @@ int PFChartModule::LoadSkinMessage(std::intptr_t p1) {
     const coreWChar* text = reinterpret_cast<const coreWChar*>(p1);
     if (!text) return LoadSkin(QString());
     // The path ends within 255 units; a text without a terminator there is refused and the
-    // skin stays as it is.
+    // skin stays as it is. The host's text may sit at any address: its units are copied one
+    // by one, never read in place.
     const int kMaxUnits = 255;
+    coreWChar units[kMaxUnits];
     int length = 0;
-    while (length < kMaxUnits && text[length] != 0) ++length;
+    for (; length < kMaxUnits; ++length) {
+        std::memcpy(&units[length], reinterpret_cast<const char*>(text) + sizeof(coreWChar) * std::size_t(length),
+                    sizeof(coreWChar));
+        if (units[length] == 0) break;
+    }
     if (length == kMaxUnits) return 1;
-    return LoadSkin(QString::fromUtf16(text, length));
+    return LoadSkin(QString::fromUtf16(units, length));
 }
 
 int PFChartModule::LoadSkin(const QString& path) {

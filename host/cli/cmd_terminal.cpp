@@ -1,6 +1,7 @@
 // `pfhost terminal`: the emulated terminal as a desktop application around the module
 // (host/terminal/Terminal.h). With --screenshot and --quit it makes a picture of itself and
-// ends, for the README and tests.
+// ends, for the README and tests. Without --workspace it keeps the user's default workspace
+// (Workspace::defaultPath), so that a restart brings the same windows back.
 #include <QApplication>
 #include <QFileInfo>
 #include <QMainWindow>
@@ -18,13 +19,30 @@
 namespace {
 
 const char kUsage[] =
-    "[FILES.csv...] [--workspace FILE.xml] [--screenshot FILE.png [--quit]] [--hold-back N] [--speed N] "
+    "[FILES.csv...] [--workspace FILE.xml | --no-workspace] [--screenshot FILE.png [--quit]] [--hold-back N] [--speed N] "
     "[--size WxH] [--accounts N] [--answer yes|no] [--language NAME] [--no-examples] "
     "[--window pf|renko|kagi:INSTRUMENT ...] [--replay N] [--journal NUMBERS]";
 
 // Options that take a value; every other word that is not an option is a price file.
 const char* const kValued[] = {"--replay", "--journal", "--window", "--workspace", "--screenshot", "--hold-back", "--speed", "--size", "--accounts",
                                "--answer", "--language", "--module", "--work", "--log"};
+
+// `pfhost terminal --help`: the usage and where the workspace is kept.
+int help() {
+    const QString def = host::terminal::Workspace::defaultPath();
+    std::printf("usage: pfhost terminal %s\n\n"
+                "The emulated terminal as a desktop application. Its workspace (every chart window with its\n"
+                "layout and place, the main window and its panels, the instruments and the options) is\n"
+                "restored at start and saved on quit and on File > Save workspace:\n"
+                "  --workspace FILE.xml  that file (made on quit when it does not exist yet);\n"
+                "  --no-workspace        none: nothing is restored or saved until File > Save workspace as;\n"
+                "  otherwise             the default workspace, %s\n"
+                "                        ($XDG_CONFIG_HOME/pfhost or ~/.config/pfhost).\n"
+                "A workspace file that cannot be read is reported, the terminal starts without it, and the\n"
+                "file is not saved over.\n",
+                kUsage, def.isEmpty() ? "(none on this system)" : def.toLocal8Bit().constData());
+    return 0;
+}
 
 int fail(const QString& text) {
     std::fprintf(stderr, "pfhost terminal: %s\n", text.toLocal8Bit().constData());
@@ -40,7 +58,9 @@ int runTerminal(const QStringList& args) {
             std::end(kValued)) {
             ++i;
         } else if (a.startsWith(QLatin1String("--"))) {
-            if (a != QLatin1String("--quit") && a != QLatin1String("--no-examples") && a != QLatin1String("--log-stderr"))
+            if (a == QLatin1String("--help")) return help();
+            if (a != QLatin1String("--quit") && a != QLatin1String("--no-examples") && a != QLatin1String("--log-stderr") &&
+                a != QLatin1String("--no-workspace"))
                 return fail(QStringLiteral("unknown option %1\nusage: pfhost terminal %2").arg(a, QLatin1String(kUsage)));
         } else {
             options.files << a;
@@ -58,6 +78,9 @@ int runTerminal(const QStringList& args) {
     if (!ok) return fail(QStringLiteral("--replay takes a number of quotes"));
     options.journalFilter = option(args, "--journal");
     options.workspace = option(args, "--workspace");
+    const bool noWorkspace = host::cli::hasFlag(args, "--no-workspace");
+    if (noWorkspace && !options.workspace.isEmpty()) return fail(QStringLiteral("--workspace and --no-workspace exclude each other"));
+    if (options.workspace.isEmpty() && !noWorkspace) options.workspace = host::terminal::Workspace::defaultPath();
     if (!options.workspace.isEmpty()) options.workspace = QFileInfo(options.workspace).absoluteFilePath();
     options.screenshot = option(args, "--screenshot");
     options.quit = host::cli::hasFlag(args, "--quit");
@@ -70,6 +93,7 @@ int runTerminal(const QStringList& args) {
     const int w = size.value(0).toInt(), h = size.value(1).toInt();
     if (size.size() != 2 || w < 320 || h < 240 || w > 8000 || h > 8000) return fail(QStringLiteral("--size takes WxH"));
     options.size = QSize(w, h);
+    options.sizeGiven = args.contains(QStringLiteral("--size"));
     const int accounts = option(args, "--accounts", "2").toInt(&ok);
     if (!ok || accounts < 0 || accounts > 99) return fail(QStringLiteral("--accounts takes 0 to 99"));
     const QString answer = option(args, "--answer");
@@ -93,6 +117,14 @@ int runTerminal(const QStringList& args) {
     int status = 0;
     {
         host::terminal::Terminal terminal(emulator, options);
+        // Problems are said on the console as well: a picture taken with --quit leaves no
+        // window to read them in.
+        QObject::connect(&terminal, &host::terminal::Terminal::messageShown, [](const QString& text, bool problem) {
+            if (problem) std::fprintf(stderr, "pfhost terminal: %s\n", text.toLocal8Bit().constData());
+        });
+        if (!options.workspace.isEmpty() && !QFileInfo::exists(options.workspace))
+            std::fprintf(stderr, "pfhost terminal: no workspace %s yet; it is made on quit\n",
+                         options.workspace.toLocal8Bit().constData());
         terminal.window()->show();
         terminal.start();
         host::cli::ReportFirstPaint(emulator, terminal);

@@ -340,6 +340,7 @@ void Terminal::showMessage(const QString& text, bool problem) {
     message_->setText(text);
     message_->setStyleSheet(problem ? QStringLiteral("color: #b00000") : QString());
     message_->setToolTip(text);
+    emit messageShown(text, problem);
     // A problem is also said in a box, unless the emulator answers dialogs for a test or a
     // picture; the box does not block the window.
     if (problem && !emulator_.dialogs().active()) {

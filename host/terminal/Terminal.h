@@ -55,6 +55,7 @@ struct TerminalOptions {
     std::size_t holdBack = 2000;  // last quotes of each price file kept for the replay
     int replaySpeed = 100;    // quotes per second
     QSize size{1400, 900};    // of the main window
+    bool sizeGiven = false;   // `size` was asked for: it wins over the workspace's geometry
     bool examples = true;     // the example instruments (USD/CHF, TTRC) are opened too
     // Chart windows opened at start with one instrument each, tiled, when the workspace
     // brings no windows of its own.
@@ -118,8 +119,13 @@ public:
     // shown. A successful save makes `path` the workspace file.
     bool saveWorkspace(const QString& path = QString());
     // Replaces the windows with those of the workspace at `path`; a file that cannot be
-    // read changes nothing.
+    // read changes nothing (false). Instruments the workspace needs and the data core lacks
+    // are read in the background with the progress shown; the windows are opened once every
+    // price file being read is in, with each instrument's quotes split at its saved Live
+    // count, and workspaceOpened() follows. True when the file was read.
     bool openWorkspace(const QString& path);
+    // A workspace being opened waits for its price files.
+    bool openingWorkspace() const { return pendingOpen_.waiting; }
     const QString& workspacePath() const { return workspacePath_; }
     // Saves the workspace (if there is one) and closes the main window.
     void quit();
@@ -132,6 +138,10 @@ signals:
     void ready();
     // A price file finished loading: its instrument's name, or empty with `error`.
     void priceFileDone(const QString& path, const QString& name, const QString& error);
+    // Every message shown to the person (problem: shown as one).
+    void messageShown(const QString& text, bool problem);
+    // The windows of a workspace opened from the File menu are open.
+    void workspaceOpened(const QString& path);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -142,6 +152,15 @@ private:
     void buildStatusBar();
     void refresh();  // panels, undo entry, replay state
     void loaderDone(PriceFileLoader* loader);
+    PriceFileLoader* startLoader(const QString& path, const QString& name);
+    void afterLoading();
+    // The windows of the workspace being opened, once its price files are in.
+    void finishOpenWorkspace();
+    // The main window's place and panels as the workspace saved them (when readable).
+    void restoreMainWindow(const Workspace::Contents& contents);
+    // Moves an instrument's quotes after the first `live` back into its held-back queue (or
+    // the other way), so that its charts start where the workspace left them.
+    void splitAt(const QString& name, long live);
     void finishStart();
     void takeScreenshot();
     Workspace::Contents choices() const;
@@ -165,6 +184,12 @@ private:
     std::vector<PriceFileLoader*> loaders_;
     std::vector<std::pair<QString, long> > liveCounts_;  // from the workspace: name, live quotes
     Workspace::Contents startContents_;
+    struct PendingOpen {
+        bool waiting = false;
+        QString path;
+        Workspace::Contents contents;
+        QStringList problems;
+    } pendingOpen_;
     bool haveStartWorkspace_ = false;
     QString workspacePath_;
     QString language_;

@@ -1,5 +1,5 @@
 // What the terminal's menus do: chart windows, price files, undo, price type, language,
-// printing and export, the workspace and the start-up sequence.
+// printing and export, and the start-up sequence (the workspace is in TerminalWorkspace.cpp).
 #include <QAction>
 #include <QActionGroup>
 #include <QApplication>
@@ -227,15 +227,25 @@ bool Terminal::exportActive(const QString& path, QString* error) {
 bool Terminal::loading() const { return !loaders_.empty(); }
 
 void Terminal::openPriceFile(const QString& path) {
-    PriceFileLoader* loader = new PriceFileLoader(path, QString(), this);
+    startLoader(path, QString())->start();
+    showMessage(tr("Reading %1...").arg(QFileInfo(path).fileName()));
+    refresh();
+}
+
+PriceFileLoader* Terminal::startLoader(const QString& path, const QString& name) {
+    PriceFileLoader* loader = new PriceFileLoader(path, name, this);
     loaders_.push_back(loader);
     connect(loader, &PriceFileLoader::progress, progress_, &QProgressBar::setValue);
     connect(loader, &QThread::finished, this, [this, loader] { loaderDone(loader); });
     progress_->setValue(0);
     progress_->show();
-    showMessage(tr("Reading %1...").arg(QFileInfo(path).fileName()));
-    loader->start();
-    refresh();
+    return loader;
+}
+
+void Terminal::afterLoading() {
+    if (!loaders_.empty()) return;
+    if (!ready_) finishStart();
+    if (pendingOpen_.waiting) finishOpenWorkspace();
 }
 
 void Terminal::loaderDone(PriceFileLoader* loader) {
@@ -277,7 +287,7 @@ void Terminal::loaderDone(PriceFileLoader* loader) {
     accounts_->refresh();
     refresh();
     emit priceFileDone(path, name, error);
-    if (loaders_.empty() && !ready_) finishStart();
+    afterLoading();
 }
 
 // ---- start-up ----
@@ -319,19 +329,13 @@ void Terminal::start() {
         if (startContents_.replaySpeed > 0) replay_->setSpeed(startContents_.replaySpeed);
         priceType_ = startContents_.priceType;
         if (priceTypes_) priceTypes_->actions()[priceType_]->setChecked(true);
+        restoreMainWindow(startContents_);
     }
-    for (const auto& f : files) {
-        PriceFileLoader* loader = new PriceFileLoader(f.second, f.first, this);
-        loaders_.push_back(loader);
-        connect(loader, &PriceFileLoader::progress, progress_, &QProgressBar::setValue);
-        connect(loader, &QThread::finished, this, [this, loader] { loaderDone(loader); });
-    }
+    for (const auto& f : files) startLoader(f.second, f.first);
     if (loaders_.empty()) {
         finishStart();
         return;
     }
-    progress_->setValue(0);
-    progress_->show();
     const std::vector<PriceFileLoader*> all = loaders_;
     for (PriceFileLoader* l : all) l->start();
 }
@@ -347,6 +351,9 @@ void Terminal::finishStart() {
             if (newChart(w.first)) addToActiveChart(w.second);
         emulator_.mainWindow().mdiArea()->tileSubWindows();
     }
+    // Saved live counts are for the workspace's own instruments; files opened later start
+    // with the usual held-back part.
+    if (!pendingOpen_.waiting) liveCounts_.clear();
     if (options_.replay > 0) replay_->feed(options_.replay);
     if (!options_.journalFilter.isEmpty()) {
         if (!journal_->setFilter(options_.journalFilter))
@@ -365,62 +372,6 @@ void Terminal::takeScreenshot() {
     if (image.isNull() || !image.save(options_.screenshot, "PNG"))
         showMessage(tr("The screenshot could not be written to %1.").arg(options_.screenshot), true);
     if (options_.quit) quit();
-}
-
-// ---- workspace ----
-
-Workspace::Contents Terminal::choices() const {
-    Workspace::Contents c;
-    c.language = language_;
-    c.priceType = priceType_;
-    c.replaySpeed = replay_->speed();
-    return c;
-}
-
-bool Terminal::saveWorkspace(const QString& path) {
-    const QString target = path.isEmpty() ? workspacePath_ : path;
-    if (target.isEmpty()) return false;
-    QString error;
-    if (!Workspace::write(emulator_, target, choices(), &error)) {
-        showMessage(tr("The workspace was not saved: %1").arg(error), true);
-        return false;
-    }
-    workspacePath_ = target;
-    showMessage(tr("Workspace saved to %1").arg(target));
-    return true;
-}
-
-bool Terminal::openWorkspace(const QString& path) {
-    // The windows open now are kept in their own workspace first. (Saving into the file
-    // about to be read would replace what it holds.)
-    if (!workspacePath_.isEmpty() && QFileInfo(workspacePath_) != QFileInfo(path)) saveWorkspace();
-    Workspace::Contents contents;
-    QString error;
-    QStringList skipped;
-    if (!Workspace::read(emulator_.workData(), path, &contents, &error, &skipped)) {
-        showMessage(tr("The workspace could not be opened: %1. Nothing was changed.").arg(error), true);
-        return false;
-    }
-    // Instruments the windows need and the data core does not have yet are read now.
-    for (const Workspace::Instrument& i : contents.instruments) {
-        if (emulator_.data().loaded(i.name.toStdString())) continue;
-        DataCore::LoadOptions split;
-        split.name = i.name.toStdString();
-        split.live = i.live;
-        std::string why;
-        if (!emulator_.data().loadInstrument(i.source.toStdString(), split, &why))
-            skipped << tr("%1 (%2)").arg(i.name, QString::fromStdString(why));
-    }
-    emulator_.charts().destroyAll();
-    QStringList problems;
-    Workspace::open(emulator_, contents, &problems);
-    for (const QString& p : skipped + problems) showMessage(tr("Workspace: %1").arg(p), true);
-    workspacePath_ = path;
-    instruments_->refresh();
-    accounts_->refresh();
-    refresh();
-    showMessage(tr("Workspace %1 opened").arg(path));
-    return true;
 }
 
 }  // namespace terminal

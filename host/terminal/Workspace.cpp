@@ -1,6 +1,9 @@
 #include "host/terminal/Workspace.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QWidget>
@@ -43,7 +46,19 @@ bool number(const workdata::Node& node, const char* name, long low, long high, l
     return true;
 }
 
+// A base64 attribute as bytes; empty when missing or not base64 at all.
+QByteArray base64(const workdata::Node& node, const char* name) {
+    const QByteArray::FromBase64Result r =
+        QByteArray::fromBase64Encoding(attribute(node, name).toLatin1(), QByteArray::AbortOnBase64DecodingErrors);
+    return r ? r.decoded : QByteArray();
+}
+
 }  // namespace
+
+QString Workspace::defaultPath() {
+    const QString config = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    return config.isEmpty() ? QString() : QDir(config).filePath(QStringLiteral("pfhost/terminal-workspace.xml"));
+}
 
 QString Workspace::typeWord(data::ChartType type) { return QString::fromLatin1(kTypeWords[int(type)]); }
 
@@ -61,6 +76,8 @@ bool Workspace::read(WorkDataStore& store, const QString& path, Contents* conten
     long value = 0;
     if (number(*top, "PriceType", 0, 2, &value)) c.priceType = int(value);
     if (number(*top, "ReplaySpeed", 1, 1000000, &value)) c.replaySpeed = int(value);
+    c.mainGeometry = base64(*top, "MainGeometry");
+    c.docks = base64(*top, "Docks");
     for (const auto& child : top->children) {
         const workdata::Node& n = *child;
         if (n.name == QLatin1String("Instrument")) {
@@ -109,6 +126,9 @@ QString Workspace::languageOf(const QString& path) {
 }
 
 bool Workspace::write(Emulator& emulator, const QString& path, const Contents& choices, QString* error) {
+    const QFileInfo file(path);
+    if (!file.absoluteDir().exists() && !QDir().mkpath(file.absolutePath()))
+        return fail(error, QStringLiteral("the folder %1 could not be made").arg(file.absolutePath()));
     WorkDataStore& store = emulator.workData();
     void* document = store.open(path, error);
     if (!document) return false;
@@ -124,6 +144,10 @@ bool Workspace::write(Emulator& emulator, const QString& path, const Contents& c
     store.setAttribute(root, QStringLiteral("Language"), choices.language);
     store.setAttribute(root, QStringLiteral("PriceType"), QString::number(choices.priceType));
     store.setAttribute(root, QStringLiteral("ReplaySpeed"), QString::number(choices.replaySpeed));
+    if (!choices.mainGeometry.isEmpty())
+        store.setAttribute(root, QStringLiteral("MainGeometry"), QString::fromLatin1(choices.mainGeometry.toBase64()));
+    if (!choices.docks.isEmpty())
+        store.setAttribute(root, QStringLiteral("Docks"), QString::fromLatin1(choices.docks.toBase64()));
 
     DataCore& data = emulator.data();
     for (const std::string& name : data.instrumentNames()) {

@@ -2,7 +2,8 @@
 // the instruments the windows show (with how far their replay has gone) and the terminal's
 // choices, in one work-data document:
 //
-//   <Workspace Version="1" Language="English" PriceType="0" ReplaySpeed="100">
+//   <Workspace Version="1" Language="English" PriceType="0" ReplaySpeed="100"
+//              MainGeometry="AdnQywAD…" Docks="AAAA/wAA…">
 //     <Instrument Name="USDCHF" Source="" Live="60497"/>   (an example: found by name)
 //     <Instrument Name="EURUSD" Source="/data/eurusd.csv" Live="1200"/>
 //     <Window Type="pf" X="0" Y="0" Width="640" Height="420" State="normal" Active="1">
@@ -12,9 +13,13 @@
 //
 // Windows are kept bottom first, so that opening them in order stacks them as they were.
 // State is normal, maximized or minimized. Live is the number of an instrument's quotes the
-// charts had; the rest of its file waits for the replay again. `pfhost show` prints it.
+// charts had; the rest of its file waits for the replay again. MainGeometry and Docks are the
+// main window's place and size and its panels' arrangement (QMainWindow::saveGeometry and
+// saveState, base64); missing or unreadable, the window keeps what it has. `pfhost show`
+// prints the document.
 #pragma once
 
+#include <QByteArray>
 #include <QRect>
 #include <QString>
 #include <QStringList>
@@ -47,11 +52,20 @@ public:
         QString language;
         int priceType = 0;   // 0 middle, 1 bid, 2 ask
         int replaySpeed = 0; // quotes per second; 0: not said
+        QByteArray mainGeometry;  // QMainWindow::saveGeometry; empty: not said or not readable
+        QByteArray docks;         // QMainWindow::saveState; the same
         std::vector<Instrument> instruments;
         std::vector<Window> windows;
     };
 
     static const char* rootName() { return "Workspace"; }
+    // The version of the panels' arrangement handed to saveState and restoreState.
+    static const int kDocksVersion = 1;
+
+    // The workspace the terminal keeps when none is named: terminal-workspace.xml in the
+    // pfhost folder of the user's configuration location ($XDG_CONFIG_HOME/pfhost, or
+    // ~/.config/pfhost). Empty when the system names no such location.
+    static QString defaultPath();
 
     // Reads a workspace document through the store. False, with the reason in `error`, for
     // a file that is missing, unreadable, not XML or not a workspace; entries that make no
@@ -64,8 +78,10 @@ public:
     static QString languageOf(const QString& path);
 
     // Writes every chart window of the emulator (their layouts through 3021), the loaded
-    // instruments and the choices in `contents` (its lists are ignored) into the document at
-    // `path`, which must be new or a workspace. False with `error` set, the file unchanged.
+    // instruments and the choices in `contents` (its lists are ignored; the main window's
+    // geometry and docks are written when not empty) into the document at `path`, which must
+    // be new or a workspace; its folder is made when missing. False with `error` set, the
+    // file unchanged.
     static bool write(Emulator& emulator, const QString& path, const Contents& choices, QString* error);
 
     // Opens the windows of `contents` (5003 and 3020 each), places them and makes the active

@@ -7,7 +7,10 @@
 // arena or are null, and widget handles are live, already destroyed or invented. While the
 // module works, its requests to the host are answered by the emulator, but each answer may
 // be refused, or filled and then called "not handled", or carry a count of any size (the
-// list asked for next holds what the host has): every reply keeps the record's form.
+// list asked for next holds what the host has), or carry random content: prices of the data
+// point arrays (NaN, infinities, anything), work-data values and names, study titles, the
+// handle of a document opened by path. Every reply keeps the record's form:
+// buffers stay within their stated sizes and texts stay terminated.
 //
 // The module must neither crash nor trip a sanitizer. Messages that arrive with later work
 // get one line in kMessages.
@@ -17,7 +20,10 @@
 #include <QDir>
 #include <QWidget>
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
+#include <deque>
+#include <limits>
 #include <cstring>
 #include <functional>
 #include <string>
@@ -288,10 +294,41 @@ void ConvertList(FuzzedDataProvider& in, std::intptr_t* p1, std::intptr_t* p2) {
 }
 
 void LsUpdate(FuzzedDataProvider& in, std::intptr_t* p1, std::intptr_t* p2) {
-    unsigned char* r = in.ConsumeIntegralInRange<int>(0, 7) ? Record(in, sizeof(coreUpdateLs)) : nullptr;
-    if (r) Put(r, offsetof(coreUpdateLs, dataArray), reinterpret_cast<void*>(HostHandle(in)));
+    unsigned char* r = in.ConsumeIntegralInRange<int>(0, 7) ? Record(in, sizeof(lsUpdateRecord)) : nullptr;
+    if (r) Put(r, offsetof(lsUpdateRecord, provider), reinterpret_cast<void*>(HostHandle(in)));
     *p1 = P(r);
     *p2 = P(WidgetHandle(in));
+}
+
+// 3560: the path of a skin document, NUL-terminated UTF-16: the example skin, an empty path,
+// a file that is no skin, a missing one, random units, or a text without a terminator.
+void SkinPath(FuzzedDataProvider& in, std::intptr_t* p1, std::intptr_t* p2) {
+    *p2 = 0;
+    *p1 = 0;
+    const int kind = in.ConsumeIntegralInRange<int>(0, 6);
+    if (kind == 0) return;
+    // Room for the longest path the module reads, 255 units.
+    unsigned char* r = Record(in, 2 * 256);
+    *p1 = P(r);
+    QString path;
+    switch (kind) {
+        case 1: path = QStringLiteral(PF_EXAMPLES_DIR "/skins/dark/dark.xml"); break;
+        case 2: break;
+        case 3: path = QStringLiteral(PF_EXAMPLES_DIR "/ttrc-daily.csv"); break;
+        case 4: path = QStringLiteral(PF_EXAMPLES_DIR "/skins/none.xml"); break;
+        case 5: {
+            const std::size_t units = in.ConsumeIntegralInRange<std::size_t>(0, 254);
+            for (std::size_t i = 0; i < units; ++i) path += QChar(in.ConsumeIntegralInRange<ushort>(1, 0xffff));
+            break;
+        }
+        default:
+            // 255 units and no terminator among them.
+            for (std::size_t i = 0; i < 256; ++i) Put(r, 2 * i, in.ConsumeIntegralInRange<std::uint16_t>(1, 0xffff));
+            return;
+    }
+    path.truncate(254);
+    std::memcpy(r, path.utf16(), 2 * std::size_t(path.size()));
+    Put(r, 2 * std::size_t(path.size()), std::uint16_t(0));
 }
 
 // Every message the terminal sends to the module or a chart type interface.
@@ -320,6 +357,7 @@ const Message kMessages[] = {
     {MSG_WC_OWNER_FOR_OBJECT, Owner},
     {MSG_WC_CAPTION, Caption},
     {MSG_APPLY_PROPERTY, Property},
+    {MSG_LOAD_SKIN, SkinPath},
 };
 
 void* Target(FuzzedDataProvider& in) {
@@ -381,6 +419,105 @@ std::int32_t* CountOf(unsigned int message, std::intptr_t p1, std::intptr_t p2) 
     }
 }
 
+// Copies of the host's data point arrays with random prices, handed out in place of the
+// originals; they live until the input's windows are gone.
+std::deque<std::pair<fxDataPointArray, std::vector<unsigned char>>> g_arrayCopies;
+const std::size_t kMaxArrayCopies = 32;
+
+float RandomPrice(FuzzedDataProvider& in) {
+    switch (in.ConsumeIntegralInRange<int>(0, 5)) {
+        case 0: return std::numeric_limits<float>::quiet_NaN();
+        case 1: return in.ConsumeBool() ? std::numeric_limits<float>::infinity() : -std::numeric_limits<float>::infinity();
+        case 2: return 0.0f;
+        case 3: return in.ConsumeFloatingPoint<float>();
+        default: return in.ConsumeFloatingPointInRange<float>(-2.0f, 4.0f);
+    }
+}
+
+// The array list of 3042 with its first array replaced by a copy whose points have random
+// words (prices, times, types) here and there.
+void RandomPrices(FuzzedDataProvider& in, std::intptr_t p2) {
+    coreListCreateData* list = reinterpret_cast<coreListCreateData*>(p2);
+    if (!list || list->count < 1 || !list->arrays || !list->arrays[0] || g_arrayCopies.size() >= kMaxArrayCopies) return;
+    const fxDataPointArray& original = *list->arrays[0];
+    if (original.pointSize < 4 || original.pointCount < 0 || !original.points) return;
+    const std::size_t bytes = std::size_t(original.pointSize) * std::size_t(original.pointCount);
+    if (bytes > (1u << 20)) return;
+    g_arrayCopies.emplace_back(original, std::vector<unsigned char>(original.points, original.points + bytes));
+    auto& copy = g_arrayCopies.back();
+    const std::size_t words = bytes / 4;
+    for (int i = in.ConsumeIntegralInRange<int>(1, 8); i > 0 && words; --i) {
+        const std::size_t at = 4 * in.ConsumeIntegralInRange<std::size_t>(0, words - 1);
+        if (in.ConsumeBool()) {
+            const float price = RandomPrice(in);
+            std::memcpy(copy.second.data() + at, &price, sizeof price);
+        } else {
+            const std::int32_t word = in.ConsumeIntegral<std::int32_t>();
+            std::memcpy(copy.second.data() + at, &word, sizeof word);
+        }
+    }
+    copy.first.points = copy.second.data();
+    list->arrays[0] = &copy.first;
+}
+
+// `units` UTF-16 units at `text` made random, the last one the terminator.
+void RandomText(FuzzedDataProvider& in, void* text, std::size_t units) {
+    if (!text || units == 0) return;
+    unsigned char* p = static_cast<unsigned char*>(text);
+    const std::size_t length = in.ConsumeIntegralInRange<std::size_t>(0, units - 1);
+    for (std::size_t i = 0; i < length; ++i) Put(p, 2 * i, in.ConsumeIntegral<std::uint16_t>());
+    Put(p, 2 * length, std::uint16_t(0));
+}
+
+// The entries of a work-data node read by 3169 or 3167 with random lengths, names, values
+// and kinds, each value kept within the buffer the module gave.
+void RandomParams(FuzzedDataProvider& in, unsigned int message, std::intptr_t p2) {
+    coreSzParamList* list = reinterpret_cast<coreSzParamList*>(p2);
+    if (!list || !list->params || list->count < 1) return;
+    const std::int32_t count = std::min<std::int32_t>(list->count, 64);
+    for (std::int32_t i = 0; i < count; ++i) {
+        if (!in.ConsumeBool()) continue;
+        unsigned char* entry = reinterpret_cast<unsigned char*>(list->params) + std::size_t(i) * sizeof(coreSzParam);
+        if (message == MSG_WD_PARAM_LENGTHS) {
+            Put(entry, offsetof(coreSzParam, valueLength), in.ConsumeIntegralInRange<std::int32_t>(-2, 1 << 16));
+            if (in.ConsumeBool()) Put(entry, offsetof(coreSzParam, kind), in.ConsumeIntegralInRange<std::int32_t>(-1, 2));
+            continue;
+        }
+        coreWChar* value = nullptr;
+        std::int32_t length = 0;
+        std::memcpy(&value, entry + offsetof(coreSzParam, value), sizeof value);
+        std::memcpy(&length, entry + offsetof(coreSzParam, valueLength), sizeof length);
+        if (length > 0) RandomText(in, value, std::size_t(length));
+        if (in.ConsumeBool()) {
+            const std::string name = in.ConsumeRandomLengthString(254);
+            std::memset(entry + offsetof(coreSzParam, name), 0, 255);
+            std::memcpy(entry + offsetof(coreSzParam, name), name.data(), name.size());
+        }
+    }
+}
+
+// Random content in a reply the host filled.
+void RandomContent(FuzzedDataProvider& in, unsigned int message, std::intptr_t p1, std::intptr_t p2) {
+    switch (message) {
+        case MSG_DPA_LIST:
+            RandomPrices(in, p2);
+            break;
+        case MSG_WD_PARAM_LENGTHS:
+        case MSG_WD_READ_PARAMS:
+            RandomParams(in, message, p2);
+            break;
+        case MSG_LS_TITLE:
+            RandomText(in, reinterpret_cast<void*>(p2), LS_TITLE_CHARS);
+            break;
+        case MSG_WD_OPEN:
+            // Another document's handle, or anything.
+            if (p1) Put(reinterpret_cast<unsigned char*>(p1), offsetof(coreOpenWorkData, handle), reinterpret_cast<void*>(HostHandle(in)));
+            break;
+        default:
+            break;
+    }
+}
+
 void WrapReplies(host::Host& host) {
     for (unsigned int message : host.handledMessages()) {
         host::Host::Handler original = host.handler(message);
@@ -403,6 +540,12 @@ void WrapReplies(host::Host& host) {
                                               : in->ConsumeIntegral<std::int32_t>();
                         std::memcpy(count, &n, sizeof n);
                     }
+                    return answer;
+                }
+                case 3:
+                case 4: {  // filled, then its content made random
+                    const int answer = original(target, p1, p2, detail);
+                    RandomContent(*in, message, p1, p2);
                     return answer;
                 }
                 default:
@@ -462,6 +605,8 @@ void CleanUp() {
     g_ownWindows.clear();
     for (void* w : g_emulator->charts().widgets()) g_destroyed.push_back(w);
     g_emulator->charts().destroyAll();
+    // The arrays with random prices outlive every window that was shown them.
+    g_arrayCopies.clear();
     // What is left on the undo stack goes back to interfaces whose windows are gone.
     for (int i = 0; i < 64 && g_emulator->undo().undo().sent; ++i) {
     }

@@ -107,7 +107,8 @@ TEST(TerminalWorkspace, DocumentsThatAreNoWorkspaceOrHoldNonsense) {
     QStringList skipped;
     ASSERT_TRUE(Workspace::read(store,
                                 write("odd.xml",
-                                      "<Workspace Language=\"Chinese (Simplified)\" PriceType=\"9\" ReplaySpeed=\"-4\">"
+                                      "<Workspace Language=\"Chinese (Simplified)\" PriceType=\"9\" ReplaySpeed=\"-4\""
+                                      " MainGeometry=\"not base64!\" Docks=\"AAAA\">"
                                       "<Instrument Source=\"x.csv\"/>"
                                       "<Instrument Name=\"USDCHF\" Source=\"\" Live=\"-7\"/>"
                                       "<Window Type=\"candles\"><ChartWindow/></Window>"
@@ -120,6 +121,8 @@ TEST(TerminalWorkspace, DocumentsThatAreNoWorkspaceOrHoldNonsense) {
     EXPECT_EQ(c.language, QStringLiteral("Chinese (Simplified)"));
     EXPECT_EQ(c.priceType, 0);    // out of range: the default
     EXPECT_EQ(c.replaySpeed, 0);  // not said
+    EXPECT_TRUE(c.mainGeometry.isEmpty());        // not base64: as if not said
+    EXPECT_EQ(c.docks, QByteArray(3, '\0'));       // base64: Qt judges the bytes
     ASSERT_EQ(c.instruments.size(), 1u);
     EXPECT_EQ(c.instruments[0].live, -1);
     EXPECT_EQ(c.instruments[0].source.toStdString(), host::DataCore::builtInPath("USDCHF"));

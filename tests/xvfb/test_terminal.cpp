@@ -7,6 +7,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDockWidget>
 #include <QFile>
 #include <QLabel>
 #include <QListWidget>
@@ -32,6 +33,7 @@
 #include "host/PropertyService.h"
 #include "host/UndoStack.h"
 #include "host/data/ChartObject.h"
+#include "host/data/Instrument.h"
 #include "host/terminal/AccountsPanel.h"
 #include "host/terminal/BlotterPanel.h"
 #include "host/terminal/InstrumentPanel.h"
@@ -151,6 +153,11 @@ TEST_F(TerminalSession, ChartsGrowUndoTradeAndComeBackFromTheWorkspace) {
 
     // 1,000 quotes replayed at 5,000 a second: every chart type computes more figures, and
     // the module hears of the changes (3009 for each quote that changed a chart's figures).
+    // Each window is at its newest position (End) and keeps it in view, so the new figures
+    // show in the windows themselves, not only in the data core.
+    for (void* w : Charts().widgets()) QTest::keyClick(Charts().chartWidget(w), Qt::Key_End);
+    QTest::qWait(50);
+    const auto shownBefore = Grabs();
     const std::map<ChartType, int> before = Figures();
     ASSERT_EQ(before.size(), 3u);
     emulator->data().clearNotices();
@@ -161,6 +168,11 @@ TEST_F(TerminalSession, ChartsGrowUndoTradeAndComeBackFromTheWorkspace) {
     EXPECT_FALSE(terminal->replay().playing());
     const std::map<ChartType, int> after = Figures();
     for (const auto& b : before) EXPECT_GT(after.at(b.first), b.second) << int(b.first);
+    QTest::qWait(50);
+    const auto shownAfter = Grabs();
+    ASSERT_EQ(shownAfter.size(), shownBefore.size());
+    for (std::size_t i = 0; i < shownBefore.size(); ++i)
+        EXPECT_FALSE(shownAfter[i].second == shownBefore[i].second) << "window " << i << " did not change";
     EXPECT_GE(emulator->data().notices().size(), 3u);
     EXPECT_LE(emulator->data().notices().size(), 3 * terminal->replay().fed());
 
@@ -189,6 +201,16 @@ TEST_F(TerminalSession, ChartsGrowUndoTradeAndComeBackFromTheWorkspace) {
     EXPECT_EQ(terminal->blotter()->item(0, 1)->text(), QStringLiteral("USDCHF"));
     EXPECT_EQ(terminal->blotter()->item(0, 3)->text(), QStringLiteral("deal"));
 
+    // The main window made smaller and moved, and a panel closed: all come back with the
+    // workspace. (Qt keeps a restored window's title bar on the screen: a place below its
+    // top edge comes back as it was.)
+    terminal->window()->resize(1200, 760);
+    terminal->window()->move(40, 60);
+    terminal->window()->findChild<QDockWidget*>(QStringLiteral("accountsDock"))->close();
+    QTest::qWait(100);
+    const QSize mainSize = terminal->window()->size();
+    const QPoint mainPlace = terminal->window()->pos();
+
     // Saved, closed, opened again: the same windows, stacked the same way, to the pixel.
     ASSERT_TRUE(terminal->saveWorkspace());
     const auto saved = Grabs();
@@ -198,6 +220,10 @@ TEST_F(TerminalSession, ChartsGrowUndoTradeAndComeBackFromTheWorkspace) {
     ASSERT_TRUE(QFile::exists(workspace));
 
     Open(workspace);
+    EXPECT_EQ(terminal->window()->size(), mainSize);
+    EXPECT_EQ(terminal->window()->pos(), mainPlace);
+    EXPECT_FALSE(terminal->window()->findChild<QDockWidget*>(QStringLiteral("accountsDock"))->isVisible());
+    EXPECT_TRUE(terminal->window()->findChild<QDockWidget*>(QStringLiteral("instrumentsDock"))->isVisible());
     const auto restored = Grabs();
     ASSERT_EQ(restored.size(), saved.size());
     for (std::size_t i = 0; i < saved.size(); ++i) {
@@ -291,6 +317,64 @@ TEST_F(TerminalSession, PanelsAndMenusReachTheModule) {
     terminal->setLanguage(QStringLiteral("Chinese (Simplified)"));
     ASSERT_TRUE(terminal->saveWorkspace());
     EXPECT_EQ(host::terminal::Workspace::languageOf(workspace), QStringLiteral("Chinese (Simplified)"));
+}
+
+// File > Open workspace while the terminal runs: an instrument it lacks is read in the
+// background with the progress shown, and every instrument starts at the quotes the workspace
+// saved, so the windows look exactly as when the terminal starts with that workspace.
+TEST_F(TerminalSession, OpenWorkspaceReadsInTheBackgroundAndKeepsTheSavedQuotes) {
+    const QString demo = dir.filePath(QStringLiteral("demo.xml")), again = dir.filePath(QStringLiteral("again.xml"));
+    ASSERT_TRUE(QFile::copy(QStringLiteral(PF_EXAMPLES_DIR "/../docs/terminal/demo-workspace.xml"), demo));
+    ASSERT_TRUE(QFile::copy(demo, again));
+
+    // Started from the workspace: USD/CHF from its file and TTRC, which the workspace names.
+    Open(again);
+    const auto atStart = Grabs();
+    ASSERT_EQ(atStart.size(), 3u);
+    terminal->quit();
+    Close();
+
+    // Started without it (USD/CHF with its last 1,500 quotes held back, more than the
+    // workspace's), then opened from the File menu.
+    Open(workspace);
+    const host::data::Instrument* usdchf = emulator->data().loaded("USDCHF");
+    ASSERT_NE(usdchf, nullptr);
+    EXPECT_NE(usdchf->quotes().size(), 60496u);
+    EXPECT_EQ(emulator->data().loaded("TTRC"), nullptr);
+    QSignalSpy opened(terminal.get(), &Terminal::workspaceOpened);
+    ASSERT_TRUE(terminal->openWorkspace(demo));
+    EXPECT_TRUE(terminal->openingWorkspace());
+    EXPECT_TRUE(terminal->loading());
+    EXPECT_TRUE(terminal->window()->findChild<QProgressBar*>(QStringLiteral("loadProgress"))->isVisible());
+    ASSERT_TRUE(opened.wait(20000));
+    EXPECT_FALSE(terminal->openingWorkspace());
+    EXPECT_EQ(terminal->workspacePath(), demo);
+    ASSERT_NE(emulator->data().loaded("TTRC"), nullptr);
+    EXPECT_EQ(emulator->data().loaded("TTRC")->quotes().size(), 3550u);
+    EXPECT_EQ(emulator->data().loaded("USDCHF")->quotes().size(), 60496u);
+    // The quotes after the saved ones wait for the replay again.
+    EXPECT_EQ(terminal->replay().pending(), (62496u - 60496u) + (5550u - 3550u));
+    QTest::qWait(100);
+    const auto opened1 = Grabs();
+    ASSERT_EQ(opened1.size(), atStart.size());
+    for (std::size_t i = 0; i < atStart.size(); ++i) {
+        EXPECT_EQ(opened1[i].first, atStart[i].first) << i;
+        EXPECT_TRUE(opened1[i].second == atStart[i].second) << "window " << i << " differs";
+    }
+
+    // A workspace whose main window and panels are nonsense: the window stays as it is.
+    const QString odd = dir.filePath(QStringLiteral("odd.xml"));
+    {
+        QFile f(odd);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("<Workspace Version=\"1\" MainGeometry=\"AAAA\" Docks=\"bm9uc2Vuc2U=\"/>");
+    }
+    const QSize size = terminal->window()->size();
+    ASSERT_TRUE(terminal->openWorkspace(odd));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !terminal->openingWorkspace(); }, 5000));
+    EXPECT_EQ(terminal->window()->size(), size);
+    EXPECT_TRUE(Charts().widgets().empty());
+    EXPECT_TRUE(terminal->messages().filter(QStringLiteral("not readable")).size() == 2) << terminal->messages().join('\n').toStdString();
 }
 
 // Files a person may open by mistake: each is refused with a message that says why, and the

@@ -1,0 +1,142 @@
+// The terminal's workspace: saved on request and on quit, opened from the File menu with the
+// price files it needs read in the background, and the main window's place and panels.
+#include <QFileInfo>
+#include <QMainWindow>
+#include <QProgressBar>
+#include <algorithm>
+#include <memory>
+
+#include "host/ChartWindows.h"
+#include "host/DataCore.h"
+#include "host/Emulator.h"
+#include "host/data/Instrument.h"
+#include "host/terminal/AccountsPanel.h"
+#include "host/terminal/InstrumentPanel.h"
+#include "host/terminal/PriceFileLoader.h"
+#include "host/terminal/ReplayFeed.h"
+#include "host/terminal/Terminal.h"
+
+namespace host {
+namespace terminal {
+
+Workspace::Contents Terminal::choices() const {
+    Workspace::Contents c;
+    c.language = language_;
+    c.priceType = priceType_;
+    c.replaySpeed = replay_->speed();
+    c.mainGeometry = window()->saveGeometry();
+    c.docks = window()->saveState(Workspace::kDocksVersion);
+    return c;
+}
+
+void Terminal::restoreMainWindow(const Workspace::Contents& contents) {
+    QMainWindow* main = window();
+    // Qt checks what it reads: a value of another version or nonsense is refused and the
+    // window stays as it is.
+    if (!contents.mainGeometry.isEmpty() && !main->restoreGeometry(contents.mainGeometry))
+        showMessage(tr("Workspace: the main window's saved place was not readable; kept as it is."));
+    if (options_.sizeGiven) main->resize(options_.size);
+    if (!contents.docks.isEmpty() && !main->restoreState(contents.docks, Workspace::kDocksVersion))
+        showMessage(tr("Workspace: the panels' saved arrangement was not readable; kept as it is."));
+}
+
+bool Terminal::saveWorkspace(const QString& path) {
+    const QString target = path.isEmpty() ? workspacePath_ : path;
+    if (target.isEmpty()) return false;
+    QString error;
+    if (!Workspace::write(emulator_, target, choices(), &error)) {
+        showMessage(tr("The workspace was not saved: %1").arg(error), true);
+        return false;
+    }
+    workspacePath_ = target;
+    showMessage(tr("Workspace saved to %1").arg(target));
+    return true;
+}
+
+bool Terminal::openWorkspace(const QString& path) {
+    // The windows open now are kept in their own workspace first. (Saving into the file
+    // about to be read would replace what it holds.)
+    if (!workspacePath_.isEmpty() && QFileInfo(workspacePath_) != QFileInfo(path)) saveWorkspace();
+    Workspace::Contents contents;
+    QString error;
+    QStringList skipped;
+    if (!Workspace::read(emulator_.workData(), path, &contents, &error, &skipped)) {
+        showMessage(tr("The workspace could not be opened: %1. Nothing was changed.").arg(error), true);
+        return false;
+    }
+    // Instruments the windows need and the data core does not have yet are read in the
+    // background; those being read already are waited for. Each is split at its saved
+    // live count when it arrives.
+    liveCounts_.clear();
+    int reading = 0;
+    for (const Workspace::Instrument& i : contents.instruments) {
+        if (i.live >= 0) liveCounts_.push_back({i.name, i.live});
+        if (emulator_.data().loaded(i.name.toStdString())) continue;
+        const bool inFlight = std::any_of(loaders_.begin(), loaders_.end(), [&i](const PriceFileLoader* l) {
+            return QFileInfo(l->path()) == QFileInfo(i.source);
+        });
+        if (inFlight) continue;
+        startLoader(i.source, i.name)->start();
+        ++reading;
+    }
+    pendingOpen_.waiting = true;
+    pendingOpen_.path = path;
+    pendingOpen_.contents = contents;
+    pendingOpen_.problems = skipped;
+    if (loaders_.empty()) {
+        finishOpenWorkspace();
+    } else {
+        showMessage(reading ? tr("Opening workspace %1: reading %2 price files...").arg(path).arg(reading)
+                            : tr("Opening workspace %1 once the price files being read are in...").arg(path));
+        refresh();
+    }
+    return true;
+}
+
+void Terminal::splitAt(const QString& name, long live) {
+    DataCore& data = emulator_.data();
+    data::Instrument* old = data.loaded(name.toStdString());
+    if (!old || live < 0 || old->quotes().size() == std::size_t(live)) return;
+    // The data core splits an instrument when it takes it: the quotes, held back ones
+    // included, go into a fresh instrument that replaces the old one (no window shows it
+    // now, and the chart objects made from it go with it).
+    std::unique_ptr<data::Instrument> copy(
+        new data::Instrument(old->name(), old->period(), old->precision(), old->hasOhlc()));
+    copy->setSource(old->source());
+    for (const data::Quote& q : old->quotes()) copy->append(q);
+    data::Quote q;
+    while (old->takePending(&q)) copy->append(q);
+    if (old->pendingCount() > 0) return;  // a queue the instrument itself refused: left alone
+    data.removeInstrument(name.toStdString());
+    DataCore::LoadOptions split;
+    split.live = live;
+    std::string why;
+    if (!data.addInstrument(std::move(copy), split, &why))
+        showMessage(tr("Workspace: %1 could not be split at its saved quotes: %2").arg(name, QString::fromStdString(why)), true);
+}
+
+void Terminal::finishOpenWorkspace() {
+    PendingOpen open = pendingOpen_;
+    pendingOpen_ = PendingOpen();
+    liveCounts_.clear();
+    emulator_.charts().destroyAll();
+    for (const Workspace::Instrument& i : open.contents.instruments) {
+        if (!emulator_.data().loaded(i.name.toStdString()))
+            open.problems << tr("%1 (its price file %2 was not read)").arg(i.name, i.source);
+        else
+            splitAt(i.name, i.live);
+    }
+    if (open.contents.replaySpeed > 0) replay_->setSpeed(open.contents.replaySpeed);
+    restoreMainWindow(open.contents);
+    Workspace::open(emulator_, open.contents, &open.problems);
+    for (const QString& p : open.problems) showMessage(tr("Workspace: %1").arg(p), true);
+    workspacePath_ = open.path;
+    instruments_->refresh();
+    accounts_->refresh();
+    refresh();
+    showMessage(tr("Workspace %1 opened").arg(open.path));
+    emit workspaceOpened(open.path);
+}
+
+}  // namespace terminal
+}  // namespace host

@@ -1,0 +1,174 @@
+// `pfhost terminal` as a program: started with price files and a workspace, it takes its own
+// picture, saves the workspace on quit and exits; the saved workspace brings the same windows
+// back; a broken or missing workspace is said on the console and the terminal starts anyway;
+// without --workspace the user's default workspace is kept (here in a temporary config folder).
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QImage>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+namespace {
+
+class TerminalProgram : public ::testing::Test {
+protected:
+    void SetUp() override {
+        pfhost = QFileInfo(QStringLiteral(PF_MODULE_PATH)).dir().filePath(QStringLiteral("pfhost"));
+        if (!QFileInfo::exists(pfhost)) GTEST_SKIP() << "pfhost is not built";
+        ASSERT_TRUE(dir.isValid());
+        config = dir.filePath(QStringLiteral("config"));
+    }
+
+    struct Result {
+        int status = -1;
+        QString out, err;
+    };
+    // Runs `pfhost terminal ARGS` on the offscreen platform with the user's configuration in
+    // the test's folder, so that no default workspace of the machine is read or written.
+    Result Run(const QStringList& args) {
+        QProcess p;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), config);
+        p.setProcessEnvironment(env);
+        p.setWorkingDirectory(dir.path());
+        p.start(pfhost, QStringList{QStringLiteral("terminal")} + args);
+        Result r;
+        if (!p.waitForFinished(90000)) {
+            p.kill();
+            p.waitForFinished();
+            r.err = QStringLiteral("(timed out)");
+            return r;
+        }
+        r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+        r.out = QString::fromLocal8Bit(p.readAllStandardOutput());
+        r.err += QString::fromLocal8Bit(p.readAllStandardError());
+        return r;
+    }
+    QString Path(const char* name) const { return dir.filePath(QString::fromLatin1(name)); }
+    static QByteArray Read(const QString& path) {
+        QFile f(path);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
+    // The Window elements' opening tags (type, place, state) of a saved workspace, and
+    // whether the main window's geometry and panels were saved: what must come back after a
+    // restart. (The main window's position is the platform's to keep; its size shows in the
+    // screenshots.)
+    static QStringList Arrangement(const QString& path) {
+        const QString text = QString::fromUtf8(Read(path));
+        QStringList out;
+        QRegularExpressionMatchIterator it = QRegularExpression(QStringLiteral("<Window [^>]*>")).globalMatch(text);
+        while (it.hasNext()) out << it.next().captured(0);
+        for (const char* name : {"MainGeometry", "Docks"})
+            if (text.contains(QString::fromLatin1(name) + QStringLiteral("=\""))) out << QString::fromLatin1(name);
+        return out;
+    }
+
+    QTemporaryDir dir;
+    QString pfhost;
+    QString config;
+};
+
+TEST_F(TerminalProgram, ScreenshotOfAPriceFileAndTheExampleWorkspaceThenSavedOnQuit) {
+    const QString workspace = Path("workspace.xml");
+    ASSERT_TRUE(QFile::copy(QStringLiteral(PF_SOURCE_DIR "/docs/terminal/demo-workspace.xml"), workspace));
+    const QString png = Path("terminal.png");
+    const Result r = Run({QStringLiteral(PF_EXAMPLES_DIR "/usdchf-30min.csv"), QStringLiteral("--no-examples"),
+                          QStringLiteral("--workspace"), workspace, QStringLiteral("--size"), QStringLiteral("1000x700"),
+                          QStringLiteral("--screenshot"), png, QStringLiteral("--quit")});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.out.contains(QLatin1String("screenshot in"))) << r.out.toStdString();
+    // No problem was said: the price file and the workspace's other instrument were read and
+    // every window opened.
+    EXPECT_TRUE(r.err.trimmed().isEmpty()) << r.err.toStdString();
+    const QImage picture(png);
+    ASSERT_FALSE(picture.isNull());
+    EXPECT_EQ(picture.size(), QSize(1000, 700));
+    // Not one colour: menus, panels and charts are in it.
+    EXPECT_NE(picture.pixel(5, 5), picture.pixel(500, 350));
+    // Saved again on quit, with the main window's place, the panels and the three windows.
+    const QStringList saved = Arrangement(workspace);
+    EXPECT_EQ(saved.filter(QStringLiteral("<Window ")).size(), 3) << saved.join('\n').toStdString();
+    EXPECT_TRUE(Read(workspace).contains("Docks=\""));
+    // The user's default workspace is left alone when one is named.
+    EXPECT_FALSE(QFileInfo::exists(config));
+}
+
+TEST_F(TerminalProgram, BrokenAndMissingWorkspacesAreSaidAndTheTerminalStarts) {
+    // Cut short: said on the console, the terminal starts empty and the file stays as it was.
+    const QString cut = Path("cut.xml");
+    const QByteArray cutText("<?xml version=\"1.0\"?>\n<Workspace Version=\"1\">\n  <Window Type=\"pf\"");
+    {
+        QFile f(cut);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(cutText);
+    }
+    Result r = Run({QStringLiteral("--no-examples"), QStringLiteral("--workspace"), cut, QStringLiteral("--screenshot"),
+                    Path("cut.png"), QStringLiteral("--quit")});
+    EXPECT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains(QLatin1String("The workspace could not be opened"))) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains(QLatin1String("not be saved over"))) << r.err.toStdString();
+    EXPECT_FALSE(QImage(Path("cut.png")).isNull());
+    EXPECT_EQ(Read(cut), cutText);
+
+    // Missing: said, and made on quit.
+    const QString fresh = Path("sub/fresh.xml");
+    r = Run({QStringLiteral("--workspace"), fresh, QStringLiteral("--window"), QStringLiteral("pf:USDCHF"),
+             QStringLiteral("--screenshot"), Path("fresh.png"), QStringLiteral("--quit")});
+    EXPECT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains(QLatin1String("it is made on quit"))) << r.err.toStdString();
+    EXPECT_EQ(Arrangement(fresh).filter(QStringLiteral("<Window ")).size(), 1);
+
+    // Options that make no sense end the program before anything opens.
+    r = Run({QStringLiteral("--workspace"), fresh, QStringLiteral("--no-workspace")});
+    EXPECT_EQ(r.status, 2);
+    EXPECT_TRUE(r.err.contains(QLatin1String("exclude each other"))) << r.err.toStdString();
+}
+
+TEST_F(TerminalProgram, ASavedWorkspaceComesBackAfterARestart) {
+    const QString workspace = Path("workspace.xml");
+    Result r = Run({QStringLiteral("--workspace"), workspace, QStringLiteral("--window"), QStringLiteral("pf:USDCHF"),
+                    QStringLiteral("--window"), QStringLiteral("kagi:TTRC"), QStringLiteral("--screenshot"),
+                    Path("first.png"), QStringLiteral("--quit")});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    const QStringList first = Arrangement(workspace);
+    ASSERT_EQ(first.filter(QStringLiteral("<Window ")).size(), 2) << first.join('\n').toStdString();
+    ASSERT_TRUE(first.contains(QStringLiteral("MainGeometry")) && first.contains(QStringLiteral("Docks")));
+
+    // No windows asked for this time: those saved are opened, where they were, and saved the
+    // same way again on quit.
+    r = Run({QStringLiteral("--workspace"), workspace, QStringLiteral("--screenshot"), Path("second.png"),
+             QStringLiteral("--quit")});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.err.trimmed().isEmpty()) << r.err.toStdString();
+    EXPECT_EQ(Arrangement(workspace).join('\n').toStdString(), first.join('\n').toStdString());
+    EXPECT_EQ(QImage(Path("second.png")).size(), QImage(Path("first.png")).size());
+}
+
+TEST_F(TerminalProgram, WithoutWorkspaceTheDefaultOneIsKept) {
+    const QString def = QDir(config).filePath(QStringLiteral("pfhost/terminal-workspace.xml"));
+    Result r = Run({QStringLiteral("--help")});
+    EXPECT_EQ(r.status, 0);
+    EXPECT_TRUE(r.out.contains(def)) << r.out.toStdString();
+
+    // --no-workspace: nothing kept.
+    r = Run({QStringLiteral("--no-workspace"), QStringLiteral("--window"), QStringLiteral("renko:USDCHF"),
+             QStringLiteral("--screenshot"), Path("none.png"), QStringLiteral("--quit")});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(def));
+
+    r = Run({QStringLiteral("--window"), QStringLiteral("renko:USDCHF"), QStringLiteral("--screenshot"), Path("a.png"),
+             QStringLiteral("--quit")});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    const QStringList first = Arrangement(def);
+    ASSERT_EQ(first.filter(QStringLiteral("type=\"renko\""), Qt::CaseInsensitive).size(), 1) << first.join('\n').toStdString();
+    r = Run({QStringLiteral("--screenshot"), Path("b.png"), QStringLiteral("--quit")});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(Arrangement(def).join('\n').toStdString(), first.join('\n').toStdString());
+}
+
+}  // namespace

@@ -276,4 +276,84 @@ TEST_F(LineStudyLayout, DeletedStudiesComeBackWithOneUndoAloneOrWithTheirLine) {
     EXPECT_EQ(widget->UpdateTitle(), title);
 }
 
+// The release records a move only when a point changed by more than 1e-5 in price (or at
+// all in time or place); the step waits as the window's pending step while the chart handles
+// the release and is on the stack once the release is done.
+TEST_F(LineStudyLayout, AReleaseRecordsAMoveOnlyBeyondTheTolerance) {
+    std::unique_ptr<PFChartWidget> widget = Window();
+    AddData(*widget);
+    const pf::ScaleEngine& e = *widget->GetChart()->GetAreas()[0]->GetEngine();
+    const float price = e.GetMinPrice() + (e.GetMaxPrice() - e.GetMinPrice()) * 0.5f;
+    const boost::shared_ptr<LineStudy> study = Make(*widget, "HLine", {{30, price}});
+    ASSERT_TRUE(study);
+    const gx::Line& line = *FirstLine(*widget);
+    const QPoint on(gx::util::LsBase::CalcX(line.GetEngine(), line.Size() - 40), e.TranslateY(price));
+    ASSERT_TRUE(study->PtInLS(on));
+    auto mouse = [&](QEvent::Type type) {
+        QMouseEvent event(type, on, widget->mapToGlobal(on), Qt::LeftButton,
+                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(widget.get(), &event);
+    };
+    // Pressed, its price changed as a drag would change it, released.
+    auto moveBy = [&](float change) {
+        mouse(QEvent::MouseButtonPress);
+        std::vector<lsPointShape> points = study->GetInPoints();
+        points[0].value += change;
+        study->RestorePoints(points);
+        mouse(QEvent::MouseButtonRelease);
+        EXPECT_FALSE(widget->HasPendingUndo());
+    };
+    moveBy(4e-6f);
+    EXPECT_TRUE(records.empty()) << "within 1e-5";
+    moveBy(3e-5f);
+    EXPECT_EQ(records.size(), 1u) << "beyond 1e-5";
+}
+
+// A move waits as the pending step: one at a time, recorded before any later step, and not
+// at all when its study went in between.
+TEST_F(LineStudyLayout, APendingMoveIsRecordedOnceAndBeforeLaterSteps) {
+    std::unique_ptr<PFChartWidget> widget = Window();
+    AddData(*widget);
+    const pf::ScaleEngine& e = *widget->GetChart()->GetAreas()[0]->GetEngine();
+    const float price = e.GetMinPrice() + (e.GetMaxPrice() - e.GetMinPrice()) * 0.5f;
+    boost::shared_ptr<LineStudy> a = Make(*widget, "HLine", {{30, price}});
+    const boost::shared_ptr<LineStudy> b = Make(*widget, "VLine", {{60, price}});
+    ASSERT_TRUE(a && b);
+    const gx::Line& line = *FirstLine(*widget);
+    const QPoint on(gx::util::LsBase::CalcX(line.GetEngine(), line.Size() - 40), e.TranslateY(price));
+    auto press = [&] {
+        QMouseEvent event(QEvent::MouseButtonPress, on, widget->mapToGlobal(on), Qt::LeftButton, Qt::LeftButton,
+                          Qt::NoModifier);
+        QApplication::sendEvent(widget.get(), &event);
+        ASSERT_NE(a->GetMoveSnapshot(), nullptr);
+    };
+    auto record = [&](std::size_t n) {
+        const host::workdata::Node* root =
+            emulator->workData().node(reinterpret_cast<void*>(std::uintptr_t(records.at(n).node)));
+        return root ? root->children.at(0).get() : nullptr;
+    };
+
+    press();
+    widget->RecordLineStudyMove(a.get());
+    widget->RecordLineStudyMove(b.get());  // one step per release: this one adds nothing
+    EXPECT_TRUE(widget->HasPendingUndo());
+    EXPECT_TRUE(records.empty());
+    widget->RecordScaleUndo(0);  // a later step: the move goes first
+    ASSERT_EQ(records.size(), 2u);
+    const host::workdata::Node* moved = record(0)->children.at(0).get();
+    EXPECT_EQ(*moved->attribute(QStringLiteral("MoveLS")), QStringLiteral("1"));
+    EXPECT_EQ(*moved->attribute(QStringLiteral("ObjectName")), QStringLiteral("HLine"));
+    EXPECT_EQ(*moved->attribute(QStringLiteral("nodeIndex")), QStringLiteral("0"));
+    for (const auto& child : record(1)->children) EXPECT_NE(child->name, QStringLiteral("LineStudy"));
+    widget->ExecutePendingUndo();
+    EXPECT_EQ(records.size(), 2u) << "recorded once";
+
+    press();
+    widget->RecordLineStudyMove(a.get());
+    FirstLine(*widget)->DeleteLineStudy(a.get());
+    a.reset();
+    widget->ExecutePendingUndo();
+    EXPECT_EQ(records.size(), 2u) << "the study went before its move was recorded";
+}
+
 }  // namespace

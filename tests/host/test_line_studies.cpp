@@ -342,6 +342,29 @@ TEST_F(Studies, ArrivingPricesUpdateTheStudiesBoundToThatData) {
     EXPECT_EQ(LS().updates().size(), updates);
 }
 
+// A study whose placement the chart cancels (the drawing mode ends before it is finished)
+// is unbound from its data: arriving prices send no 3073 for it. A finished one, bound a
+// second time, and one finished through the exchange's flag keep hearing.
+TEST_F(Studies, StudiesLeftUnfinishedWhenTheDrawingModeEndsHearNoMore) {
+    std::unique_ptr<ChartSide> cancelled = Make("HLine");
+    std::unique_ptr<ChartSide> bound = Make("VLine");
+    std::unique_ptr<ChartSide> flagged = Make("Line");
+    lsAttachRecord again{array, Provider(), bound->id};
+    ASSERT_EQ(Send(nullptr, MSG_LS_ATTACH, 77, P(&again)), 0);
+    flagged->in[0] = At(last - 5, 1.5f);
+    flagged->in[1] = At(last - 1, 1.6f);
+    flagged->record.finished = 1;
+    ASSERT_EQ(Exchange(*flagged), 0);
+    ASSERT_EQ(Send(emulator.mainWindow().handle(), MSG_LS_END_DRAWING, 0), 0);
+    EXPECT_FALSE(LS().study(cancelled->id)->attached);
+    EXPECT_TRUE(LS().study(bound->id)->attached);
+    EXPECT_TRUE(LS().study(flagged->id)->attached);
+    const std::size_t before = LS().updates().size();
+    ASSERT_GT(emulator.data().replay("USDCHF", 3000), 0u);
+    ASSERT_GT(LS().updates().size(), before);
+    for (std::size_t i = before; i < LS().updates().size(); ++i) EXPECT_NE(LS().updates()[i].id, cancelled->id);
+}
+
 TEST_F(Studies, RecordsThatCannotBeTrustedAreRefused) {
     std::unique_ptr<ChartSide> s = Make("Line");
     s->in[0] = At(10, 1.4f);

@@ -326,6 +326,9 @@ void Terminal::refresh() {
     action(QStringLiteral("play"))->setEnabled(!replay_->playing() && pending > 0);
     action(QStringLiteral("pause"))->setEnabled(replay_->playing());
     action(QStringLiteral("step"))->setEnabled(pending > 0);
+    // The speed may come from a workspace as well as from the menu.
+    if (QAction* speed = action(QStringLiteral("speed%1").arg(replay_->speed())))
+        if (!speed->isChecked()) speed->setChecked(true);
     const QString tool = QString::fromStdString(emulator_.studies().tool());
     for (QAction* a : studyTools_->actions())
         if (a->data().toString() == tool && !a->isChecked()) a->setChecked(true);

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Builds and runs every test: the release build with the unit, integration, export,
 # package and 32-bit layout tests; a clang build with AddressSanitizer and UndefinedBehaviorSanitizer
-# running the same tests; the fuzz targets for a bounded time; and a short run of each
-# benchmark so that they stay working. Installs missing packages first.
+# running the same tests (a short endurance run among them, under the leak checker); the fuzz
+# targets for a bounded time with leak detection; and a short run of each benchmark so that
+# they stay working. Installs missing packages first.
 #
 #   PF_FUZZ_SECONDS   seconds per fuzz target (default 30; at least 60 for fuzz_host_messages)
 #   PF_SKIP_ASAN=1    skip the sanitizer build (quicker local runs)
@@ -79,7 +80,11 @@ if [ "${PF_SKIP_ASAN:-0}" != "1" ]; then
         # Inputs of earlier findings are kept in the source tree and run first.
         seeds=()
         [ -d "tests/fuzz/corpus/$name" ] && seeds=("$PWD/tests/fuzz/corpus/$name")
-        if (cd build/asan && QT_QPA_PLATFORM=offscreen ASAN_OPTIONS=detect_leaks=0 \
+        # Leaks are looked for after every input that allocated more than it freed; what Qt
+        # and the font libraries keep until exit is suppressed.
+        supp="$PWD/tests/lsan.supp"
+        if (cd build/asan && QT_QPA_PLATFORM=offscreen ASAN_OPTIONS=detect_leaks=1 \
+              LSAN_OPTIONS="suppressions=$supp:print_suppressions=0" \
               "tests/$name" -max_total_time="$seconds" -rss_limit_mb=4096 \
               "fuzz-corpus/$name" "${seeds[@]}" >"fuzz-corpus/$name.log" 2>&1); then
             passed=$((passed + 1)); summary+=("fuzz $name: $(grep -Eo 'Done [0-9]+ runs' "build/asan/fuzz-corpus/$name.log" | tail -n 1)")

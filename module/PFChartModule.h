@@ -35,7 +35,13 @@ class TextStatusBar;
 //   3007  parameters unused. Answer 0, also when the host refuses the registrations.
 //   3066  parameters unused. A deal-interface or account count of 0 or less, or over
 //         100,000, allocates and reads nothing; unfilled handle slots are skipped. Answer 0.
-//   3073  line-study update (lsUpdateRecord): not handled yet, answer 0 for any record.
+//   3073  coreUpdateLs (p1; p2 unused): the record names a data array, not a window, so
+//         no widget can be unknown: every window of the three interfaces looks for lines
+//         showing that array. A null record, a null array, an empty kind, or a control-point
+//         or shape count below 0 or above the study limits (gx::LineStudy::kMaxPoints,
+//         kMaxShapes) changes nothing. Otherwise the studies of that kind are resized and
+//         their shapes asked for again; a study whose exchange the host fails leaves the
+//         chart. Answer 0.
 //   3114  FXEvent: a null record, or a null payload, does nothing. Codes other than 16002,
 //         16003 and 16048 are ignored; 16048 from a sender that is not one of the three
 //         interfaces, or with a payload count of 0 or less, is ignored. A day-off count of 0
@@ -45,6 +51,12 @@ class TextStatusBar;
 //   3545  a value, no record: 0 middle, 1 bid, any other value ask. Answer 0.
 //   3546  coreConvertList: a null record, or a count below 0 or of 100,000 and more, is left
 //         as it is (the accounts are re-read first all the same). Answer 0.
+//   3560  p1 the path of a skin document, UTF-16, NUL-terminated (LoadSkinMessage). Null or
+//         empty: the built-in look, answer 0. No terminator within 255 units: refused, the
+//         skin unchanged, answer 1. Any other path first resets the built-in look, then reads
+//         the document; a path over 254 units, a document the host does not open (3163
+//         leaves the handle 0) or one without a "MainWindow" root keeps the built-in look
+//         and answers 1. Every open window is restyled in both cases. No widget involved.
 //   other numbers: answer 0, nothing done.
 class PFChartModule : public CModule {
 public:
@@ -104,6 +116,9 @@ public:
     // window; 0 when a document was read or the built-in look asked for, else 1.
     CSkin* GetSkin() const { return skin_.get(); }
     int LoadSkin(const QString& path);
+    // 3560 as the host sends it: `path` a NUL-terminated UTF-16 text. Null is the built-in
+    // look (as an empty path); a text with no terminator within its first 255 units is never
+    // read past them and answers 1 with the skin left as it is; else LoadSkin's answer.
     int LoadSkinMessage(std::intptr_t path);
 
     ChartInterface* GetPFInterface() const;

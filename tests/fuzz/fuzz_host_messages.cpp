@@ -294,8 +294,8 @@ void ConvertList(FuzzedDataProvider& in, std::intptr_t* p1, std::intptr_t* p2) {
 }
 
 void LsUpdate(FuzzedDataProvider& in, std::intptr_t* p1, std::intptr_t* p2) {
-    unsigned char* r = in.ConsumeIntegralInRange<int>(0, 7) ? Record(in, sizeof(lsUpdateRecord)) : nullptr;
-    if (r) Put(r, offsetof(lsUpdateRecord, provider), reinterpret_cast<void*>(HostHandle(in)));
+    unsigned char* r = in.ConsumeIntegralInRange<int>(0, 7) ? Record(in, sizeof(coreUpdateLs)) : nullptr;
+    if (r) Put(r, offsetof(coreUpdateLs, dataArray), reinterpret_cast<void*>(HostHandle(in)));
     *p1 = P(r);
     *p2 = P(WidgetHandle(in));
 }

@@ -46,12 +46,13 @@ struct Terminal {
     std::string path(const char* name) const { return dir.filePath(QString::fromLatin1(name)).toStdString(); }
 };
 
-// A price file of `count` closes, 30 minutes apart, alternating between 1.0000 and 1.0040:
-// with box 0.001 and reversal 3 every quote starts a new Point and Figure column.
+// A price file of `count` closes, 10 minutes apart from 2000 on (two million of them still end
+// before the 32-bit times run out in 2038), alternating between 1.0000 and 1.0040: with box
+// 0.001 and reversal 3 every quote starts a new Point and Figure column.
 inline void writeZigZag(const std::string& path, long count) {
     std::ofstream out(path);
     out << "time,close\n";
-    for (long i = 0; i < count; ++i) out << 946684800L + 1800L * i << (i % 2 ? ",1.0040\n" : ",1.0000\n");
+    for (long i = 0; i < count; ++i) out << 946684800L + 600L * i << (i % 2 ? ",1.0040\n" : ",1.0000\n");
 }
 
 // A random walk of `count` closes, 30 minutes apart, from 1.5 in steps of up to 0.0020.

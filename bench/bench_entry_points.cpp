@@ -181,7 +181,7 @@ struct RepaintScene {
 };
 
 void BM_Repaint(benchmark::State& state) {
-    RepaintScene s(20);
+    RepaintScene s(int(state.range(0)));
     QWidget* container = s.t.charts().container(s.w);
     for (auto _ : state) {
         const QPixmap picture = container->grab();
@@ -331,7 +331,7 @@ void BM_WindowMemory(benchmark::State& state) {
 }  // namespace
 
 BENCHMARK(BM_FirstChart)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Repaint)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Repaint)->Arg(0)->Arg(20)->ArgName("studies")->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_RepaintScrolled)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_FillAndBlit)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_Replay)->Arg(100000)->Iterations(1)->Unit(benchmark::kMillisecond);

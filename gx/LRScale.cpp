@@ -11,6 +11,7 @@
 
 #include "data/ScaleEngine.h"
 #include "gui/PFChartWidget.h"
+#include "gx/FigurePicture.h"
 #include "gx/FindMinMax.h"
 #include "module/CModule.h"
 
@@ -169,15 +170,83 @@ QString LRScale::FormatPrice(double price, int decimals) {
     return QString::asprintf(format.constData(), price);
 }
 
-void LRScale::Draw(QPainter& painter, const FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine,
-                   const boost::shared_ptr<Area>&) const {
-    if (!visible_) return;
-    painter.save();
+void LRScale::DrawColumn(QPainter& painter, const QColor& pen, const FindMinMax& range,
+                         const pf::ScaleEngine* engine) const {
     painter.setClipRect(rect_);
     painter.fillRect(rect_, background_);
     painter.setFont(font_);
-    painter.setPen(widget_ ? widget_->GetAreasFontColor() : QColor(150, 150, 150));
-    DrawLabels(painter, rect_, range, engine.get(), labels_);
+    painter.setPen(pen);
+    DrawLabels(painter, rect_, range, engine, labels_);
+}
+
+QByteArray LRScale::Key(const QPainter& painter, const QColor& pen, int labelHeight, const FindMinMax& range,
+                        const pf::ScaleEngine* engine) const {
+    QByteArray key;
+    key.reserve(160);
+    PictureCache::Append(key, rect_);
+    PictureCache::Append(key, background_.rgba64());
+    PictureCache::Append(key, pen.rgba64());
+    key.append(font_.key().toUtf8()).append('\0');
+    PictureCache::Append(key, labelHeight);
+    // What the labels read of the range.
+    PictureCache::Append(key, range.minPrice);
+    PictureCache::Append(key, range.maxPrice);
+    PictureCache::Append(key, range.boxSize);
+    PictureCache::Append(key, range.columnCount);
+    PictureCache::Append(key, range.precision);
+    // What TranslateY reads of the engine.
+    PictureCache::Append(key, engine != nullptr);
+    if (engine) {
+        PictureCache::Append(key, engine->GetBottom());
+        PictureCache::Append(key, engine->GetMinPrice());
+        PictureCache::Append(key, engine->GetYFactor());
+    }
+    PictureCache::AppendPainter(key, painter);
+    return key;
+}
+
+void LRScale::Draw(QPainter& painter, const FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine,
+                   const boost::shared_ptr<Area>&) const {
+    if (!visible_) return;
+    const QColor pen = widget_ ? widget_->GetAreasFontColor() : QColor(150, 150, 150);
+    painter.save();
+    // The picture is opaque only when the fill is.
+    if (!FigurePicture::Enabled() || rect_.isEmpty() || background_.alpha() != 255 || !PictureCache::Usable(painter)) {
+        pictures_.Clear();
+        DrawColumn(painter, pen, range, engine.get());
+        painter.restore();
+        return;
+    }
+    const int labelHeight = QFontMetrics(font_, painter.device()).height();
+    // Glyphs reach at most about a label's height past the column.
+    QMargins around;
+    if (!PictureCache::Surround(painter, rect_, 2 * labelHeight + 8, &around)) {
+        DrawColumn(painter, pen, range, engine.get());
+        painter.restore();
+        return;
+    }
+    QByteArray key = Key(painter, pen, labelHeight, range, engine.get());
+    PictureCache::Append(key, around);
+    const QImage* image = pictures_.Find(key);
+    const QPoint origin(around.left(), around.top());
+    if (!image) {
+        QImage& made = pictures_.Make(key, rect_.size().grownBy(around), painter);
+        made.fill(background_);
+        QPainter picture(&made);
+        // The column is drawn from the painter's state as it would be on the window.
+        picture.setRenderHints(painter.renderHints());
+        picture.setBrush(painter.brush());
+        picture.setBackground(painter.background());
+        picture.setBackgroundMode(painter.backgroundMode());
+        picture.setLayoutDirection(painter.layoutDirection());
+        picture.translate(origin - rect_.topLeft());
+        DrawColumn(picture, pen, range, engine.get());
+        picture.end();
+        image = &made;
+    }
+    // Drawing directly replaces the clip with the column; so does the blit.
+    painter.setClipRect(rect_);
+    painter.drawImage(rect_.topLeft(), *image, QRect(origin, rect_.size()));
     painter.restore();
 }
 

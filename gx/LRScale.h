@@ -1,5 +1,9 @@
 // A price scale column at the left or right of the chart areas, drawn once per area with
 // the area's scale engine and price range.
+//
+// Most repaints find the scales as they were: the drawn column is kept as a picture per area
+// (one scale object draws that side of every area in turn) and blitted while nothing the
+// drawing reads has changed.
 #pragma once
 
 #include <QColor>
@@ -8,6 +12,7 @@
 #include <QString>
 #include <boost/shared_ptr.hpp>
 
+#include "gx/PictureCache.h"
 #include "gx/TextCache.h"
 
 class QPainter;
@@ -48,7 +53,17 @@ public:
     // "%0.<decimals>f".
     static QString FormatPrice(double price, int decimals);
 
+    // Forgets the kept pictures.
+    void ClearPictures() const { pictures_.Clear(); }
+    int PictureCount() const { return pictures_.Count(); }
+
 private:
+    // Fills the column and writes its labels, the painter clipped to the column.
+    void DrawColumn(QPainter& painter, const QColor& pen, const FindMinMax& range,
+                    const pf::ScaleEngine* engine) const;
+    QByteArray Key(const QPainter& painter, const QColor& pen, int labelHeight, const FindMinMax& range,
+                   const pf::ScaleEngine* engine) const;
+
     PFChartWidget* widget_;
     QRect rect_;
     bool visible_ = true;
@@ -56,6 +71,8 @@ private:
     QColor background_;
     // Price labels laid out once for the scale's font.
     mutable TextCache labels_;
+    // Drawn columns, one per area and state.
+    mutable PictureCache pictures_;
 };
 
 }  // namespace gx

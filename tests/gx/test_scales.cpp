@@ -1,5 +1,6 @@
 // Price scale and grid: the step helper, label steps, rows, placement and spacing, the ruler
-// without data, and grid spacing and cost on flat, broken and dense ranges.
+// without data, the kept pictures of the scale columns, and grid spacing and cost on flat,
+// broken and dense ranges.
 #include <gtest/gtest.h>
 
 #include <QFontMetrics>
@@ -9,11 +10,13 @@
 #include <algorithm>
 #include <QTextItem>
 #include <cmath>
+#include <functional>
 #include <set>
 #include <vector>
 
 #include "RecordingPaintDevice.h"
 #include "data/ScaleEngine.h"
+#include "gx/FigurePicture.h"
 #include "gx/FindMinMax.h"
 #include "gx/Grid.h"
 #include "gx/LRScale.h"
@@ -66,10 +69,12 @@ std::vector<Label> DrawScale(gx::LRScale& scale, int height, const gx::FindMinMa
                              const boost::shared_ptr<pf::ScaleEngine>& engine) {
     TextDevice device;
     scale.Resize(QRect(0, 0, 50, height));
+    gx::FigurePicture::SetEnabled(false);  // the texts themselves, not a picture of them
     {
         QPainter painter(&device);
         scale.Draw(painter, range, engine, {});
     }
+    gx::FigurePicture::SetEnabled(true);
     const QFontMetrics fm(scale.GetFont(), &device);
     std::vector<Label> labels;
     for (const auto& t : device.engine.texts) {
@@ -209,4 +214,153 @@ TEST(Grid, BoxLinesColumnLinesSpacingAndCost) {
     DrawGrid(grid, Range(0.0f, 10.0f, 0.5f), Engine(199, 0.0f, 10.0f), rows, columns, device);
     ASSERT_EQ(device.primitives().size(), 1u);  // the fill alone
     EXPECT_EQ(device.primitives()[0].rects.value(0), QRect(QPoint(0, 0), QPoint(103, 199)));
+}
+
+namespace {
+
+// One scale drawn with its kept pictures next to a twin drawn directly, both onto a window
+// whose painter is offset as a child widget's in a grab.
+struct ScalePair {
+    gx::LRScale kept{nullptr};
+    gx::LRScale direct{nullptr};
+
+    void Set(const QRect& rect, const QFont& font, const QColor& background) {
+        for (gx::LRScale* s : {&kept, &direct}) {
+            s->Resize(rect);
+            s->SetFont(font);
+            s->SetBackgroundColor(background);
+        }
+    }
+    static QImage Paint(const gx::LRScale& scale, bool pictures, const gx::FindMinMax& range,
+                        const boost::shared_ptr<pf::ScaleEngine>& engine, QImage* window = nullptr) {
+        gx::FigurePicture::SetEnabled(pictures);
+        QImage own(140, 420, QImage::Format_ARGB32_Premultiplied);
+        QImage& image = window ? *window : own;
+        if (!window) image.fill(QColor(40, 90, 160));
+        {
+            QPainter painter(&image);
+            painter.translate(3, 2);
+            painter.setClipRect(QRect(0, 0, 20, 20));  // the column replaces any clip
+            scale.Draw(painter, range, engine, {});
+        }
+        gx::FigurePicture::SetEnabled(true);
+        return image;
+    }
+    // The kept scale's paint, checked against the twin's.
+    QImage Check(const gx::FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine, const char* what) {
+        const QImage image = Paint(kept, true, range, engine);
+        EXPECT_EQ(image, Paint(direct, false, range, engine)) << what;
+        return image;
+    }
+};
+
+}  // namespace
+
+TEST(LRScalePicture, LooksExactlyAsDrawnDirectlyAfterEveryChange) {
+    ScalePair s;
+    const QFont font = s.kept.GetFont();
+    s.Set(QRect(10, 20, 50, 380), font, QColor(250, 250, 240));
+    gx::FindMinMax range = Range(1.2f, 1.296f, 0.001f);
+    boost::shared_ptr<pf::ScaleEngine> engine = Engine(399, 1.2f, 1.296f, 10, 20);
+
+    const QImage first = s.Check(range, engine, "made");
+    EXPECT_EQ(s.kept.PictureCount(), 1);
+    EXPECT_EQ(s.Check(range, engine, "reused"), first);
+    EXPECT_EQ(s.kept.PictureCount(), 1);
+
+    range = Range(1.25f, 1.31f, 0.0005f);
+    engine = Engine(399, 1.25f, 1.31f, 10, 20);
+    EXPECT_NE(s.Check(range, engine, "range changed"), first);
+    range.precision = 2.0f;
+    s.Check(range, engine, "decimals changed");
+    range.precision = 4.0f;
+    engine->Update(QRect(QPoint(0, 20), QPoint(103, 349)), 0.0f, 10.0f, 1.25f, 1.31f);
+    s.Check(range, engine, "same range on other rows");
+    s.Check(gx::FindMinMax(), engine, "no data");
+
+    QFont bigger = font;
+    bigger.setPointSize(font.pointSize() + 4);
+    s.Set(QRect(10, 20, 50, 380), bigger, QColor(250, 250, 240));
+    const QImage big = s.Check(range, engine, "font changed");
+    bigger.setBold(true);
+    s.Set(QRect(10, 20, 50, 380), bigger, QColor(250, 250, 240));
+    EXPECT_NE(s.Check(range, engine, "bold"), big);
+    s.Set(QRect(10, 20, 50, 380), font, QColor(20, 20, 20));
+    s.Check(range, engine, "background changed");
+    s.Set(QRect(70, 10, 60, 300), font, QColor(20, 20, 20));
+    s.Check(range, engine, "rectangle changed");
+    // A translucent background blends with the window: drawn directly, nothing kept.
+    s.Set(QRect(70, 10, 60, 300), font, QColor(20, 20, 20, 128));
+    s.Check(range, engine, "translucent");
+    EXPECT_EQ(s.kept.PictureCount(), 0);
+    s.Set(QRect(70, 10, 60, 300), font, QColor(20, 20, 20));
+    s.Check(range, engine, "opaque again");
+
+    // Switched off, the picture is forgotten and the next paint makes it afresh.
+    EXPECT_EQ(ScalePair::Paint(s.kept, false, range, engine), ScalePair::Paint(s.direct, false, range, engine));
+    EXPECT_EQ(s.kept.PictureCount(), 0);
+    s.Check(range, engine, "after pictures off");
+}
+
+TEST(LRScalePicture, OneScaleDrawingSeveralAreasInTurnKeepsEachRight) {
+    ScalePair s;
+    const QRect top(10, 0, 50, 200), bottom(10, 201, 50, 200);
+    const gx::FindMinMax upper = Range(1.2f, 1.3f, 0.001f), lower = Range(95.0f, 110.0f, 0.5f, 2.0f);
+    const boost::shared_ptr<pf::ScaleEngine> upperEngine = Engine(199, 1.2f, 1.3f),
+                                             lowerEngine = Engine(400, 95.0f, 110.0f, 10, 201);
+    // Both areas on one window, as the widget paints them.
+    const auto paint = [&](const gx::LRScale& scale, bool pictures) {
+        QImage window(140, 420, QImage::Format_ARGB32_Premultiplied);
+        window.fill(Qt::black);
+        const_cast<gx::LRScale&>(scale).Resize(top);
+        ScalePair::Paint(scale, pictures, upper, upperEngine, &window);
+        const_cast<gx::LRScale&>(scale).Resize(bottom);
+        ScalePair::Paint(scale, pictures, lower, lowerEngine, &window);
+        return window;
+    };
+    const QImage expected = paint(s.direct, false);
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(paint(s.kept, true), expected) << "paint " << i;
+    EXPECT_EQ(s.kept.PictureCount(), 2);
+
+    // Many areas: the pictures stay bounded and the ones dropped are drawn again.
+    for (int area = 0; area < 3 * gx::PictureCache::kDefaultEntries; ++area) {
+        s.Set(QRect(10, 0, 50, 100 + area), s.kept.GetFont(), Qt::white);
+        s.Check(upper, upperEngine, "area");
+    }
+    EXPECT_EQ(s.kept.PictureCount(), gx::PictureCache::kDefaultEntries);
+    EXPECT_EQ(paint(s.kept, true), expected);
+}
+
+TEST(LRScalePicture, PaintersThatBlendOrScaleDrawDirectly) {
+    gx::LRScale scale(nullptr), direct(nullptr);
+    scale.Resize(QRect(5, 5, 50, 200));
+    direct.Resize(QRect(5, 5, 50, 200));
+    const gx::FindMinMax range = Range(1.2f, 1.3f, 0.001f);
+    const boost::shared_ptr<pf::ScaleEngine> engine = Engine(204, 1.2f, 1.3f, 10, 5);
+    const std::vector<std::function<void(QPainter&)>> setups = {
+        [](QPainter& p) { p.setRenderHint(QPainter::Antialiasing); },
+        [](QPainter& p) { p.translate(0.5, 0); },
+        [](QPainter& p) { p.scale(2, 2); },
+        [](QPainter& p) { p.setOpacity(0.5); },
+        [](QPainter& p) { p.setCompositionMode(QPainter::CompositionMode_Plus); },
+    };
+    for (std::size_t i = 0; i < setups.size(); ++i) {
+        QImage a(140, 420, QImage::Format_ARGB32_Premultiplied), b = a;
+        a.fill(Qt::gray);
+        b.fill(Qt::gray);
+        for (int paint = 0; paint < 2; ++paint) {
+            QPainter p(&a);
+            setups[i](p);
+            scale.Draw(p, range, engine, {});
+        }
+        gx::FigurePicture::SetEnabled(false);
+        for (int paint = 0; paint < 2; ++paint) {
+            QPainter p(&b);
+            setups[i](p);
+            direct.Draw(p, range, engine, {});
+        }
+        gx::FigurePicture::SetEnabled(true);
+        EXPECT_EQ(scale.PictureCount(), 0) << i;
+        EXPECT_EQ(a, b) << i;
+    }
 }

@@ -70,16 +70,48 @@ QByteArray FigurePicture::Key(const QPainter& painter, const QRect& rect, const 
     return key;
 }
 
-void FigurePicture::Draw(QPainter& painter, const QRect& rect, pf::PointData& renderer, fxDataPointArray* array,
-                         bool selected, unsigned generation) {
+bool FigurePicture::Usable(const QPainter& painter, const QRect& rect, const pf::PointData& renderer,
+                           const fxDataPointArray* array, bool selected) const {
     const QTransform& t = painter.transform();
     const bool wholePixels = t.type() <= QTransform::TxTranslate && t.dx() == std::floor(t.dx()) &&
                              t.dy() == std::floor(t.dy());
     const qreal ratio = painter.device() ? painter.device()->devicePixelRatioF() : qreal(1);
-    if (!g_enabled || selected || !wholePixels || ratio != qreal(1) || rect.isEmpty() || !array ||
-        !renderer.GetEngine() || painter.compositionMode() != QPainter::CompositionMode_SourceOver ||
-        painter.opacity() != qreal(1) || painter.brushOrigin() != QPointF() ||
-        painter.testRenderHint(QPainter::Antialiasing)) {
+    return g_enabled && !selected && wholePixels && ratio == qreal(1) && !rect.isEmpty() && array &&
+           renderer.GetEngine() && painter.compositionMode() == QPainter::CompositionMode_SourceOver &&
+           painter.opacity() == qreal(1) && painter.brushOrigin() == QPointF() &&
+           !painter.testRenderHint(QPainter::Antialiasing);
+}
+
+void FigurePicture::Render(const QPainter& painter, const QRect& rect, const QRect& area, pf::PointData& renderer,
+                           fxDataPointArray* array, const std::function<void(QPainter&)>* overlay) {
+    image_ = QImage(area.size(), QImage::Format_ARGB32_Premultiplied);
+    image_.fill(Qt::transparent);
+    QPainter picture(&image_);
+    // The renderer starts from the painter's state as it would on the window.
+    picture.setRenderHints(painter.renderHints());
+    picture.setPen(painter.pen());
+    picture.setBrush(painter.brush());
+    picture.setFont(painter.font());
+    picture.setBackground(painter.background());
+    picture.setBackgroundMode(painter.backgroundMode());
+    picture.translate(-area.topLeft());
+    if (area == rect) {
+        renderer.Draw(picture, array);
+    } else {
+        picture.save();
+        picture.setClipRect(rect);
+        renderer.Draw(picture, array);
+        picture.restore();
+    }
+    if (overlay) (*overlay)(picture);
+    picture.end();
+    state_ = renderer.GetDrawState();
+    area_ = area;
+}
+
+void FigurePicture::Draw(QPainter& painter, const QRect& rect, pf::PointData& renderer, fxDataPointArray* array,
+                         bool selected, unsigned generation) {
+    if (!Usable(painter, rect, renderer, array, selected)) {
         Clear();
         painter.save();
         painter.setClipRect(rect);
@@ -89,25 +121,54 @@ void FigurePicture::Draw(QPainter& painter, const QRect& rect, pf::PointData& re
     }
     const QByteArray key = Key(painter, rect, renderer, array, generation);
     if (key != key_ || image_.isNull()) {
-        image_ = QImage(rect.size(), QImage::Format_ARGB32_Premultiplied);
-        image_.fill(Qt::transparent);
-        QPainter picture(&image_);
-        // The renderer starts from the painter's state as it would on the window.
-        picture.setRenderHints(painter.renderHints());
-        picture.setPen(painter.pen());
-        picture.setBrush(painter.brush());
-        picture.setFont(painter.font());
-        picture.setBackground(painter.background());
-        picture.setBackgroundMode(painter.backgroundMode());
-        picture.translate(-rect.topLeft());
-        renderer.Draw(picture, array);
-        picture.end();
-        state_ = renderer.GetDrawState();
+        Render(painter, rect, rect, renderer, array, nullptr);
         key_ = key;
     } else {
         renderer.SetDrawState(state_);
     }
-    painter.drawImage(rect.topLeft(), image_);
+    painter.drawImage(area_.topLeft(), image_);
+}
+
+void FigurePicture::DrawOverlay(QPainter& painter, const QRect& rect, const std::function<void(QPainter&)>& overlay) {
+    painter.save();
+    painter.setClipRect(OverlayRect(rect), painter.hasClipping() ? Qt::IntersectClip : Qt::ReplaceClip);
+    overlay(painter);
+    painter.restore();
+}
+
+void FigurePicture::Draw(QPainter& painter, const QRect& rect, pf::PointData& renderer, fxDataPointArray* array,
+                         bool selected, unsigned generation, const QByteArray& overlayKey,
+                         const std::function<void(QPainter&)>& overlay) {
+    // The overlay is clipped alike whether it is drawn directly or kept in the picture.
+    const auto drawOverlay = [&overlay, &rect](QPainter& p) { DrawOverlay(p, rect, overlay); };
+    if (!Usable(painter, rect, renderer, array, selected)) {
+        Clear();
+        painter.save();
+        painter.setClipRect(rect);
+        renderer.Draw(painter, array);
+        painter.restore();
+        drawOverlay(painter);
+        return;
+    }
+    QByteArray key = Key(painter, rect, renderer, array, generation);
+    key.append('S');
+    key.append(overlayKey);
+    if (key != key_ || image_.isNull()) {
+        // The margin reaches only as far as the painter can paint.
+        const QTransform& t = painter.transform();
+        const QPaintDevice* device = painter.device();
+        QRect area = OverlayRect(rect);
+        if (device) {
+            const QRect reach = QRect(0, 0, device->width(), device->height()).translated(-int(t.dx()), -int(t.dy()));
+            area = area.intersected(reach.united(rect));
+        }
+        const std::function<void(QPainter&)> clipped = drawOverlay;
+        Render(painter, rect, area, renderer, array, &clipped);
+        key_ = key;
+    } else {
+        renderer.SetDrawState(state_);
+    }
+    painter.drawImage(area_.topLeft(), image_);
 }
 
 }  // namespace gx

@@ -10,6 +10,8 @@
 // the next; so is a paint through a painter that scales, rotates, blends or antialiases
 // (the chart's own painters do none of these; a blended copy could differ in the last bit).
 //
+// A line's studies join the picture while none is being placed or moved (see Line::Draw).
+//
 // The picture is drawn from the painter's own state into a transparent image and blitted
 // at whole pixels, so the window looks exactly as when drawn directly.
 #pragma once
@@ -17,6 +19,7 @@
 #include <QByteArray>
 #include <QImage>
 #include <QRect>
+#include <functional>
 
 #include "data/PointData.h"
 
@@ -32,18 +35,40 @@ public:
     // replaced.
     void Draw(QPainter& painter, const QRect& rect, pf::PointData& renderer, fxDataPointArray* array,
               bool selected, unsigned generation);
+    // The same, with `overlay` drawn over the figures (the line's studies), clipped to
+    // OverlayRect(rect). `overlayKey` names everything the overlay reads; the picture then
+    // holds the overlay too.
+    void Draw(QPainter& painter, const QRect& rect, pf::PointData& renderer, fxDataPointArray* array,
+              bool selected, unsigned generation, const QByteArray& overlayKey,
+              const std::function<void(QPainter&)>& overlay);
+    // Where an overlay may draw: the rectangle and kOverlayMargin pixels around it, room for
+    // the markers of a selected study at the rectangle's edge.
+    static QRect OverlayRect(const QRect& rect) {
+        return rect.adjusted(-kOverlayMargin, -kOverlayMargin, kOverlayMargin, kOverlayMargin);
+    }
+    // Draws an overlay of `rect` directly, clipped as in a picture.
+    static void DrawOverlay(QPainter& painter, const QRect& rect, const std::function<void(QPainter&)>& overlay);
     // Forgets the picture.
     void Clear();
+
+    static constexpr int kOverlayMargin = 8;
 
     // Pictures are kept unless switched off (tests compare both ways).
     static void SetEnabled(bool enabled);
     static bool Enabled();
 
 private:
+    // Whether the picture can stand for drawing directly through this painter.
+    bool Usable(const QPainter& painter, const QRect& rect, const pf::PointData& renderer,
+                const fxDataPointArray* array, bool selected) const;
+    // Draws the figures, then the overlay if there is one, into a new picture covering `area`.
+    void Render(const QPainter& painter, const QRect& rect, const QRect& area, pf::PointData& renderer,
+                fxDataPointArray* array, const std::function<void(QPainter&)>* overlay);
     QByteArray Key(const QPainter& painter, const QRect& rect, const pf::PointData& renderer,
                    const fxDataPointArray* array, unsigned generation) const;
 
     QImage image_;
+    QRect area_;  // where the picture goes, in the painter's coordinates
     QByteArray key_;
     pf::PointData::DrawState state_{};
 };

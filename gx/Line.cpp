@@ -62,7 +62,19 @@ int Line::GetIndex() const { return indicator_ ? IndexOf(indicator_->GetLines(),
 
 void Line::Draw(QPainter& painter) const {
     if (Size() < 1 || !renderer_) return;
-    picture_->Draw(painter, rect_, *renderer_, array_, IsSelected(), generation_);
+    // The studies go into the line's picture with its figures while none of them is being
+    // placed or moved; one that is follows the mouse and is drawn afresh each time.
+    QByteArray studiesKey;
+    bool keepStudies = !studies_.empty();
+    for (const boost::shared_ptr<LineStudy>& study : studies_)
+        if (!(keepStudies = study->AppendDrawKey(studiesKey))) break;
+    const auto drawStudies = [this](QPainter& p) {
+        for (const boost::shared_ptr<LineStudy>& study : studies_) study->Draw(p);
+    };
+    if (keepStudies)
+        picture_->Draw(painter, rect_, *renderer_, array_, IsSelected(), generation_, studiesKey, drawStudies);
+    else
+        picture_->Draw(painter, rect_, *renderer_, array_, IsSelected(), generation_);
     // The caption shows the colour of the last line drawn in the area.
     Layer* layer = indicator_ ? indicator_->GetLayer() : nullptr;
     Area* area = layer ? layer->GetArea() : nullptr;
@@ -70,7 +82,8 @@ void Line::Draw(QPainter& painter) const {
         area->GetCaption()->SetCaptionColor(QColor(static_cast<QRgb>(array_->typeShow.color0)));
         area->GetCaption()->UpdateButtonColor();
     }
-    for (const boost::shared_ptr<LineStudy>& study : studies_) study->Draw(painter);
+    // Clipped as in the picture, so that a study looks the same either way.
+    if (!keepStudies && !studies_.empty()) FigurePicture::DrawOverlay(painter, rect_, drawStudies);
 }
 
 void Line::Resize(const QSize& size) {

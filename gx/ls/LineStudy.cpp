@@ -179,6 +179,7 @@ PFChartWidget* LineStudy::GetWidget() const {
 }
 
 int LineStudy::Send(void* target, unsigned int message, std::intptr_t p1, std::intptr_t p2) const {
+    ++exchanges_;
     const CModule* module = Module();
     if (!module || !module->sendToHost) return -1;
     return module->sendToHost(target, message, p1, p2);
@@ -187,6 +188,7 @@ int LineStudy::Send(void* target, unsigned int message, std::intptr_t p1, std::i
 void* LineStudy::GetHandle() const { return reinterpret_cast<void*>(static_cast<std::intptr_t>(id_)); }
 
 void LineStudy::SyncRecord() {
+    ++exchanges_;
     cps_.inCount = static_cast<std::int32_t>(in_.size());
     cps_.in = in_.empty() ? nullptr : in_.data();
     cps_.outCount = static_cast<std::int32_t>(out_.size());
@@ -219,6 +221,7 @@ void LineStudy::UpdateCPCount(int count) {
 }
 
 void LineStudy::FreeMem() {
+    ++exchanges_;
     shapes_.clear();
     blocks_.clear();
     sizes_.clear();
@@ -413,6 +416,37 @@ void LineStudy::Draw(QPainter& painter) const {
         painter.restore();
     }
     if ((state_ & StateMoving) && tempDraw_) painter.drawPicture(0, 0, *tempDraw_);
+}
+
+std::uint64_t LineStudy::NextSerial() {
+    static std::uint64_t serial = 0;
+    return ++serial;
+}
+
+namespace {
+template <typename T>
+void AppendValue(QByteArray& key, const T& value) {
+    key.append(reinterpret_cast<const char*>(&value), int(sizeof value));
+}
+}  // namespace
+
+bool LineStudy::AppendDrawKey(QByteArray& key) const {
+    if ((state_ & (StateCreating | StateMoving | StateNewPoint)) || tempDraw_) return false;
+    AppendValue(key, serial_);
+    AppendValue(key, exchanges_);
+    AppendValue(key, engine_.get());
+    AppendValue(key, rect_);
+    AppendValue(key, state_);
+    AppendValue(key, selected_);
+    AppendValue(key, placed_);
+    AppendValue(key, color_);
+    AppendValue(key, cps_.shapeCount);
+    AppendValue(key, in_.size());
+    AppendValue(key, out_.size());
+    // The points are the study's own and may be changed in place between exchanges.
+    if (!in_.empty()) key.append(reinterpret_cast<const char*>(in_.data()), int(in_.size() * sizeof(lsPointShape)));
+    if (!out_.empty()) key.append(reinterpret_cast<const char*>(out_.data()), int(out_.size() * sizeof(lsPointShape)));
+    return true;
 }
 
 bool LineStudy::PtInLS(const QPoint& point) const {

@@ -13,6 +13,7 @@
 // what it allocated.
 #pragma once
 
+#include <QByteArray>
 #include <QObject>
 #include <QPicture>
 #include <QString>
@@ -179,6 +180,11 @@ public:
     void RestorePoints(const std::vector<lsPointShape>& points);
 
     // The picture drawn while the study is dragged; null when none.
+    // Appends to `key` everything Draw reads of this study, for a line that keeps a picture of
+    // its figures and studies. False while the study is being placed or moved: it then
+    // changes with every mouse move and is drawn directly.
+    bool AppendDrawKey(QByteArray& key) const;
+
     QPicture* GetTempDraw() const { return tempDraw_; }
     void SetTempDraw(QPicture* picture);
     void ReleaseTempDraw();
@@ -241,6 +247,13 @@ private:
     std::vector<std::vector<char> > blocks_;
     std::unique_ptr<lsControlPointsShapesWrap> snapshot_;
     QPicture* tempDraw_ = nullptr;
+    // Which study this is, for picture keys (an address may be taken again by a later one).
+    const std::uint64_t serial_ = NextSerial();
+    // Counts exchanges with the host and rebuilds of the shape table: the host writes the
+    // shapes and their data only during an exchange, so an unchanged count means unchanged
+    // shapes.
+    mutable std::uint64_t exchanges_ = 0;
+    static std::uint64_t NextSerial();
 };
 
 }  // namespace gx

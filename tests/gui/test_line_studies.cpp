@@ -14,6 +14,7 @@
 #include "FakeLsProvider.h"
 #include "RecordingPaintDevice.h"
 #include "data/ScaleEngine.h"
+#include "gx/FigurePicture.h"
 #include "gx/Indicator.h"
 #include "gx/Layer.h"
 #include "gx/Line.h"
@@ -346,6 +347,63 @@ TEST_F(LineStudies, DraggedWholeOrByOnePointAndNeverLeftOfCandleZero) {
     EXPECT_EQ(study->GetInPoints()[1].index, 20);
     EXPECT_NEAR(study->GetInPoints()[1].value, Engine().UnTranslateY(At(20, 1.02f).y()), 1e-5);
     (void)placed;
+}
+
+// The studies of a line are kept in the line's picture while none is being placed or moved:
+// the window must look exactly as when every study is drawn straight onto it, before and
+// after the studies change through the mouse and the host.
+TEST_F(LineStudies, KeptPicturesOfStudiesLookExactlyAsDrawnDirectly) {
+    const auto paint = [this](bool pictures) {
+        gx::FigurePicture::SetEnabled(pictures);
+        QImage image(widget->size(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        widget->Draw(painter, true);
+        painter.end();
+        gx::FigurePicture::SetEnabled(true);
+        return image;
+    };
+    // The paint with pictures comes first: drawing directly forgets the picture.
+    const auto same = [&paint](const char* when) {
+        const QImage kept = paint(true);
+        const QImage direct = paint(false);
+        EXPECT_EQ(kept, direct) << when << ": a picture kept from before the change";
+        EXPECT_EQ(paint(true), direct) << when << ": a picture made anew";
+    };
+    // Prices inside the figures' range, so that no change below moves the scale: only the
+    // studies change.
+    const float low = Engine().GetMinPrice(), high = Engine().GetMaxPrice();
+    const auto price = [low, high](double f) { return float(low + (high - low) * f); };
+    ASSERT_TRUE(Place("Line", {At(2, price(0.3)), At(12, price(0.6))}));
+    ASSERT_TRUE(Place("HLine", {At(5, price(0.5))}));
+    const int last = Line().Size() - 1;
+    // The study placed last is selected: at the right edge its markers stand out of the area.
+    const boost::shared_ptr<LineStudy> edge = Place("Line", {At(last - 3, price(0.4)), At(last, price(0.7))});
+    ASSERT_TRUE(edge && edge->IsSelected());
+    same("placed");
+    QImage before = paint(true);
+    edge->Select(false);
+    same("deselected");
+    EXPECT_NE(paint(true), before);
+    // Dragged by a point: the moving study is drawn afresh, and kept again once released.
+    const boost::shared_ptr<LineStudy> first = Study(0);
+    before = paint(true);
+    const QPoint marker = At(12, first->GetInPoints()[1].value);
+    Mouse(QEvent::MouseButtonPress, marker);
+    Mouse(QEvent::MouseMove, marker);
+    Mouse(QEvent::MouseMove, At(9, price(0.55)));
+    same("while dragged");
+    Mouse(QEvent::MouseButtonRelease, At(9, price(0.55)));
+    same("released");
+    EXPECT_NE(paint(true), before);
+    // The host recolours a study's shapes in an exchange of its own.
+    before = paint(true);
+    provider.studies[first->GetId()].color = 0xC00000;
+    first->Refresh(false);
+    same("recoloured by the host");
+    EXPECT_NE(paint(true), before);
+    edge->Delete();
+    same("one deleted");
 }
 
 TEST_F(LineStudies, ChannelMarkersOfPointsOneAndThreeSitMidwayOnTheirLines) {

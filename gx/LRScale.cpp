@@ -186,7 +186,7 @@ QByteArray LRScale::Key(const QPainter& painter, const QColor& pen, int labelHei
     PictureCache::Append(key, rect_);
     PictureCache::Append(key, background_.rgba64());
     PictureCache::Append(key, pen.rgba64());
-    key.append(font_.key().toUtf8()).append('\0');
+    key.append(measure_.key).append('\0');
     PictureCache::Append(key, labelHeight);
     // What the labels read of the range.
     PictureCache::Append(key, range.minPrice);
@@ -205,6 +205,20 @@ QByteArray LRScale::Key(const QPainter& painter, const QColor& pen, int labelHei
     return key;
 }
 
+int LRScale::LabelHeight(const QPainter& painter) const {
+    QPaintDevice* device = painter.device();
+    const int dpiX = device->logicalDpiX(), dpiY = device->logicalDpiY();
+    if (measure_.key.isEmpty() || dpiX != measure_.dpiX || dpiY != measure_.dpiY || !(font_ == measure_.font) ||
+        font_.resolve() != measure_.font.resolve()) {
+        measure_.font = font_;
+        measure_.dpiX = dpiX;
+        measure_.dpiY = dpiY;
+        measure_.labelHeight = QFontMetrics(font_, device).height();
+        measure_.key = font_.key().toUtf8();
+    }
+    return measure_.labelHeight;
+}
+
 void LRScale::Draw(QPainter& painter, const FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine,
                    const boost::shared_ptr<Area>&) const {
     if (!visible_) return;
@@ -217,7 +231,7 @@ void LRScale::Draw(QPainter& painter, const FindMinMax& range, const boost::shar
         painter.restore();
         return;
     }
-    const int labelHeight = QFontMetrics(font_, painter.device()).height();
+    const int labelHeight = LabelHeight(painter);
     // Glyphs reach at most about a label's height past the column.
     QMargins around;
     if (!PictureCache::Surround(painter, rect_, 2 * labelHeight + 8, &around)) {

@@ -63,6 +63,8 @@ private:
                     const pf::ScaleEngine* engine) const;
     QByteArray Key(const QPainter& painter, const QColor& pen, int labelHeight, const FindMinMax& range,
                    const pf::ScaleEngine* engine) const;
+    // The label height of the scale's font on the painter's device.
+    int LabelHeight(const QPainter& painter) const;
 
     PFChartWidget* widget_;
     QRect rect_;
@@ -73,6 +75,16 @@ private:
     mutable TextCache labels_;
     // Drawn columns, one per area and state.
     mutable PictureCache pictures_;
+    // The font's key and label height, worked out again only when the font or the device's
+    // resolution changes: on most paints they are all that changes nothing.
+    struct FontMeasure {
+        QFont font;
+        int dpiX = 0;
+        int dpiY = 0;
+        int labelHeight = 0;
+        QByteArray key;
+    };
+    mutable FontMeasure measure_;
 };
 
 }  // namespace gx

@@ -82,6 +82,15 @@ bool FigurePicture::Usable(const QPainter& painter, const QRect& rect, const pf:
            !painter.testRenderHint(QPainter::Antialiasing);
 }
 
+void FigurePicture::DrawDirectly(QPainter& painter, const QRect& rect, pf::PointData& renderer,
+                                 fxDataPointArray* array) {
+    Clear();
+    painter.save();
+    painter.setClipRect(rect);
+    renderer.Draw(painter, array);
+    painter.restore();
+}
+
 void FigurePicture::Render(const QPainter& painter, const QRect& rect, const QRect& area, pf::PointData& renderer,
                            fxDataPointArray* array, const std::function<void(QPainter&)>* overlay) {
     image_ = QImage(area.size(), QImage::Format_ARGB32_Premultiplied);
@@ -112,11 +121,7 @@ void FigurePicture::Render(const QPainter& painter, const QRect& rect, const QRe
 void FigurePicture::Draw(QPainter& painter, const QRect& rect, pf::PointData& renderer, fxDataPointArray* array,
                          bool selected, unsigned generation) {
     if (!Usable(painter, rect, renderer, array, selected)) {
-        Clear();
-        painter.save();
-        painter.setClipRect(rect);
-        renderer.Draw(painter, array);
-        painter.restore();
+        DrawDirectly(painter, rect, renderer, array);
         return;
     }
     const QByteArray key = Key(painter, rect, renderer, array, generation);
@@ -142,11 +147,7 @@ void FigurePicture::Draw(QPainter& painter, const QRect& rect, pf::PointData& re
     // The overlay is clipped alike whether it is drawn directly or kept in the picture.
     const auto drawOverlay = [&overlay, &rect](QPainter& p) { DrawOverlay(p, rect, overlay); };
     if (!Usable(painter, rect, renderer, array, selected)) {
-        Clear();
-        painter.save();
-        painter.setClipRect(rect);
-        renderer.Draw(painter, array);
-        painter.restore();
+        DrawDirectly(painter, rect, renderer, array);
         drawOverlay(painter);
         return;
     }

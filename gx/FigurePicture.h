@@ -61,6 +61,8 @@ private:
     // Whether the picture can stand for drawing directly through this painter.
     bool Usable(const QPainter& painter, const QRect& rect, const pf::PointData& renderer,
                 const fxDataPointArray* array, bool selected) const;
+    // Forgets the picture and draws the figures straight through the painter.
+    void DrawDirectly(QPainter& painter, const QRect& rect, pf::PointData& renderer, fxDataPointArray* array);
     // Draws the figures, then the overlay if there is one, into a new picture covering `area`.
     void Render(const QPainter& painter, const QRect& rect, const QRect& area, pf::PointData& renderer,
                 fxDataPointArray* array, const std::function<void(QPainter&)>* overlay);

@@ -11,6 +11,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include "PfhostProcess.h"
 #include "ModuleHostTest.h"
 #include "host/DataCore.h"
 #include "host/Emulator.h"
@@ -23,8 +24,8 @@ class PfhostStudies : public ModuleHostTest {
 protected:
     void SetUp() override {
         ASSERT_TRUE(work.isValid());
-        pfhost = QFileInfo(QStringLiteral(PF_MODULE_PATH)).dir().filePath(QStringLiteral("pfhost"));
-        if (!QFileInfo::exists(pfhost)) GTEST_SKIP() << "pfhost is not built";
+        pfhost = PfhostBeside(QStringLiteral(PF_MODULE_PATH));
+        if (pfhost.isEmpty()) GTEST_SKIP() << "pfhost is not built";
         Start();
         // The columns the program's window shows: the same chart made here.
         void* widget = emulator->charts().create(host::data::ChartType::PointAndFigure);
@@ -41,14 +42,10 @@ protected:
         return QStringLiteral("%1,%2").arg(columns[i].time).arg(double(columns[i].value) + offset, 0, 'f', 4);
     }
     QString Run(const QStringList& extra, int* status) {
-        QProcess p;
-        p.setProcessEnvironment(QProcessEnvironment::systemEnvironment());
-        p.start(pfhost, QStringList{"chart", "--data", "USDCHF", "--type", "pf", "--size", "800x500", "--out",
-                                    work.filePath("s.png")} +
-                            extra);
-        p.waitForFinished(60000);
-        *status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-        return QString::fromUtf8(p.readAllStandardOutput() + p.readAllStandardError());
+        return RunPfhost(pfhost,
+                         QStringList{"chart", "--data", "USDCHF", "--type", "pf", "--size", "800x500", "--out",
+                                     work.filePath("s.png")} + extra,
+                         status);
     }
     // The "ObjectName" of every "LineStudy" node of a saved layout, in order.
     static QStringList StudiesIn(const QString& path) {

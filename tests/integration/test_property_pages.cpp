@@ -15,6 +15,7 @@
 #include <QTemporaryDir>
 #include <cstring>
 
+#include "PfhostProcess.h"
 #include "ModuleHostTest.h"
 #include "host/ChartLayouts.h"
 #include "host/ChartWindows.h"
@@ -252,17 +253,13 @@ TEST_F(PropertyPages, PagesTheWindowDidNotHandOverChangeNothing) {
 }
 
 TEST_F(PropertyPages, PfhostSetsEntriesOfThePropertyPage) {
-    const QString pfhost = QFileInfo(QStringLiteral(PF_MODULE_PATH)).dir().filePath(QStringLiteral("pfhost"));
-    if (!QFileInfo::exists(pfhost)) GTEST_SKIP() << "pfhost is not built";
+    const QString pfhost = PfhostBeside(QStringLiteral(PF_MODULE_PATH));
+    if (pfhost.isEmpty()) GTEST_SKIP() << "pfhost is not built";
     auto run = [&](const QStringList& extra, int* status) {
-        QProcess p;
-        p.setProcessEnvironment(QProcessEnvironment::systemEnvironment());
-        p.start(pfhost, QStringList{"chart", "--data", "USDCHF", "--type", "pf", "--size", "640x400", "--out",
-                                    work.filePath("p.png")} +
-                            extra);
-        p.waitForFinished(30000);
-        *status = p.exitCode();
-        return QString::fromUtf8(p.readAllStandardOutput() + p.readAllStandardError());
+        return RunPfhost(pfhost,
+                         QStringList{"chart", "--data", "USDCHF", "--type", "pf", "--size", "640x400", "--out",
+                                     work.filePath("p.png")} + extra,
+                         status, 30000);
     };
     int status = -1;
     QString out = run({"--property", "Grid color=255,0,0", "--property", "Right scale=0"}, &status);

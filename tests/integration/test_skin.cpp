@@ -16,6 +16,7 @@
 #include <set>
 #include <vector>
 
+#include "PfhostProcess.h"
 #include "ModuleHostTest.h"
 #include "host/ChartWindows.h"
 #include "host/Emulator.h"
@@ -200,8 +201,8 @@ TEST_F(SkinWindow, AnOpenPropertyDialogShowsTheSkinAndItsApplyKeepsIt) {
 }
 
 TEST_F(SkinWindow, PfhostLoadsSkinsInTheOrderGivenAndTheLastOneIsTheLook) {
-    const QString pfhost = QFileInfo(QStringLiteral(PF_MODULE_PATH)).dir().filePath(QStringLiteral("pfhost"));
-    if (!QFileInfo::exists(pfhost)) GTEST_SKIP() << "pfhost is not built";
+    const QString pfhost = PfhostBeside(QStringLiteral(PF_MODULE_PATH));
+    if (pfhost.isEmpty()) GTEST_SKIP() << "pfhost is not built";
     QTemporaryDir dir;
     const QString olive = dir.filePath(QStringLiteral("olive.xml"));
     {
@@ -214,12 +215,7 @@ TEST_F(SkinWindow, PfhostLoadsSkinsInTheOrderGivenAndTheLastOneIsTheLook) {
     auto run = [&](const QStringList& skins, int* status) {
         QStringList args{"chart", "--data", "USDCHF", "--type", "pf", "--size", "700x450", "--out", picture};
         for (const QString& s : skins) args << "--skin" << s;
-        QProcess p;
-        p.setProcessEnvironment(QProcessEnvironment::systemEnvironment());
-        p.start(pfhost, args);
-        p.waitForFinished(30000);
-        *status = p.exitCode();
-        return QString::fromUtf8(p.readAllStandardOutput() + p.readAllStandardError());
+        return RunPfhost(pfhost, args, status, 30000);
     };
     const std::set<QRgb> darkAreas{qRgb(30, 33, 40), qRgb(58, 63, 74)};
     const std::set<QRgb> oliveAreas{qRgb(90, 110, 20), qRgb(120, 140, 40)};

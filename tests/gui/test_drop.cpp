@@ -1,8 +1,6 @@
-// Drag and drop onto the chart window: which drags are offered the window, what a drop asks
-// the host, and the replace-instrument question answered both ways.
-#include <QAbstractButton>
+// Drag and drop onto the chart window: which drags are offered the window and what a drop
+// asks the host.
 #include <QDragEnterEvent>
-#include <QMessageBox>
 #include <QMimeData>
 
 #include "ChartWindowFixture.h"
@@ -35,22 +33,6 @@ struct Drop : ChartWindowFixture {
             out << area->GetLayers()[0]->GetIndicators()[0]->GetDataSource()->GetBaseName();
         return out;
     }
-    // Answers the question with the button labelled `key`, noting what it showed.
-    void Answer(const QString& key) {
-        AnswerModal([this, key](QWidget* modal) {
-            QMessageBox* box = qobject_cast<QMessageBox*>(modal);
-            if (!box) return;
-            shown = box->text();
-            pendingWhileOpen = widget->IsReplacePending();
-            for (QAbstractButton* button : box->buttons()) {
-                buttons << button->text();
-                if (button->text() == key) button->click();
-            }
-        });
-    }
-    QString shown;
-    QStringList buttons;
-    bool pendingWhileOpen = false;
 };
 
 }  // namespace
@@ -87,23 +69,4 @@ TEST_F(Drop, DescribedInstrumentBecomesAnAreaAndAnythingElseChangesNothing) {
     EXPECT_FALSE(Drag(QEvent::Drop, text));
     EXPECT_TRUE(host.calls().empty());
     EXPECT_EQ(Instruments(), QStringList{"EURUSD"});
-}
-
-TEST_F(Drop, QuestionAddsOnNoAndReplacesOnYes) {
-    Show("EURUSD");
-    Serve("USDCHF");
-    Serve("GBPUSD");
-
-    Answer("C0077");  // No
-    DropInstrument("USDCHF");
-    EXPECT_EQ(shown, "C0111Message");
-    buttons.sort();
-    EXPECT_EQ(buttons, (QStringList{"C0077", "C0078"}));
-    EXPECT_TRUE(pendingWhileOpen);
-    EXPECT_FALSE(widget->IsReplacePending());
-    EXPECT_EQ(Instruments(), (QStringList{"EURUSD", "USDCHF"}));
-
-    Answer("C0078");  // Yes
-    DropInstrument("GBPUSD");
-    EXPECT_EQ(Instruments(), QStringList{"GBPUSD"});
 }

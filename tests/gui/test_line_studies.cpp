@@ -1,13 +1,12 @@
 // Line studies in a chart window, in-process against a fake line-study provider: creation and
 // its failures, placing by mouse with the rubber band, the state machine, dragging (a whole
 // move left of candle 0 refused), points beyond the last candle, the polyline's double clicks,
-// Escape, the context menu's delete and hostile answers of the host.
+// the context menu's delete and hostile answers of the host.
 #include <QApplication>
 #include <QMenu>
 #include <QMimeData>
 #include <QDropEvent>
 #include <QMouseEvent>
-#include <QKeyEvent>
 #include <stdexcept>
 
 #include "ChartWindowFixture.h"
@@ -85,23 +84,6 @@ struct LineStudies : ChartWindowFixture {
         return std::vector<QLine>(lines.begin(), lines.end());
     }
 };
-
-TEST_F(LineStudies, CreationAsksTheHostForIdTitleSizesAndShapes) {
-    const boost::shared_ptr<LineStudy> study = widget->StartLineStudy(MiddleOfArea(0), provider.handle(), "Line", 0xFF, false);
-    ASSERT_TRUE(study);
-    const std::vector<unsigned int> expected = {MSG_LS_CREATE_OBJECT, MSG_LS_TITLE, MSG_LS_ATTACH, MSG_LS_FOCUS,
-                                                MSG_LS_SHAPE_SIZES, MSG_LS_GET_LIST_CONTROLPOINTER};
-    std::vector<unsigned int> seen;
-    for (unsigned int m : host.messages())
-        if (std::find(expected.begin(), expected.end(), m) != expected.end() && std::find(seen.begin(), seen.end(), m) == seen.end())
-            seen.push_back(m);
-    EXPECT_EQ(seen, expected);
-    EXPECT_EQ(study->GetState(), LineStudy::StateCreating);
-    EXPECT_EQ(study->GetTitle(), QStringLiteral("Line"));
-    EXPECT_EQ(study->GetCPCount(), 2);
-    EXPECT_EQ(study->GetShapeCount(), 1);
-    EXPECT_TRUE(study->IsSelected());
-}
 
 TEST_F(LineStudies, HostFailuresAtCreationAreRefusedAndTheChartGoesOn) {
     provider.zeroId = true;
@@ -495,21 +477,6 @@ TEST_F(LineStudies, PolyLineDoubleClicksFinishDeleteAndInsertPoints) {
     EXPECT_EQ(poly->GetInPoints()[1].m_typePoint, LS_POINT_PLACED);
     EXPECT_EQ(poly->GetInPoints()[2].m_typePoint, LS_POINT_LAST);
     EXPECT_EQ(poly->GetInPoints()[2].index, 12);
-}
-
-TEST_F(LineStudies, EscapeCancelsAStudyBeingPlaced) {
-    provider.tool = "Line";
-    Click(At(10, 1.01f));
-    ASSERT_TRUE(Study());
-    host.clear();
-    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
-    QApplication::sendEvent(widget.get(), &escape);
-    EXPECT_TRUE(Line().GetLineStudies().empty());
-    EXPECT_FALSE(host.find(MSG_LS_END_DRAWING).empty());
-    // The host's study is not deleted: the drawing mode ends and the chart forgets it.
-    EXPECT_TRUE(host.find(MSG_LS_DELETE).empty());
-    EXPECT_TRUE(host.find(MSG_LS_DETACH).empty());
-    EXPECT_EQ(widget->cursor().shape(), Qt::ArrowCursor);
 }
 
 TEST_F(LineStudies, ContextMenuDeletesTheStudyInTheHost) {

@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QWidget>
 
@@ -209,11 +210,17 @@ TEST_F(ChartUse, PrintingWritesAPageWithOnlyTheFooter) {
     void* renko = Window(ChartType::Renko, {"USDCHF"});
     const QString pdf = dir.filePath("page.pdf");
     Dialogs().setPrinting(DialogAnswerer::Printing::Accept, pdf);
+    const QSize size = Charts().chartWidget(renko)->size();
     ASSERT_EQ(Charts().print(renko), 0);
+    EXPECT_EQ(Charts().chartWidget(renko)->size(), size) << "laid out for the page and back";
     ASSERT_EQ(Dialogs().answers().size(), 1u);
     EXPECT_EQ(Dialogs().answers()[0].kind, DialogAnswerer::Answer::Print);
     ASSERT_TRUE(QFileInfo(pdf).isFile());
     EXPECT_EQ(Run("pdftotext", {pdf, "-"}).trimmed().toStdString(), "Printing by KOVAR");
+    const QRegularExpressionMatch page =
+        QRegularExpression(QStringLiteral("Page size:\\s+([\\d.]+) x ([\\d.]+)")).match(Run("pdfinfo", {pdf}));
+    ASSERT_TRUE(page.hasMatch());
+    EXPECT_GT(page.captured(1).toDouble(), page.captured(2).toDouble()) << "landscape";
 
     Dialogs().setPrinting(DialogAnswerer::Printing::Reject);
     EXPECT_EQ(Charts().print(renko), 0);

@@ -1,7 +1,9 @@
-// Line studies in saved layouts and on the undo stack, in-process against the emulator's
-// work-data store with a fake line-study provider: "LineStudy" and "ControlPoint" nodes
-// written and read back into a fresh window with the same picture, a move undone to the
-// exact times and prices, and deleted studies (alone or with their line) brought back.
+// Line studies in saved layouts and undo commands, in-process against the emulator's
+// work-data store with a fake line-study provider; the host's undo stack is played by a small
+// stand-in for 3138/3139 that keeps every record in memory. "LineStudy" and "ControlPoint"
+// nodes written and read back into a fresh window with the same picture, a move undone to the
+// exact times and prices, deleted studies (alone or with their line) and a deleted area
+// brought back.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -82,9 +84,9 @@ struct LineStudyLayout : ::testing::Test {
         widget->resize(900, 600);
         return widget;
     }
-    void AddData(PFChartWidget& widget) {
+    void AddData(PFChartWidget& widget, const char* instrument = "USDCHF") {
         fxwcDropInstrument drop;
-        ASSERT_TRUE(emulator->charts().dropRecord("USDCHF", std::nullopt, &drop));
+        ASSERT_TRUE(emulator->charts().dropRecord(instrument, std::nullopt, &drop));
         ASSERT_TRUE(widget.AddSecondaryPrimitive(drop.baseHandle, drop.symbol, "", drop.periodType, drop.periodLength,
                                                  0, nullptr, 0));
         // The newest data in view, with the free columns after it.
@@ -122,9 +124,33 @@ struct LineStudyLayout : ::testing::Test {
         study->Select(false);
         return study;
     }
+    // Undoes `record` with the command `code`; the refresh answer names the record.
     void Undo(int code, const coreUndoStart& record, PFChartWidget& widget) {
         coreUndoRefresh result{};
         CommandFactory::Instance().Create(code)->UnExecute(0, &widget, const_cast<coreUndoStart*>(&record), &result, nullptr);
+        // Packed records: their fields are compared by value.
+        const std::uint32_t first = result.first, third = result.third, document = record.document, node = record.node;
+        void* const fourth = result.fourth;
+        void* const owner = record.widget;
+        EXPECT_EQ(first, document);
+        EXPECT_EQ(third, node);
+        EXPECT_EQ(fourth, owner);
+    }
+    // A price `f` of the way up the first area's range.
+    static float Price(PFChartWidget& widget, float f) {
+        const pf::ScaleEngine& e = *widget.GetChart()->GetAreas()[0]->GetEngine();
+        return e.GetMinPrice() + (e.GetMaxPrice() - e.GetMinPrice()) * f;
+    }
+    // The pixel of the first line's column `fromEnd` columns before its last, at `price`.
+    static QPoint At(PFChartWidget& widget, int fromEnd, float price) {
+        const gx::Line& line = *FirstLine(widget);
+        return QPoint(gx::util::LsBase::CalcX(line.GetEngine(), line.Size() - 1 - fromEnd), line.GetEngine()->TranslateY(price));
+    }
+    // A left-button event at `at` (a move with no button changed, a release with none held).
+    static void Mouse(PFChartWidget& widget, QEvent::Type type, const QPoint& at) {
+        QMouseEvent event(type, at, widget.mapToGlobal(at), type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&widget, &event);
     }
     static std::vector<std::tuple<int, int, int, float> > Points(const LineStudy& study) {
         std::vector<std::tuple<int, int, int, float> > out;
@@ -137,9 +163,7 @@ TEST_F(LineStudyLayout, EveryStudySavedAndRestoredInAFreshWindowWithTheSamePictu
     std::unique_ptr<PFChartWidget> first = Window();
     AddData(*first);
     const gx::Line& line = *FirstLine(*first);
-    const float low = first->GetChart()->GetAreas()[0]->GetEngine()->GetMinPrice();
-    const float high = first->GetChart()->GetAreas()[0]->GetEngine()->GetMaxPrice();
-    auto price = [&](float f) { return low + (high - low) * f; };
+    auto price = [&](float f) { return Price(*first, f); };
     ASSERT_TRUE(Make(*first, "HLine", {{20, price(0.5f)}}));
     ASSERT_TRUE(Make(*first, "VLine", {{40, price(0.5f)}}));
     ASSERT_TRUE(Make(*first, "Line", {{80, price(0.2f)}, {-3, price(0.8f)}}));  // the second beyond the data
@@ -203,29 +227,18 @@ TEST_F(LineStudyLayout, EveryStudySavedAndRestoredInAFreshWindowWithTheSamePictu
 TEST_F(LineStudyLayout, AMoveIsUndoneToTheExactTimesAndPrices) {
     std::unique_ptr<PFChartWidget> widget = Window();
     AddData(*widget);
-    const pf::ScaleEngine& e = *widget->GetChart()->GetAreas()[0]->GetEngine();
-    auto price = [&](float f) { return e.GetMinPrice() + (e.GetMaxPrice() - e.GetMinPrice()) * f; };
-    const boost::shared_ptr<LineStudy> study = Make(*widget, "Line", {{40, price(0.3f)}, {20, price(0.5f)}});
+    PFChartWidget& w = *widget;
+    const boost::shared_ptr<LineStudy> study = Make(w, "Line", {{40, Price(w, 0.3f)}, {20, Price(w, 0.5f)}});
     ASSERT_TRUE(study);
     const auto before = Points(*study);
-    const gx::Line& line = *FirstLine(*widget);
-    const pf::ScaleEngine& engine = *line.GetEngine();
-    auto at = [&](int fromEnd, float price) {
-        return QPoint(gx::util::LsBase::CalcX(line.GetEngine(), line.Size() - 1 - fromEnd), engine.TranslateY(price));
-    };
-    const QPoint middle = at(30, price(0.4f));
+    const QPoint middle = At(w, 30, Price(w, 0.4f));
     ASSERT_TRUE(study->PtInLS(middle));
-    auto mouse = [&](QEvent::Type type, const QPoint& p) {
-        QMouseEvent event(type, p, widget->mapToGlobal(p), type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
-                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(widget.get(), &event);
-    };
-    mouse(QEvent::MouseButtonPress, middle);
+    Mouse(w, QEvent::MouseButtonPress, middle);
     EXPECT_EQ(study->GetState(), LineStudy::StateMoving);
-    mouse(QEvent::MouseMove, middle);
-    mouse(QEvent::MouseMove, at(25, price(0.45f)));
-    mouse(QEvent::MouseMove, at(22, price(0.5f)));
-    mouse(QEvent::MouseButtonRelease, at(22, price(0.5f)));
+    Mouse(w, QEvent::MouseMove, middle);
+    Mouse(w, QEvent::MouseMove, At(w, 25, Price(w, 0.45f)));
+    Mouse(w, QEvent::MouseMove, At(w, 22, Price(w, 0.5f)));
+    Mouse(w, QEvent::MouseButtonRelease, At(w, 22, Price(w, 0.5f)));
     ASSERT_NE(Points(*study), before);
     ASSERT_EQ(records.size(), 1u);
     // The record: the study's node with the points from before the move, marked as a move.
@@ -282,18 +295,12 @@ TEST_F(LineStudyLayout, DeletedStudiesComeBackWithOneUndoAloneOrWithTheirLine) {
 TEST_F(LineStudyLayout, AReleaseRecordsAMoveOnlyBeyondTheTolerance) {
     std::unique_ptr<PFChartWidget> widget = Window();
     AddData(*widget);
-    const pf::ScaleEngine& e = *widget->GetChart()->GetAreas()[0]->GetEngine();
-    const float price = e.GetMinPrice() + (e.GetMaxPrice() - e.GetMinPrice()) * 0.5f;
+    const float price = Price(*widget, 0.5f);
     const boost::shared_ptr<LineStudy> study = Make(*widget, "HLine", {{30, price}});
     ASSERT_TRUE(study);
-    const gx::Line& line = *FirstLine(*widget);
-    const QPoint on(gx::util::LsBase::CalcX(line.GetEngine(), line.Size() - 40), e.TranslateY(price));
+    const QPoint on = At(*widget, 39, price);
     ASSERT_TRUE(study->PtInLS(on));
-    auto mouse = [&](QEvent::Type type) {
-        QMouseEvent event(type, on, widget->mapToGlobal(on), Qt::LeftButton,
-                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(widget.get(), &event);
-    };
+    auto mouse = [&](QEvent::Type type) { Mouse(*widget, type, on); };
     // Pressed, its price changed as a drag would change it, released.
     auto moveBy = [&](float change) {
         mouse(QEvent::MouseButtonPress);
@@ -314,17 +321,12 @@ TEST_F(LineStudyLayout, AReleaseRecordsAMoveOnlyBeyondTheTolerance) {
 TEST_F(LineStudyLayout, APendingMoveIsRecordedOnceAndBeforeLaterSteps) {
     std::unique_ptr<PFChartWidget> widget = Window();
     AddData(*widget);
-    const pf::ScaleEngine& e = *widget->GetChart()->GetAreas()[0]->GetEngine();
-    const float price = e.GetMinPrice() + (e.GetMaxPrice() - e.GetMinPrice()) * 0.5f;
+    const float price = Price(*widget, 0.5f);
     boost::shared_ptr<LineStudy> a = Make(*widget, "HLine", {{30, price}});
     const boost::shared_ptr<LineStudy> b = Make(*widget, "VLine", {{60, price}});
     ASSERT_TRUE(a && b);
-    const gx::Line& line = *FirstLine(*widget);
-    const QPoint on(gx::util::LsBase::CalcX(line.GetEngine(), line.Size() - 40), e.TranslateY(price));
     auto press = [&] {
-        QMouseEvent event(QEvent::MouseButtonPress, on, widget->mapToGlobal(on), Qt::LeftButton, Qt::LeftButton,
-                          Qt::NoModifier);
-        QApplication::sendEvent(widget.get(), &event);
+        Mouse(*widget, QEvent::MouseButtonPress, At(*widget, 39, price));
         ASSERT_NE(a->GetMoveSnapshot(), nullptr);
     };
     auto record = [&](std::size_t n) {
@@ -354,6 +356,20 @@ TEST_F(LineStudyLayout, APendingMoveIsRecordedOnceAndBeforeLaterSteps) {
     a.reset();
     widget->ExecutePendingUndo();
     EXPECT_EQ(records.size(), 2u) << "the study went before its move was recorded";
+}
+
+// An area deleted and undone comes back in its place: the first area again.
+TEST_F(LineStudyLayout, AnAreaDeletedAndUndoneComesBackInItsPlace) {
+    std::unique_ptr<PFChartWidget> widget = Window();
+    AddData(*widget);
+    AddData(*widget, "TTRC");
+    const QString title = widget->UpdateTitle();
+    widget->RecordAreaDelete(0);
+    ASSERT_EQ(records.size(), 1u);
+    widget->GetChart()->DeleteArea(widget->GetChart()->GetAreas()[0]);
+    EXPECT_EQ(widget->UpdateTitle(), QStringLiteral("PFChartModule, TTRC/Day"));
+    Undo(CommandFactory::AreaDelete, records[0], *widget);
+    EXPECT_EQ(widget->UpdateTitle(), title);  // USD/CHF first again
 }
 
 }  // namespace

@@ -4,28 +4,20 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QMainWindow>
-#include <QMdiSubWindow>
 #include <QMouseEvent>
 #include <QTest>
 
 #include "FakeLsProvider.h"
-#include "ModuleHostTest.h"
-#include "host/ChartWindows.h"
-#include "host/Emulator.h"
-#include "host/MainWindowService.h"
+#include "OnScreenChart.h"
 #include "host/UndoStack.h"
 
 namespace {
 
-class LineStudyMouse : public ModuleHostTest {
+class LineStudyMouse : public OnScreenChart {
 protected:
     FakeLsProvider provider;
-    void* handle = nullptr;
-    QWidget* chart = nullptr;
 
     void SetUp() override {
-        ASSERT_EQ(QGuiApplication::platformName(), QStringLiteral("xcb")) << "run under xvfb-run";
         Start();
         for (unsigned int m : {MSG_LS_CREATE_OBJECT, MSG_LS_DELETE, MSG_LS_SHAPE_SIZES, MSG_LS_GET_LIST_CONTROLPOINTER,
                                MSG_LS_PROPERTIES, MSG_LS_TITLE, MSG_LS_FOCUS, MSG_LS_ATTACH, MSG_LS_DETACH,
@@ -34,23 +26,7 @@ protected:
                 const int r = provider.Handle(target, m, p1, p2);
                 return r < 0 ? (m == MSG_LS_DRAWING_MODE ? 0 : 1) : r;
             });
-        QMainWindow* main = emulator->mainWindow().window();
-        main->hide();
-        main->setAttribute(Qt::WA_DontShowOnScreen, false);
-        main->resize(1300, 950);
-        main->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(main));
-        handle = emulator->charts().create(host::data::ChartType::PointAndFigure);
-        ASSERT_NE(handle, nullptr);
-        emulator->charts().subWindow(handle)->showMaximized();
-        ASSERT_EQ(emulator->charts().drop(handle, {"USDCHF"}), 0);
-        QTest::qWait(50);
-        const auto children = emulator->charts().container(handle)->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
-        ASSERT_EQ(children.size(), 1);
-        chart = children[0];
-    }
-    void TearDown() override {
-        if (emulator) emulator->charts().destroyAll();
+        ShowChart(QSize(1300, 950));
     }
     // A move delivered to the chart at once. QTest's own moves go through the X server's
     // pointer and may arrive after the next press when the machine is busy.

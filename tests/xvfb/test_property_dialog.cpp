@@ -9,43 +9,24 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
-#include <QMainWindow>
-#include <QMdiSubWindow>
 #include <QPushButton>
 #include <QTest>
 
-#include "ModuleHostTest.h"
-#include "host/ChartWindows.h"
-#include "host/MainWindowService.h"
+#include "OnScreenChart.h"
 #include "host/PropertyDialog.h"
 #include "host/PropertyService.h"
 
 namespace {
 
-class PropertyDialogOnScreen : public ModuleHostTest {
+class PropertyDialogOnScreen : public OnScreenChart {
 protected:
     void SetUp() override {
-        ASSERT_EQ(QGuiApplication::platformName(), QStringLiteral("xcb")) << "run under xvfb-run";
         Start();
-        QMainWindow* main = emulator->mainWindow().window();
-        main->hide();
-        main->setAttribute(Qt::WA_DontShowOnScreen, false);
-        main->resize(1000, 700);
-        main->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(main));
-        handle = emulator->charts().create(host::data::ChartType::PointAndFigure);
-        ASSERT_NE(handle, nullptr);
-        emulator->charts().subWindow(handle)->showMaximized();
-        ASSERT_EQ(emulator->charts().drop(handle, {"USDCHF"}), 0);
-        QTest::qWait(50);
-        chart = emulator->charts().chartWidget(handle);
-        ASSERT_NE(chart, nullptr);
+        ShowChart(QSize(1000, 700));
     }
     void TearDown() override {
-        if (emulator) {
-            emulator->properties().closeAll();
-            emulator->charts().destroyAll();
-        }
+        if (emulator) emulator->properties().closeAll();
+        OnScreenChart::TearDown();
     }
     // The editor beside the label `name` in the dialog.
     static QWidget* Editor(QDialog* dialog, const QString& name) {
@@ -60,9 +41,6 @@ protected:
         return image.copy(0, kToolBar, image.width(), image.height() - kToolBar);
     }
     static constexpr int kToolBar = 24;
-
-    void* handle = nullptr;
-    QWidget* chart = nullptr;
 };
 
 }  // namespace

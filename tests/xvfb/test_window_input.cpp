@@ -6,8 +6,6 @@
 #include <QAbstractSlider>
 #include <QApplication>
 #include <QHelpEvent>
-#include <QMainWindow>
-#include <QMdiSubWindow>
 #include <QRegularExpression>
 #include <QSlider>
 #include <QTest>
@@ -16,11 +14,8 @@
 #include <cstring>
 #include <memory>
 
-#include "ModuleHostTest.h"
-#include "host/ChartWindows.h"
+#include "OnScreenChart.h"
 #include "host/DataCore.h"
-#include "host/Emulator.h"
-#include "host/MainWindowService.h"
 #include "host/data/ChartObject.h"
 
 namespace {
@@ -31,37 +26,15 @@ struct Column {
     QString text;
 };
 
-class WindowInput : public ModuleHostTest {
+class WindowInput : public OnScreenChart {
 protected:
     void SetUp() override {
-        ASSERT_EQ(QGuiApplication::platformName(), QStringLiteral("xcb")) << "run under xvfb-run";
         Start();
-        QMainWindow* main = emulator->mainWindow().window();
-        // The emulator keeps its window off the screen; here it goes on the X server's screen.
-        main->hide();
-        main->setAttribute(Qt::WA_DontShowOnScreen, false);
-        main->resize(1300, 950);
-        main->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(main));
-        handle = emulator->charts().create(host::data::ChartType::PointAndFigure);
-        ASSERT_NE(handle, nullptr);
-        emulator->charts().subWindow(handle)->showMaximized();
-        ASSERT_EQ(emulator->charts().drop(handle, {"USDCHF"}), 0);
-        QTest::qWait(50);
-        chart = ChartOf(handle);
-        ASSERT_NE(chart, nullptr);
+        ShowChart(QSize(1300, 950));
         records = ChartRecords();
         ASSERT_GT(records.size(), 300u);
     }
-    void TearDown() override {
-        if (emulator) emulator->charts().destroyAll();
-    }
 
-    QWidget* ChartOf(void* widget) {
-        QWidget* container = emulator->charts().container(widget);
-        const auto children = container->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
-        return children.size() == 1 ? children[0] : nullptr;
-    }
     std::vector<fxChartTypeRecord> ChartRecords() {
         std::vector<fxChartTypeRecord> out;
         for (const auto& c : emulator->data().chartObjects()) {
@@ -121,8 +94,6 @@ protected:
         return Column();
     }
 
-    void* handle = nullptr;
-    QWidget* chart = nullptr;
     std::vector<fxChartTypeRecord> records;
 };
 

@@ -255,11 +255,7 @@ TEST_F(LineStudies, WithoutShapesOnlyMarkersAreDrawn) {
     provider.shapeCount = 0;
     const boost::shared_ptr<LineStudy> study = Place("Line", {At(5, 1.01f), At(9, 1.012f)});
     ASSERT_TRUE(study);
-    RecordingPaintDevice device;
-    QPainter painter(&device);
-    study->Draw(painter);
-    painter.end();
-    EXPECT_TRUE(device.lines().isEmpty());
+    EXPECT_TRUE(Drawn(*study).empty());
     EXPECT_FALSE(study->PtInLS(At(7, 1.011f)));
     QImage image(widget->size(), QImage::Format_ARGB32);
     image.fill(Qt::white);

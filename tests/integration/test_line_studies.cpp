@@ -311,16 +311,9 @@ TEST_F(StudiesOnAChart, EveryStudySavedInALayoutComesBackWithTheSamePicture) {
     Click(Empty());  // nothing selected: a restored window selects nothing either
     const QImage drawn = Picture();
 
-    QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("studies.xml"));
-    QString why;
-    ASSERT_TRUE(emulator->layouts().save(widget, path, &why)) << why.toStdString();
-    ASSERT_TRUE(Charts().destroy(widget));
-    const std::size_t before = LS().ids().size();
-    widget = emulator->layouts().load(ChartType::PointAndFigure, path, &why);
-    ASSERT_NE(widget, nullptr) << why.toStdString();
-    chart = Charts().chartWidget(widget);
     // Each study made again in the host, with the points it was saved with.
+    const std::size_t before = LS().ids().size();
+    SaveAndReload();
     ASSERT_EQ(LS().ids().size(), before + 8);
     const QImage restored = Picture();
     EXPECT_TRUE(restored == drawn) << "the restored window shows another picture";

@@ -16,6 +16,7 @@
 #include "host/ChartWindows.h"
 #include "host/DataCore.h"
 #include "host/Emulator.h"
+#include "host/UndoStack.h"
 
 namespace bench {
 
@@ -38,10 +39,13 @@ struct Terminal {
     ~Terminal() { emulator->charts().destroyAll(); }
     host::ChartWindows& charts() { return emulator->charts(); }
     host::DataCore& data() { return emulator->data(); }
-    // The journal and the data core's notices keep every message; a long run clears them.
+    // The journal, the data core's notices and the records of undo replies and destroyed
+    // windows keep everything heard; a long run clears them.
     void forget() {
         emulator->host().journal().clear();
         emulator->data().clearNotices();
+        emulator->undo().forgetReplies();
+        emulator->charts().forgetDestroyed();
     }
     std::string path(const char* name) const { return dir.filePath(QString::fromLatin1(name)).toStdString(); }
 };

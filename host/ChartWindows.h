@@ -113,6 +113,8 @@ public:
 
     // Every 3150 the module sent, in order, for windows of this host or not.
     const std::vector<fxwcWindowDestroyed>& destroyedRecords() const { return destroyed_; }
+    // Forgets the 3150 records heard so far (a long run keeps its memory flat).
+    void forgetDestroyed() { std::vector<fxwcWindowDestroyed>().swap(destroyed_); }
 
     // ---- the other window messages (-1: nothing sent, the widget is not a window) ----
     // 5012: print the window. Any print dialog it opens is answered by the emulator's

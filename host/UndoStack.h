@@ -89,6 +89,11 @@ public:
     const std::vector<Reply>& replies() const { return replies_; }
     // Every 3142 accepted: (widget, count), in order.
     const std::vector<std::pair<void*, std::int32_t> >& refreshes() const { return refreshes_; }
+    // Forgets the replies and refreshes heard so far (a long run keeps its memory flat).
+    void forgetReplies() {
+        std::vector<Reply>().swap(replies_);
+        std::vector<std::pair<void*, std::int32_t> >().swap(refreshes_);
+    }
 
 private:
     bool makeTree(Record& record);

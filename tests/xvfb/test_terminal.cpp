@@ -8,6 +8,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QDockWidget>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
 #include <QListWidget>
@@ -110,7 +111,20 @@ protected:
         return mime && chart && Charts().dragDrop(widget, mime.get(), chart->rect().center());
     }
     // Every chart window in the order the window area stacks them, with its picture.
+    // The chart windows' pictures in stacking order, once they have settled: posted resizes
+    // and layouts of a window just opened can still change them on a busy machine.
     std::vector<std::pair<ChartType, QImage> > Grabs() {
+        std::vector<std::pair<ChartType, QImage> > last = GrabsNow();
+        QElapsedTimer clock;
+        clock.start();
+        for (;;) {
+            QTest::qWait(50);
+            std::vector<std::pair<ChartType, QImage> > now = GrabsNow();
+            if (now == last || clock.elapsed() > 5000) return now;
+            last = std::move(now);
+        }
+    }
+    std::vector<std::pair<ChartType, QImage> > GrabsNow() {
         std::vector<std::pair<ChartType, QImage> > out;
         for (QMdiSubWindow* sub : emulator->mainWindow().mdiArea()->subWindowList(QMdiArea::StackingOrder))
             for (void* w : Charts().widgets())

@@ -4,21 +4,16 @@
 #include <QPainter>
 #include <QTransform>
 #include <algorithm>
-#include <cmath>
 
 #include "abi/records/dpa_records.h"
 #include "data/ScaleEngine.h"
+#include "gx/PictureCache.h"
 
 namespace gx {
 
 namespace {
 
 bool g_enabled = true;
-
-template <typename T>
-void Append(QByteArray& key, T value) {  // by value: record fields are packed
-    key.append(reinterpret_cast<const char*>(&value), int(sizeof value));
-}
 
 }  // namespace
 
@@ -35,30 +30,29 @@ QByteArray FigurePicture::Key(const QPainter& painter, const QRect& rect, const 
                               const fxDataPointArray* array, unsigned generation) const {
     QByteArray key;
     const pf::ScaleEngine& e = *renderer.GetEngine();
-    Append(key, rect);
-    Append(key, e.GetLeft());
-    Append(key, e.GetTop());
-    Append(key, e.GetRight());
-    Append(key, e.GetBottom());
-    Append(key, e.GetX0());
-    Append(key, e.GetX1());
-    Append(key, e.GetMinPrice());
-    Append(key, e.GetMaxPrice());
-    Append(key, e.GetXFactor());
-    Append(key, e.GetYFactor());
-    Append(key, e.GetColumnCount());
-    Append(key, e.GetFirstColumn());
-    Append(key, e.GetFlag());
-    Append(key, int(painter.renderHints()));
-    Append(key, painter.device() ? painter.device()->devicePixelRatioF() : qreal(1));
-    Append(key, generation);
-    Append(key, array);
+    PictureCache::Append(key, rect);
+    PictureCache::Append(key, e.GetLeft());
+    PictureCache::Append(key, e.GetTop());
+    PictureCache::Append(key, e.GetRight());
+    PictureCache::Append(key, e.GetBottom());
+    PictureCache::Append(key, e.GetX0());
+    PictureCache::Append(key, e.GetX1());
+    PictureCache::Append(key, e.GetMinPrice());
+    PictureCache::Append(key, e.GetMaxPrice());
+    PictureCache::Append(key, e.GetXFactor());
+    PictureCache::Append(key, e.GetYFactor());
+    PictureCache::Append(key, e.GetColumnCount());
+    PictureCache::Append(key, e.GetFirstColumn());
+    PictureCache::Append(key, e.GetFlag());
+    PictureCache::AppendPainter(key, painter);
+    PictureCache::Append(key, generation);
+    PictureCache::Append(key, array);
     const fxDataPointArray header = *array;
-    Append(key, header.points);
-    Append(key, header.pointCount);
-    Append(key, header.pointSize);
-    Append(key, header.precision);
-    Append(key, header.typeShow);
+    PictureCache::Append(key, header.points);
+    PictureCache::Append(key, header.pointCount);
+    PictureCache::Append(key, header.pointSize);
+    PictureCache::Append(key, header.precision);
+    PictureCache::Append(key, header.typeShow);
     // The records from the first visible one to the last that can be drawn. Those left of
     // the view (Kagi starts its pen from them) change only with a new generation.
     const int records = pf::PointData::RecordCount(array);
@@ -72,14 +66,7 @@ QByteArray FigurePicture::Key(const QPainter& painter, const QRect& rect, const 
 
 bool FigurePicture::Usable(const QPainter& painter, const QRect& rect, const pf::PointData& renderer,
                            const fxDataPointArray* array, bool selected) const {
-    const QTransform& t = painter.transform();
-    const bool wholePixels = t.type() <= QTransform::TxTranslate && t.dx() == std::floor(t.dx()) &&
-                             t.dy() == std::floor(t.dy());
-    const qreal ratio = painter.device() ? painter.device()->devicePixelRatioF() : qreal(1);
-    return g_enabled && !selected && wholePixels && ratio == qreal(1) && !rect.isEmpty() && array &&
-           renderer.GetEngine() && painter.compositionMode() == QPainter::CompositionMode_SourceOver &&
-           painter.opacity() == qreal(1) && painter.brushOrigin() == QPointF() &&
-           !painter.testRenderHint(QPainter::Antialiasing);
+    return g_enabled && !selected && !rect.isEmpty() && array && renderer.GetEngine() && PictureCache::Usable(painter);
 }
 
 void FigurePicture::DrawDirectly(QPainter& painter, const QRect& rect, pf::PointData& renderer,
@@ -95,14 +82,9 @@ void FigurePicture::Render(const QPainter& painter, const QRect& rect, const QRe
                            fxDataPointArray* array, const std::function<void(QPainter&)>* overlay) {
     image_ = QImage(area.size(), QImage::Format_ARGB32_Premultiplied);
     image_.fill(Qt::transparent);
+    PictureCache::MatchResolution(image_, painter);
     QPainter picture(&image_);
-    // The renderer starts from the painter's state as it would on the window.
-    picture.setRenderHints(painter.renderHints());
-    picture.setPen(painter.pen());
-    picture.setBrush(painter.brush());
-    picture.setFont(painter.font());
-    picture.setBackground(painter.background());
-    picture.setBackgroundMode(painter.backgroundMode());
+    PictureCache::CopyState(picture, painter);
     picture.translate(-area.topLeft());
     if (area == rect) {
         renderer.Draw(picture, array);

@@ -247,12 +247,7 @@ void LRScale::Draw(QPainter& painter, const FindMinMax& range, const boost::shar
         QImage& made = pictures_.Make(key, rect_.size().grownBy(around), painter);
         made.fill(background_);
         QPainter picture(&made);
-        // The column is drawn from the painter's state as it would be on the window.
-        picture.setRenderHints(painter.renderHints());
-        picture.setBrush(painter.brush());
-        picture.setBackground(painter.background());
-        picture.setBackgroundMode(painter.backgroundMode());
-        picture.setLayoutDirection(painter.layoutDirection());
+        PictureCache::CopyState(picture, painter);
         picture.translate(origin - rect_.topLeft());
         DrawColumn(picture, pen, range, engine.get());
         picture.end();

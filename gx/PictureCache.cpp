@@ -61,6 +61,23 @@ void PictureCache::AppendPainter(QByteArray& key, const QPainter& painter) {
     Append(key, device ? device->logicalDpiY() : 0);
 }
 
+void PictureCache::CopyState(QPainter& picture, const QPainter& painter) {
+    picture.setRenderHints(painter.renderHints());
+    picture.setPen(painter.pen());
+    picture.setBrush(painter.brush());
+    picture.setFont(painter.font());
+    picture.setBackground(painter.background());
+    picture.setBackgroundMode(painter.backgroundMode());
+    picture.setLayoutDirection(painter.layoutDirection());
+}
+
+void PictureCache::MatchResolution(QImage& image, const QPainter& painter) {
+    if (const QPaintDevice* device = painter.device()) {
+        image.setDotsPerMeterX(DotsPerMetre(device->logicalDpiX()));
+        image.setDotsPerMeterY(DotsPerMetre(device->logicalDpiY()));
+    }
+}
+
 const QImage* PictureCache::Find(const QByteArray& key) {
     for (std::size_t i = 0; i < entries_.size(); ++i) {
         if (entries_[i].key != key) continue;
@@ -82,10 +99,7 @@ QImage& PictureCache::Make(const QByteArray& key, const QSize& size, const QPain
         }
     if (int(entries_.size()) >= maxEntries_) entries_.resize(std::size_t(maxEntries_ - 1));
     Entry entry{key, QImage(size, QImage::Format_ARGB32_Premultiplied)};
-    if (const QPaintDevice* device = painter.device()) {
-        entry.image.setDotsPerMeterX(DotsPerMetre(device->logicalDpiX()));
-        entry.image.setDotsPerMeterY(DotsPerMetre(device->logicalDpiY()));
-    }
+    MatchResolution(entry.image, painter);
     entries_.insert(entries_.begin(), std::move(entry));
     return entries_.front().image;
 }

@@ -35,6 +35,12 @@ public:
     static bool Surround(const QPainter& painter, const QRect& rect, int margin, QMargins* around);
     // What of the painter's device and state the drawing may read, for the key.
     static void AppendPainter(QByteArray& key, const QPainter& painter);
+    // Starts a picture's painter from the state of the window's painter, so that what is
+    // drawn into the picture comes out as it would on the window.
+    static void CopyState(QPainter& picture, const QPainter& painter);
+    // Gives `image` the dots per inch of the painter's device, so that fonts resolve to the
+    // same pixel sizes in it.
+    static void MatchResolution(QImage& image, const QPainter& painter);
 
     template <typename T>
     static void Append(QByteArray& key, T value) {  // by value: record fields may be packed

@@ -13,6 +13,7 @@
 #include "gui/PFChartWidget.h"
 #include "gx/Chart.h"
 #include "gx/Line.h"
+#include "gx/PictureCache.h"
 #include "gx/TimeScale.h"
 #include "gx/ls/LsFactory.h"
 #include "gx/ls/LsUtil.h"
@@ -423,26 +424,19 @@ std::uint64_t LineStudy::NextSerial() {
     return ++serial;
 }
 
-namespace {
-template <typename T>
-void AppendValue(QByteArray& key, const T& value) {
-    key.append(reinterpret_cast<const char*>(&value), int(sizeof value));
-}
-}  // namespace
-
 bool LineStudy::AppendDrawKey(QByteArray& key) const {
     if ((state_ & (StateCreating | StateMoving | StateNewPoint)) || tempDraw_) return false;
-    AppendValue(key, serial_);
-    AppendValue(key, exchanges_);
-    AppendValue(key, engine_.get());
-    AppendValue(key, rect_);
-    AppendValue(key, state_);
-    AppendValue(key, selected_);
-    AppendValue(key, placed_);
-    AppendValue(key, color_);
-    AppendValue(key, cps_.shapeCount);
-    AppendValue(key, in_.size());
-    AppendValue(key, out_.size());
+    PictureCache::Append(key, serial_);
+    PictureCache::Append(key, exchanges_);
+    PictureCache::Append(key, engine_.get());
+    PictureCache::Append(key, rect_);
+    PictureCache::Append(key, state_);
+    PictureCache::Append(key, selected_);
+    PictureCache::Append(key, placed_);
+    PictureCache::Append(key, color_);
+    PictureCache::Append(key, cps_.shapeCount);
+    PictureCache::Append(key, in_.size());
+    PictureCache::Append(key, out_.size());
     // The points are the study's own and may be changed in place between exchanges.
     if (!in_.empty()) key.append(reinterpret_cast<const char*>(in_.data()), int(in_.size() * sizeof(lsPointShape)));
     if (!out_.empty()) key.append(reinterpret_cast<const char*>(out_.data()), int(out_.size() * sizeof(lsPointShape)));

@@ -14,6 +14,7 @@ PACKAGES=(
   libxml2-utils
   fonts-dejavu-core
   xvfb xauth poppler-utils
+  ccache  # shared by the builds of every checkout
   file  # the Debian package (CPack) finds its binaries with it
 )
 if [ "${PF_I386:-0}" = "1" ]; then

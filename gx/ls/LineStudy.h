@@ -121,6 +121,8 @@ public:
     // Frees the shapes, asks the host for `count` shapes' sizes (4505), allocates them and
     // exchanges the points (4510). Throws after deleting the study when the host fails.
     void UpdateShapeCount(int count);
+    // UpdateShapeCount without the throw: false when the host failed (the study is deleted).
+    bool ExchangeShapes(int count);
     // The exchange of 4510; -1 without a host, else the host's answer. The study's own
     // record is used when `record` is null.
     int GetListControlPointer(void* provider = nullptr, void* id = nullptr, lsControlPointsShapes* record = nullptr);
@@ -135,6 +137,8 @@ public:
     int GetNormalizeIndex(const lsPointShape& point) const;
     int GetNormalizeIndex(const lsShapeVLine& line) const;
     void RecomputePositionByIndex(lsPointShape& point, int index) const;
+    // The time scale's virtual position of a time, searched as the line's interval wants.
+    int VirtualTimePosition(long time) const;
     void RecomputePositionByTime(lsPointShape& point, long time) const;
     bool IsInFreeSpaceByTime(long time) const;
     bool IsInCandleSpaceByTime(long time) const { return !IsInFreeSpaceByTime(time); }
@@ -220,6 +224,8 @@ private:
     void SetPointAt(lsPointShape& point, const QPoint& p) const;
     bool PointsEqual(const std::vector<lsPointShape>& a, const std::vector<lsPointShape>& b) const;
     void PolyLineDoubleClick(const QMouseEvent& event);
+    // After the host failed an exchange of a mouse step: deleted in the host, off its line.
+    void LeaveAfterHostError();
 
     Line* line_ = nullptr;
     boost::shared_ptr<pf::ScaleEngine> engine_;
@@ -239,6 +245,7 @@ private:
     int dragX_ = 0;
     int dragY_ = 0;
     int placed_ = 0;
+    bool rubberBand_ = false;  // a move has put the point being placed
     lsControlPointsShapes cps_;
     std::vector<lsPointShape> in_;
     std::vector<lsPointShape> out_;

@@ -316,20 +316,20 @@ protected:
 
 private:
     // Raises the busy flag for a long operation (printing, a loaded layout, an undo) and
-    // puts it back after: events arriving meanwhile are dropped, printing and undo refused.
-    // The widget may be gone by then (a dialog's event loop), hence the guarded pointer.
+    // puts it back after: meanwhile the forbidden cursor drops mouse events, and painting,
+    // the wheel, printing and undo are refused. The widget may be gone by then (a dialog's
+    // event loop), hence the guarded pointer.
     class BusyScope {
     public:
-        explicit BusyScope(PFChartWidget* widget) : widget_(widget), was_(widget->busy_) { widget->busy_ = true; }
-        ~BusyScope() {
-            if (widget_) widget_->busy_ = was_;
-        }
+        explicit BusyScope(PFChartWidget* widget);
+        ~BusyScope();
         BusyScope(const BusyScope&) = delete;
         BusyScope& operator=(const BusyScope&) = delete;
 
     private:
         QPointer<PFChartWidget> widget_;
         bool was_;
+        Qt::CursorShape cursor_;
     };
 
     // The settings as the property page's bindings hold them while the dialog is open.

@@ -34,6 +34,18 @@ void PFChartWidget::SetCursor() {
 
 void PFChartWidget::ResetCursor() { setCursor(Qt::ArrowCursor); }
 
+PFChartWidget::BusyScope::BusyScope(PFChartWidget* widget)
+    : widget_(widget), was_(widget->busy_), cursor_(widget->cursor().shape()) {
+    widget->busy_ = true;
+    widget->setCursor(Qt::ForbiddenCursor);
+}
+
+PFChartWidget::BusyScope::~BusyScope() {
+    if (!widget_) return;
+    widget_->busy_ = was_;
+    widget_->setCursor(cursor_);
+}
+
 boost::shared_ptr<gx::Area> PFChartWidget::AreaAt(const QPoint& point) const {
     return gx::WidgetWalker<gx::FindArea>(chart_.get(), gx::FindArea(point)).Walk().found;
 }

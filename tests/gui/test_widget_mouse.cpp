@@ -141,12 +141,17 @@ TEST_F(WidgetMouse, ZoomReleasedOutsideEveryAreaEndsAtTheAreasWidth) {
     EXPECT_EQ(EngineOf(0).GetZoomEndPos(), end);
 }
 
-// Long operations raise the busy flag: an undo request or a print arriving meanwhile is
-// refused. The flag is down again afterwards.
+// Long operations raise the busy flag: a press arriving meanwhile is dropped. The flag and
+// the cursor are back afterwards.
 TEST_F(WidgetMouse, BusyWhileAnUndoRuns) {
-    bool busyInside = false;
-    host.on(MSG_UNDO_REFRESHED, [this, &busyInside](void*, std::intptr_t, std::intptr_t) {
+    bool busyInside = false, pressTaken = true;
+    host.on(MSG_UNDO_REFRESHED, [this, &busyInside, &pressTaken](void*, std::intptr_t, std::intptr_t) {
         busyInside = widget->IsBusy();
+        const QPoint at = MiddleOfArea(0);
+        QMouseEvent press(QEvent::MouseButtonPress, at, widget->mapToGlobal(at), Qt::LeftButton, Qt::LeftButton,
+                          Qt::NoModifier);
+        QApplication::sendEvent(widget.get(), &press);
+        pressTaken = press.isAccepted();
         return 0;
     });
     coreUndoStart start{};
@@ -154,7 +159,9 @@ TEST_F(WidgetMouse, BusyWhileAnUndoRuns) {
     coreUndoRefresh result{};
     EXPECT_EQ(widget->UndoPop(&start, &result), 0);
     EXPECT_TRUE(busyInside);
+    EXPECT_FALSE(pressTaken);  // dropped
     EXPECT_FALSE(widget->IsBusy());
+    EXPECT_NE(widget->cursor().shape(), Qt::ForbiddenCursor);
 }
 
 TEST_F(WidgetMouse, MainChangeCarriesUpTo255Characters) {

@@ -19,6 +19,7 @@
 #include "ModuleHostTest.h"
 #include "host/ChartLayouts.h"
 #include "host/ChartWindows.h"
+#include "host/CoreServices.h"
 #include "host/MainWindowService.h"
 #include "host/PropertyDialog.h"
 #include "host/PropertyService.h"

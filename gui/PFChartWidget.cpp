@@ -513,7 +513,8 @@ void PFChartWidget::SendMainChange(const QString& text) {
     if (!module_ || !module_->sendToHost) return;
     char record[259];
     std::memset(record, 0, sizeof record);
-    const QByteArray local = text.toLocal8Bit().left(254);
+    // Four zero bytes, then up to 255 characters filling the record (no terminator then).
+    const QByteArray local = text.toLocal8Bit().left(static_cast<int>(sizeof record) - 4);
     std::memcpy(record + 4, local.constData(), static_cast<std::size_t>(local.size()));
     module_->sendToHost(hostHandle_, MSG_MAIN_CHANGED, reinterpret_cast<std::intptr_t>(record), 0);
 }

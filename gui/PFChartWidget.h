@@ -14,6 +14,7 @@
 #include <QColor>
 #include <QFont>
 #include <QPoint>
+#include <QPointer>
 #include <QString>
 #include <boost/scoped_ptr.hpp>
 #include <boost/shared_ptr.hpp>
@@ -152,7 +153,8 @@ public:
     // when the host refuses it.
     boost::shared_ptr<gx::LineStudy> StartLineStudy(const QPoint& at, void* provider, const QString& name,
                                                     std::uint32_t color, bool dropped);
-    // Deletes one study through the line-delete command, so that undo brings it back.
+    // Deletes a study and every other selected item through the line-delete command, so
+    // that one undo brings them back.
     void DeleteLineStudy(gx::LineStudy* study);
     // 3073: the studies of one kind on one data array have new counts or geometry; each is
     // resized and re-read (UpdateCountLS). False when this window has none of them.
@@ -162,6 +164,8 @@ public:
     // After an undo rebuilt `count` objects: scales, time scale, scroll bar and title follow,
     // and the host hears 3142.
     void AfterRestore(int count);
+    // Tells the host that an undo has ended (3142) with `count` objects rebuilt.
+    void SendUndoRefreshed(int count);
     // Undoes a record of the host's undo stack (3140); the result record receives the
     // record's first, third and fourth words. Returns 0 when done.
     int UndoPop(const coreUndoStart* record, coreUndoRefresh* result);
@@ -317,6 +321,23 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    // Raises the busy flag for a long operation (printing, a loaded layout, an undo) and
+    // puts it back after: meanwhile the forbidden cursor drops mouse events, and painting,
+    // the wheel, printing and undo are refused. The widget may be gone by then (a dialog's
+    // event loop), hence the guarded pointer.
+    class BusyScope {
+    public:
+        explicit BusyScope(PFChartWidget* widget);
+        ~BusyScope();
+        BusyScope(const BusyScope&) = delete;
+        BusyScope& operator=(const BusyScope&) = delete;
+
+    private:
+        QPointer<PFChartWidget> widget_;
+        bool was_;
+        Qt::CursorShape cursor_;
+    };
+
     // The settings as the property page's bindings hold them while the dialog is open.
     struct PropertyValues {
         int gridShow = 1;
@@ -389,6 +410,7 @@ private:
     QColor tsBackgroundColor_;
     QColor tsGridColor_;
     QPoint mousePos_;
+    bool selectionStartedByPress_ = false;  // the last left press began a zoom selection
     QString title_;
     QString titleSent_;
     QString priceType_;

@@ -34,6 +34,18 @@ void PFChartWidget::SetCursor() {
 
 void PFChartWidget::ResetCursor() { setCursor(Qt::ArrowCursor); }
 
+PFChartWidget::BusyScope::BusyScope(PFChartWidget* widget)
+    : widget_(widget), was_(widget->busy_), cursor_(widget->cursor().shape()) {
+    widget->busy_ = true;
+    widget->setCursor(Qt::ForbiddenCursor);
+}
+
+PFChartWidget::BusyScope::~BusyScope() {
+    if (!widget_) return;
+    widget_->busy_ = was_;
+    widget_->setCursor(cursor_);
+}
+
 boost::shared_ptr<gx::Area> PFChartWidget::AreaAt(const QPoint& point) const {
     return gx::WidgetWalker<gx::FindArea>(chart_.get(), gx::FindArea(point)).Walk().found;
 }
@@ -48,10 +60,11 @@ void PFChartWidget::mousePressEvent(QMouseEvent* event) {
     if (Forbidden(event)) return;
     setFocus(Qt::OtherFocusReason);
     mousePos_ = event->pos();
+    selectionStartedByPress_ = false;
     if (event->button() == Qt::LeftButton) {
-        // A left press elsewhere ends the selection of figures and studies.
+        // A left press elsewhere ends the selection of figures; each study decides its own
+        // selection from the press and its modifiers.
         gx::WidgetWalker<gx::UnSelFigureNotUnderMouse>(chart_.get(), gx::UnSelFigureNotUnderMouse(event->pos())).Walk();
-        gx::WidgetWalker<gx::UnSelLsNotUnderMouse>(chart_.get(), gx::UnSelLsNotUnderMouse(event->pos())).Walk();
     }
     chart_->mousePressEvent(*event);
     repaint();
@@ -83,11 +96,15 @@ void PFChartWidget::mouseReleaseEvent(QMouseEvent* event) {
         return;
     }
     // A click (not a zoom drag) on a figure selects its line and shows its indicator's
-    // properties, unless a study of that line is selected or being placed.
+    // properties, unless a study of that line is selected or being placed. The zoom
+    // positions count only when this press began a selection; otherwise they are an
+    // earlier zoom's.
     const boost::shared_ptr<gx::Line> line = LineUnderMouse(event->pos());
     if (line && line->FindLSSelected().empty() && line->FindLS(gx::LineStudy::StateMoving).empty()) {
         const pf::ScaleEngine& e = *line->GetEngine();
-        if (e.GetZoomEndPos() - e.GetZoomStartPos() < 6) ShowIndicatorProp(line);
+        const long long spread =
+            selectionStartedByPress_ ? static_cast<long long>(e.GetZoomStartPos()) - e.GetZoomEndPos() : 0;
+        if (spread < 6) ShowIndicatorProp(line);
     }
     update();
 }
@@ -97,9 +114,9 @@ void PFChartWidget::mouseDoubleClickEvent(QMouseEvent* event) {
     gx::FindUnderMouseObject found =
         gx::WidgetWalker<gx::FindUnderMouseObject>(chart_.get(), gx::FindUnderMouseObject(event->pos())).Walk();
     if (!found.studies.empty()) {
-        // A study under the mouse opens its own properties (not while it is being placed).
+        // A study under the mouse opens its own properties, also while it is being placed.
         found.studies.front()->Select(true);
-        if (!(found.studies.front()->GetState() & gx::LineStudy::StateCreating)) found.studies.front()->ShowProperties();
+        found.studies.front()->ShowProperties();
     } else if (found.lines.empty()) {
         ShowProperties();
     }
@@ -112,7 +129,10 @@ void PFChartWidget::wheelEvent(QWheelEvent* event) {
         event->ignore();
         return;
     }
-    int steps = event->angleDelta().y() / 120;
+    // Qt's X11 platform hands a wheel turned with Alt held over as a horizontal one: the
+    // delta is on whichever axis carries it.
+    const QPoint delta = event->angleDelta();
+    int steps = (delta.y() != 0 ? delta.y() : delta.x()) / 120;
     if (event->modifiers() & Qt::AltModifier) steps *= 10;
     if (event->modifiers() & Qt::ControlModifier) {
         if (steps < 1) toolBar_->OnBnClickedZoomOut(true);
@@ -198,11 +218,13 @@ void PFChartWidget::StartSelectedPF(const QMouseEvent& event) {
     e.SetZoomStartPos(event.pos().x());
     e.SetZoomEndPos(event.pos().x());
     e.SetZoomMiddlePos(event.pos().x());
+    selectionStartedByPress_ = true;
 }
 
 void PFChartWidget::MoveSelectedPF(const QMouseEvent& event) {
-    if (!currentArea_ || !currentArea_->GetEngine()->GetFlag()) return;
-    currentArea_->GetEngine()->SetZoomMiddlePos(event.pos().x());
+    const boost::shared_ptr<gx::Area> area = AreaAt(event.pos());
+    if (!area || !area->GetEngine()->GetFlag()) return;
+    area->GetEngine()->SetZoomMiddlePos(event.pos().x());
     repaint();
 }
 
@@ -212,7 +234,8 @@ bool PFChartWidget::EndSelectedPF(const QMouseEvent& event) {
     if (!e.GetFlag()) return false;
     e.SetFlag(false);
     const bool inside = static_cast<bool>(AreaAt(event.pos()));
-    e.SetZoomEndPos(inside ? event.pos().x() : currentArea_->Rect().right() + 1);
+    const QRect& r = currentArea_->Rect();
+    e.SetZoomEndPos(inside ? event.pos().x() : r.right() - r.left() + 1);
     const bool zoom = e.GetEqualsPos();
     if (zoom) {
         RecordScaleUndo(2);
@@ -233,6 +256,6 @@ bool PFChartWidget::EndSelectedPF(const QMouseEvent& event) {
 }
 
 void PFChartWidget::UnStartSelectPF() {
-    const boost::shared_ptr<gx::Area> area = currentArea_ ? currentArea_ : AreaAt(mousePos_);
+    const boost::shared_ptr<gx::Area> area = AreaAt(mousePos_);
     if (area) area->GetEngine()->SetFlag(false);
 }

@@ -56,13 +56,13 @@ boost::shared_ptr<gx::LineStudy> PFChartWidget::StartLineStudy(const QPoint& at,
 
 void PFChartWidget::DeleteLineStudy(gx::LineStudy* study) {
     if (!study) return;
-    // Only this study goes: everything else is unselected first.
+    // The study joins the selection and everything selected goes, as the Delete key does:
+    // the menu's study and whatever else the trader had selected, in one undo step.
     boost::shared_ptr<gx::LineStudy> keep =
         gx::WidgetWalker<gx::FindLSByHandle>(chart_.get(), gx::FindLSByHandle(study->GetHandle())).Walk().found;
-    gx::WidgetWalker<gx::UnSelectingLine>(chart_.get(), gx::UnSelectingLine()).Walk();
-    gx::WidgetWalker<gx::UnSelectingLS>(chart_.get(), gx::UnSelectingLS()).Walk();
     study->Select(true);
-    study->SetManualDelete(true);
+    // Every selected study leaves the host with it, as with the Delete key.
+    gx::WidgetWalker<gx::SetManualDeleteLS>(chart_.get(), gx::SetManualDeleteLS()).Walk();
     RecordLineDelete();
     gx::WidgetWalker2<gx::DeleteSelItems>(chart_.get(), gx::DeleteSelItems()).Walk();
     AfterDelete();

@@ -20,6 +20,7 @@ const char kFooter[] = "Printing by KOVAR";
 
 void PFChartWidget::Print() {
     if (busy_) return;
+    const BusyScope busy(this);
     boost::scoped_ptr<QPrinter> printer(new QPrinter(QPrinter::ScreenResolution));
     // On the heap: should the host close the window while the dialog is open, the dialog
     // goes with it and must not be deleted a second time here.

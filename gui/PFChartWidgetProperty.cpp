@@ -3,12 +3,13 @@
 //
 // One page per window, made on the first ShowProperties. Every setting is bound to an entry
 // (COneProperty); the bindings work on copies of the settings (PropertyValues), which go into
-// the window when a page is applied. Entries, by group:
-//   "Chart":       "Show grid", "Grid color", "Area color", "Left scale", "Right scale",
-//                  "Free space", "Auto scroll"
-//   "Price scales": "Scale font", "Scale font color"
-//   "Time scale":  "Time scale background", "Time scale grid color"
-//   "Defaults":    "Save as default" (the module's text of "C0035SetAsDef")
+// the window when a page is applied. Entries by group, as translation keys (English text):
+//   G0019 (Chart window): PF0005 (Show grid), G0021 (Grid color), C0004BckGrndColor (area
+//                         background), G0036 (Left scale), G0052 (Right scale), G0016 (Free
+//                         space positions), G0086 (Auto scroll)
+//   C0017Font (Font):     C0017Font (scale font), C0018FontColor (scale font colour)
+//   G0078 (Time scale):   C0004BckGrndColor (background), G0021 (grid colour)
+//   C0035SetAsDef:        Save as default
 #include <QColor>
 #include <exception>
 
@@ -83,34 +84,36 @@ void PFChartWidget::BuildPropertyPage() {
     const QString properties = module_ ? module_->tr("C0030Propes") : QStringLiteral("Properties");
     page->ReInicDatePage(properties, DataTypeShow2StringLocale(chartType_), QString(), system);
 
+    // Every text of the page is the module's translation of its key, so that the terminal's
+    // language shows.
+    const auto text = [this](const char* key) { return module_ ? module_->tr(key) : QString::fromLatin1(key); };
     PropertyValues& v = propertyValues_;
-    const int chart = page->CreatePropertyGroup(QStringLiteral("Chart"))->id;
-    const int scales = page->CreatePropertyGroup(QStringLiteral("Price scales"))->id;
-    const int time = page->CreatePropertyGroup(QStringLiteral("Time scale"))->id;
-    const int defaults = page->CreatePropertyGroup(QStringLiteral("Defaults"))->id;
+    const int chart = page->CreatePropertyGroup(text("G0019"))->id;
+    const int scales = page->CreatePropertyGroup(text("C0017Font"))->id;
+    const int time = page->CreatePropertyGroup(text("G0078"))->id;
+    const int defaults = page->CreatePropertyGroup(text("C0035SetAsDef"))->id;
     CListOnePropery& list = *propertyList_;
-    list.addProperty(new CCheckIntProperty(page, kShowGrid, chart, true, &v.gridShow, 1, 0, "Show grid",
-                                           "Whether the grid lines are drawn"));
-    list.addProperty(new CColorProperty(page, kGridColor, chart, true, &v.gridColor, "Grid color",
-                                        "Colour of the grid lines"));
-    list.addProperty(new CColorProperty(page, kAreaColor, chart, true, &v.areaColor, "Area color",
-                                        "Background colour of the chart areas and price scales"));
-    list.addProperty(new CCheckIntProperty(page, kLeftScale, chart, true, &v.leftScale, 1, 0, "Left scale",
-                                           "Whether the left price scale is shown"));
-    list.addProperty(new CCheckIntProperty(page, kRightScale, chart, true, &v.rightScale, 1, 0, "Right scale",
-                                           "Whether the right price scale is shown"));
-    list.addProperty(new CIntProperty(page, kFreeStep, chart, true, 0, kMaxFreeStep, &v.freeStep, "Free space",
-                                      "Empty positions kept at the right edge of the chart"));
-    list.addProperty(new CCheckIntProperty(page, kAutoScroll, chart, true, &v.autoScroll, 1, 0, "Auto scroll",
-                                           "Scroll to the newest data as it arrives"));
-    list.addProperty(new CFontProperty(page, kScaleFont, scales, true, &v.areasFont, "Scale font",
-                                       "Font of the price scales and the time scale"));
-    list.addProperty(new CColorProperty(page, kScaleFontColor, scales, true, &v.areasFontColor, "Scale font color",
-                                        "Colour of the scales' texts"));
+    list.addProperty(new CCheckIntProperty(page, kShowGrid, chart, true, &v.gridShow, 1, 0, text("PF0005"),
+                                           text("PF0005")));
+    list.addProperty(new CColorProperty(page, kGridColor, chart, true, &v.gridColor, text("G0021"), text("G0021")));
+    list.addProperty(new CColorProperty(page, kAreaColor, chart, true, &v.areaColor, text("C0004BckGrndColor"),
+                                        text("G0088Message")));
+    list.addProperty(new CCheckIntProperty(page, kLeftScale, chart, true, &v.leftScale, 1, 0, text("G0036"),
+                                           text("G0036")));
+    list.addProperty(new CCheckIntProperty(page, kRightScale, chart, true, &v.rightScale, 1, 0, text("G0052"),
+                                           text("G0052")));
+    list.addProperty(new CIntProperty(page, kFreeStep, chart, true, 0, kMaxFreeStep, &v.freeStep, text("G0016"),
+                                      text("G0016")));
+    list.addProperty(new CCheckIntProperty(page, kAutoScroll, chart, true, &v.autoScroll, 1, 0, text("G0086"),
+                                           text("G0086")));
+    list.addProperty(new CFontProperty(page, kScaleFont, scales, true, &v.areasFont, text("C0017Font"),
+                                       text("G0065Message")));
+    list.addProperty(new CColorProperty(page, kScaleFontColor, scales, true, &v.areasFontColor, text("C0018FontColor"),
+                                        text("G0064Message")));
     list.addProperty(new CColorProperty(page, kTsBackground, time, true, &v.tsBackgroundColor,
-                                        "Time scale background", "Background colour of the time scale"));
-    list.addProperty(new CColorProperty(page, kTsGrid, time, true, &v.tsGridColor, "Time scale grid color",
-                                        "Colour of the time scale's marks"));
+                                        text("C0004BckGrndColor"), text("G0067Message")));
+    list.addProperty(new CColorProperty(page, kTsGrid, time, true, &v.tsGridColor, text("G0021"),
+                                        text("G0075Message")));
     list.addProperty(new CDefaultProperty(page, kSaveAsDefault, defaults, static_cast<CPropertyHead*>(this)));
 
     LoadPropertyValues();

@@ -77,6 +77,10 @@ void PFChartWidget::AfterRestore(int count) {
     SetScrollRange();
     UpdateTitle();
     update();
+    SendUndoRefreshed(count);
+}
+
+void PFChartWidget::SendUndoRefreshed(int count) {
     if (module_ && module_->sendToHost)
         module_->sendToHost(module_->hostHandle, MSG_UNDO_REFRESHED, reinterpret_cast<std::intptr_t>(this), count);
 }
@@ -84,6 +88,7 @@ void PFChartWidget::AfterRestore(int count) {
 int PFChartWidget::UndoPop(const coreUndoStart* record, coreUndoRefresh* result) {
     if (!record || !result) return 1;
     std::memset(result, 0, sizeof *result);
+    const BusyScope busy(this);
     const coreUndoStart start = *record;
     // A move not yet recorded is not on the host's stack: the host undoes what came before.
     pendingUndo_.reset();

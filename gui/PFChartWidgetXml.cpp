@@ -102,6 +102,7 @@ void PFChartWidget::FromXML(const boost::shared_ptr<CXMLWorkData>& tree) {
     if (!tree) return;
     std::unique_ptr<CXMLWorkData> node(tree->getFirstNode("PFWidget"));
     if (!node) return;
+    const BusyScope busy(this);
     ReadWidgetData(node.get());
     // A loaded layout replaces what the window showed.
     chart_->GetAreas().clear();

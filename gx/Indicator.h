@@ -77,6 +77,8 @@ public:
     // through the widget, the lines take their saved places. Indicators whose data the host
     // cannot give are left out.
     static void FromXML(const boost::shared_ptr<Layer>& layer, CXMLWorkData* layerNode);
+    // One saved "PFIndicator" node, added to the layer.
+    static void FromXMLNode(const boost::shared_ptr<Layer>& layer, CXMLWorkData* node);
     // Gives the indicator a line for every array of its source again.
     void RebuildLines();
     const boost::shared_ptr<pf::ScaleEngine>& GetEngine() const { return engine_; }

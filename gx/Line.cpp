@@ -147,6 +147,7 @@ void Line::SelectingLS(const QMouseEvent& event, int& hits, int& candidates) con
     hits = 0;
     candidates = 0;
     for (const boost::shared_ptr<LineStudy>& s : studies_) {
+        if (!s->IsSelected()) continue;
         ++candidates;
         if (s->PtInLS(event.pos())) ++hits;
     }

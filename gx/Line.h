@@ -74,6 +74,7 @@ public:
     void SetName(const QString& name) { name_ = name; }
     int GetFirstVisibleFigure() const { return firstVisibleFigure_; }
     void SetFirstVisibleFigure(int index) { firstVisibleFigure_ = index; }
+    // 1 when the last press lets the studies change their selection.
     int GetGroupSelect() const { return groupSelect_; }
     // TIME of position `index`; 0 outside the data.
     std::int32_t GetTime(int index) const;
@@ -99,7 +100,10 @@ public:
     std::vector<boost::shared_ptr<LineStudy> > FindLS(int stateMask) const;
     std::vector<boost::shared_ptr<LineStudy> > FindLSSelected() const;
     bool IsGroupSelectLS(const QMouseEvent& event, const std::vector<boost::shared_ptr<LineStudy> >& studies) const;
-    // Counts the studies under the press (`hits`) and all studies (`candidates`).
+    // Counts the selected studies under the press (`hits`) and all selected studies
+    // (`candidates`). A press on some but not all of several selected studies keeps the
+    // selection (the group-selection flag is 0); any other press lets each study take its
+    // selection from the press.
     void SelectingLS(const QMouseEvent& event, int& hits, int& candidates) const;
     const std::vector<boost::shared_ptr<LineStudy> >& GetLineStudies() const { return studies_; }
     std::vector<boost::shared_ptr<LineStudy> >& GetLineStudies() { return studies_; }

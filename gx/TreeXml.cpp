@@ -190,31 +190,33 @@ void Layer::FromXML(const boost::shared_ptr<Area>& area, CXMLWorkData* areaNode)
 }
 
 void Indicator::FromXML(const boost::shared_ptr<Layer>& layer, CXMLWorkData* layerNode) {
+    ForEachChild(layerNode, "PFIndicator", kMaxIndicators, [&](CXMLWorkData* node) { FromXMLNode(layer, node); });
+}
+
+void Indicator::FromXMLNode(const boost::shared_ptr<Layer>& layer, CXMLWorkData* node) {
     Area* area = layer->GetArea();
     Chart* chart = area ? area->GetChart() : nullptr;
     PFChartWidget* widget = chart ? chart->GetWidget() : nullptr;
-    if (!widget) return;
-    ForEachChild(layerNode, "PFIndicator", kMaxIndicators, [&](CXMLWorkData* node) {
-        Origin origin;
-        origin.symbol = node->readString("InstrumentName");
-        origin.type = node->readString("InstrumentType");
-        origin.provider = node->readString("NameProvider");
-        origin.periodType = static_cast<char>(node->readInteger("InstrumentPeriodChar", 0));
-        origin.periodLength = node->readInteger("InstrumentPeriodLen", 0);
-        origin.startTime = node->readInteger("InstrumentPeriodStartTime", 0);
-        origin.style = node->readInteger("PrimitiveStyle", 0);
-        if (origin.symbol.isEmpty() || origin.periodLength < 0) return;
-        namePeriod period;
-        period.type = origin.periodType;
-        period.length = origin.periodLength;
-        const boost::shared_ptr<pf::DataSource> source = widget->CreateDataSource(nullptr, origin.symbol, period);
-        if (!source) return;
-        const boost::shared_ptr<Indicator> indicator = layer->AddIndicator(source);
-        indicator->SetOrigin(origin);
-        ForEachChild(node, "PFLine", kMaxLines,
-                     [&](CXMLWorkData* lineNode) { Line::FromXML(indicator, lineNode); });
-        widget->RestorePositions(area, node->readInteger("StartPosition", 0), node->readInteger("VisibleFigures", -1));
-    });
+    if (!widget || !node) return;
+    Origin origin;
+    origin.symbol = node->readString("InstrumentName");
+    origin.type = node->readString("InstrumentType");
+    origin.provider = node->readString("NameProvider");
+    origin.periodType = static_cast<char>(node->readInteger("InstrumentPeriodChar", 0));
+    origin.periodLength = node->readInteger("InstrumentPeriodLen", 0);
+    origin.startTime = node->readInteger("InstrumentPeriodStartTime", 0);
+    origin.style = node->readInteger("PrimitiveStyle", 0);
+    if (origin.symbol.isEmpty() || origin.periodLength < 0) return;
+    namePeriod period;
+    period.type = origin.periodType;
+    period.length = origin.periodLength;
+    const boost::shared_ptr<pf::DataSource> source = widget->CreateDataSource(nullptr, origin.symbol, period);
+    if (!source) return;
+    const boost::shared_ptr<Indicator> indicator = layer->AddIndicator(source);
+    indicator->SetOrigin(origin);
+    ForEachChild(node, "PFLine", kMaxLines,
+                 [&](CXMLWorkData* lineNode) { Line::FromXML(indicator, lineNode); });
+    widget->RestorePositions(area, node->readInteger("StartPosition", 0), node->readInteger("VisibleFigures", -1));
 }
 
 void Line::FromXML(const boost::shared_ptr<Indicator>& indicator, CXMLWorkData* lineNode) {

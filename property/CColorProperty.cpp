@@ -20,9 +20,9 @@ void CColorProperty::changeValue(QVariant& value, stateChangeProperty& state) {
         if ((std::uint32_t(rgb) & 0xFFFFFFu) != (std::uint32_t(*variable_) & 0xFFFFFFu)) state.changed = notify_;
         *variable_ = long(rgb);
     } else if (record_) {
-        const std::uint32_t bare = std::uint32_t(rgb) & 0xFFFFFFu;
-        if (bare != (record_->color & 0xFFFFFFu)) state.changed = notify_;
-        record_->color = bare;
+        // Stored as rgb() gives it, alpha byte included, as the variable is.
+        if ((std::uint32_t(rgb) & 0xFFFFFFu) != (record_->color & 0xFFFFFFu)) state.changed = notify_;
+        record_->color = std::uint32_t(rgb);
     }
 }
 

@@ -53,18 +53,30 @@ struct Entry {
     void* node;  // the node's host handle, opened again when its turn comes
 };
 
-// Collects the record's line nodes; they are put back in order of place afterwards (the
-// order of the refresh), so that every area, layer and indicator lands where it was.
+// Hands each child `name` of a record's "Node" to `visit`, at most `limit` of them.
+template <class F>
+void ForEachSaved(CXMLWorkData* node, const char* name, F visit, int limit = 4096) {
+    std::unique_ptr<CXMLWorkData> child(node->getFirstNode(name));
+    for (int n = 0; child && n < limit; ++n) {
+        visit(child.get());
+        child.reset(node->getNextNode());
+    }
+}
+
+// Collects the record's "PFIndicator" nodes; they are put back in order of place afterwards
+// (the order of the refresh), so that every area, layer and indicator lands where it was.
 struct LinePop {
     std::vector<Entry> entries;
-    void Visit(CXMLWorkData* node) {
-        if (node->readInteger("ObjectType", -1) != kObjectIndicator) return;
-        Entry e{node->readInteger("nArea", -1),        node->readInteger("nLayer", -1),
-                node->readInteger("nodeIndex", -1),     node->readInteger("AreaGone", 0) != 0,
-                node->readInteger("LayerGone", 0) != 0, node->readInteger("IndicatorGone", 0) != 0,
-                node->node()};
-        if (e.area < 0 || e.layer < 0 || e.index < 0) return;
-        entries.push_back(e);
+    void Visit(CXMLWorkData* record) {
+        ForEachSaved(record, "PFIndicator", [this](CXMLWorkData* node) {
+            if (node->readInteger("ObjectType", -1) != kObjectIndicator) return;
+            Entry e{node->readInteger("nArea", -1),        node->readInteger("nLayer", -1),
+                    node->readInteger("nodeIndex", -1),     node->readInteger("AreaGone", 0) != 0,
+                    node->readInteger("LayerGone", 0) != 0, node->readInteger("IndicatorGone", 0) != 0,
+                    node->node()};
+            if (e.area < 0 || e.layer < 0 || e.index < 0) return;
+            entries.push_back(e);
+        });
     }
 };
 
@@ -72,9 +84,9 @@ struct LinePop {
 
 namespace {
 
-// Every line study that goes with the deletion (selected, or on a selected line): a "Node"
-// with its "LineStudy" (its host handle, its line, its point count), marked as deleted,
-// with its place among the studies of its line as "nodeIndex".
+// Every line study that goes with the deletion (selected, or on a selected line): its
+// "LineStudy" node as saved in a layout, marked as deleted, with its place among the
+// studies of its line as "nodeIndex".
 void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
     const std::vector<boost::shared_ptr<gx::Area> >& areas = widget->GetChart()->GetAreas();
     for (std::size_t a = 0; a < areas.size(); ++a)
@@ -88,12 +100,8 @@ void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
                     for (std::size_t k = 0; k < studies.size(); ++k) {
                         const boost::shared_ptr<gx::LineStudy>& study = studies[k];
                         if (!study->IsSelected() && !line.IsSelected()) continue;
-                        std::unique_ptr<CXMLWorkData> node(root->createNode("Node"));
-                        if (!node) continue;
-                        node->writeInteger("ObjectType", kObjectLineStudy);
-                        node->writeParameters();
                         // The study as saved in a layout, then its place as positions.
-                        std::unique_ptr<CXMLWorkData> saved = study->ToXML(node.get());
+                        std::unique_ptr<CXMLWorkData> saved = study->ToXML(root);
                         if (!saved) continue;
                         saved->writeInteger("nArea", static_cast<int>(a));
                         saved->writeInteger("nLayer", static_cast<int>(l));
@@ -114,16 +122,17 @@ void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
 struct LineStudyPop {
     PFChartWidget* widget;
     int restored = 0;
-    void Visit(CXMLWorkData* node) {
-        if (node->readInteger("ObjectType", -1) != kObjectLineStudy) return;
-        std::unique_ptr<CXMLWorkData> saved(node->getFirstNode("LineStudy"));
-        if (!saved || saved->readInteger("DeleteLS", 0) != 1) return;
+    void Visit(CXMLWorkData* record) {
+        ForEachSaved(record, "LineStudy", [this](CXMLWorkData* saved) { Restore(saved); });
+    }
+    void Restore(CXMLWorkData* saved) {
+        if (saved->readInteger("ObjectType", -1) != kObjectLineStudy || saved->readInteger("DeleteLS", 0) != 1) return;
         const boost::shared_ptr<gx::Line> line =
             UndoRecord::LineAt(widget, saved->readInteger("nArea", -1), saved->readInteger("nLayer", -1),
                                saved->readInteger("nIndicator", -1), saved->readInteger("nLine", -1));
         if (!line) return;
         // The host's study went with the deletion: it is made anew from the saved points.
-        const boost::shared_ptr<gx::LineStudy> study = gx::LineStudy::FromXML(line, saved.get());
+        const boost::shared_ptr<gx::LineStudy> study = gx::LineStudy::FromXML(line, saved);
         if (!study) return;
         ++restored;
         std::vector<boost::shared_ptr<gx::LineStudy> >& studies = line->GetLineStudies();
@@ -153,6 +162,10 @@ void CmdAnyLineDelUndo::Execute(int, void* target, void*, void*, void*) {
     if (!any) return;
     UndoRecord record(widget, "G0134");
     if (!record.Root()) return;
+    // One "Node" under the record's root holds everything: a "PFIndicator" per indicator
+    // that loses lines (with its lost "PFLine"s) and a "LineStudy" per study that goes.
+    std::unique_ptr<CXMLWorkData> content(record.Root()->createNode("Node"));
+    if (!content) return;
     for (std::size_t a = 0; a < areas.size(); ++a) {
         const gx::Area& area = *areas[a];
         const bool areaGone = AreaGoes(area);
@@ -164,19 +177,16 @@ void CmdAnyLineDelUndo::Execute(int, void* target, void*, void*, void*) {
                 bool selected = false;
                 for (const boost::shared_ptr<gx::Line>& line : indicator->GetLines()) selected = selected || line->IsSelected();
                 if (!selected) continue;
-                std::unique_ptr<CXMLWorkData> node(record.Root()->createNode("Node"));
-                if (!node) continue;
-                node->writeInteger("ObjectType", kObjectIndicator);
-                node->writeInteger("nArea", static_cast<int>(a));
-                node->writeInteger("nLayer", static_cast<int>(l));
-                node->writeInteger("nodeIndex", static_cast<int>(i));
-                node->writeInteger("AreaGone", areaGone ? 1 : 0);
-                node->writeInteger("LayerGone", layerGone ? 1 : 0);
-                node->writeInteger("IndicatorGone", AllSelected(*indicator) ? 1 : 0);
-                node->writeParameters();
-                std::unique_ptr<CXMLWorkData> saved(node->createNode("PFIndicator"));
+                std::unique_ptr<CXMLWorkData> saved(content->createNode("PFIndicator"));
                 if (!saved) continue;
                 indicator->ToXML(saved.get());
+                saved->writeInteger("ObjectType", kObjectIndicator);
+                saved->writeInteger("nArea", static_cast<int>(a));
+                saved->writeInteger("nLayer", static_cast<int>(l));
+                saved->writeInteger("nodeIndex", static_cast<int>(i));
+                saved->writeInteger("AreaGone", areaGone ? 1 : 0);
+                saved->writeInteger("LayerGone", layerGone ? 1 : 0);
+                saved->writeInteger("IndicatorGone", AllSelected(*indicator) ? 1 : 0);
                 saved->writeParameters();
                 for (const boost::shared_ptr<gx::Line>& line : indicator->GetLines()) {
                     if (!line->IsSelected()) continue;
@@ -188,7 +198,7 @@ void CmdAnyLineDelUndo::Execute(int, void* target, void*, void*, void*) {
             }
         }
     }
-    PushLineStudies(record.Root(), widget);
+    PushLineStudies(content.get(), widget);
     record.Commit();
 }
 
@@ -233,7 +243,7 @@ void CmdAnyLineDelUndo::UnExecute(int, void* target, void* record, void* result,
             PFChartModule* module = widget->GetModule();
             const std::unique_ptr<CXMLWorkData> node(
                 new CXMLWorkData(module->hostHandle, root->document(), e.node, module->sendToHost));
-            gx::Indicator::FromXML(layer, node.get());
+            gx::Indicator::FromXMLNode(layer, node.get());
             if (layer->GetIndicatorCount() == before) continue;
             // Appended at the end: moved to its place.
             std::vector<boost::shared_ptr<gx::Indicator> >& all = layer->GetIndicators();
@@ -250,6 +260,8 @@ void CmdAnyLineDelUndo::UnExecute(int, void* target, void* record, void* result,
     LineStudyPop studies{widget};
     XMLTreeWalker<LineStudyPop>(root.get(), studies).Walk();
     restored += studies.restored;
+    // The host hears of the end of the undo (3142) whether or not anything came back.
     if (restored) widget->AfterRestore(restored);
+    else widget->SendUndoRefreshed(0);
     UndoRecord::CopyWords(start, static_cast<coreUndoRefresh*>(result));
 }

@@ -116,7 +116,7 @@ PF_LAYOUT64(sizeof(PROPERTY_VALUE_WIDGET) == 12);
 // mark): its colour and its width or size in points. A colour entry of a page may be bound
 // to the colour of such a record; the points stay the record owner's. 8 bytes.
 struct coreColorPoints {
-    std::uint32_t color;           // 0x00RRGGBB; the top byte is 0
+    std::uint32_t color;           // RGB in the low three bytes; an edit stores QColor::rgb() (alpha 0xFF)
     std::int32_t points;           // the pen's width or the mark's size, in points
 };
 PF_LAYOUT32(sizeof(coreColorPoints) == 8);

@@ -64,10 +64,19 @@ LineStudy::LineStudy(Line* line, void* provider, const QString& name, const QPoi
     : Object(rect) {
     Init(line, engine);
     const int shapes = Create(provider, name, color);
+    // Every point at the dropped column: its time from the time scale, which ends at the
+    // last candle; its position may lie beyond it.
+    Chart* chart = GetChart();
+    const TimeScale* scale = chart ? chart->GetTimeScale() : nullptr;
+    int position = scale ? scale->GetPointPos(at) : MouseColumn(at);
+    if (position == -1) position = 0;
+    const long time = scale ? scale->GetPointTime(at) : (line_ ? line_->GetIndexVirtualTime(position) : 0);
     for (std::size_t i = 0; i < in_.size(); ++i) {
         lsPointShape& p = in_[i];
         std::memset(&p, 0, sizeof p);
-        SetPointAt(p, at);
+        p.m_xTime = static_cast<std::int32_t>(time);
+        p.value = static_cast<float>(MousePrice(at));
+        RecomputePositionByIndex(p, position);
         p.m_typePoint = i == 0 ? LS_POINT_PLACED : LS_POINT_NOT_PLACED;
     }
     Attach();
@@ -235,7 +244,8 @@ void LineStudy::UpdateShapeCount(int count) {
     FreeMem();
     count = std::max(0, std::min(count, kMaxShapes));
     sizes_.assign(std::size_t(count), 0);
-    if (count > 0) Send(provider_, MSG_LS_SHAPE_SIZES, id_, Param(sizes_.data()));
+    // Asked even for no shapes: the host learns that the study's shape list is empty.
+    Send(provider_, MSG_LS_SHAPE_SIZES, id_, Param(sizes_.data()));
     shapes_.resize(std::size_t(count));
     blocks_.resize(std::size_t(count));
     long long budget = kMaxStudyBytes - static_cast<long long>(count) * static_cast<long long>(sizeof(lsShape));
@@ -313,14 +323,28 @@ void LineStudy::RecomputePositionByIndex(lsPointShape& point, int index) const {
     point.index = CorrectCPIndex(index);
 }
 
+int LineStudy::VirtualTimePosition(long time) const {
+    if (!line_) return 0;
+    // The time scale's search for the line's interval: intraday charts take the first
+    // position at or after the time, daily and longer ones the candle at or before it.
+    // Past the last time it steps on with the line's time step.
+    const Chart* chart = GetChart();
+    const TimeScale* scale = chart ? chart->GetTimeScale() : nullptr;
+    if (!scale || scale->Count() == 0) return line_->GetTimeVirtualIndex(time);
+    int count = 0;
+    const int interval = line_->GetTimeInterval(count);
+    const TimeScale::eDateType type = static_cast<TimeScale::eDateType>(std::min<int>(interval, TimeScale::DateYear));
+    const std::int64_t step = std::min<std::int64_t>(line_->GetTimeStep(), 0x7FFFFFFF);
+    return scale->GetVirtualTimePos(time, type, static_cast<int>(step));
+}
+
 void LineStudy::RecomputePositionByTime(lsPointShape& point, long time) const {
-    const int position = line_ ? line_->GetTimeVirtualIndex(time) : 0;
-    RecomputePositionByIndex(point, position);
+    RecomputePositionByIndex(point, VirtualTimePosition(time));
 }
 
 bool LineStudy::IsInFreeSpaceByTime(long time) const {
     if (!line_ || !line_->GetArray()) return true;
-    const int position = line_->GetTimeVirtualIndex(time);
+    const int position = VirtualTimePosition(time);
     return position < 0 || position + 1 >= line_->Size();
 }
 
@@ -447,9 +471,9 @@ bool LineStudy::AppendDrawKey(QByteArray& key) const {
 
 bool LineStudy::PtInLS(const QPoint& point) const {
     if (shapes_.empty() || out_.empty() || out_[0].m_typePoint == LS_POINT_LAST) return false;
-    const int outUsed = OutPointsUsed();
     for (int i = 0; i < static_cast<int>(shapes_.size()); ++i) {
-        if (IsPolyLine() && i >= outUsed - 1 && i > 0) break;
+        // Every study's shapes end at its terminating point.
+        if (i < static_cast<int>(out_.size()) && out_[std::size_t(i)].m_typePoint == LS_POINT_LAST) break;
         try {
             if (LsFactory::Instance().Create(shapes_[std::size_t(i)].type, engine_, rect_, cps_, i, this)->PtInLS(point))
                 return true;

@@ -137,6 +137,8 @@ public:
     int GetNormalizeIndex(const lsPointShape& point) const;
     int GetNormalizeIndex(const lsShapeVLine& line) const;
     void RecomputePositionByIndex(lsPointShape& point, int index) const;
+    // The time scale's virtual position of a time, searched as the line's interval wants.
+    int VirtualTimePosition(long time) const;
     void RecomputePositionByTime(lsPointShape& point, long time) const;
     bool IsInFreeSpaceByTime(long time) const;
     bool IsInCandleSpaceByTime(long time) const { return !IsInFreeSpaceByTime(time); }
@@ -222,6 +224,8 @@ private:
     void SetPointAt(lsPointShape& point, const QPoint& p) const;
     bool PointsEqual(const std::vector<lsPointShape>& a, const std::vector<lsPointShape>& b) const;
     void PolyLineDoubleClick(const QMouseEvent& event);
+    // After the host failed an exchange of a mouse step: deleted in the host, off its line.
+    void LeaveAfterHostError();
 
     Line* line_ = nullptr;
     boost::shared_ptr<pf::ScaleEngine> engine_;
@@ -241,6 +245,7 @@ private:
     int dragX_ = 0;
     int dragY_ = 0;
     int placed_ = 0;
+    bool rubberBand_ = false;  // a move has put the point being placed
     lsControlPointsShapes cps_;
     std::vector<lsPointShape> in_;
     std::vector<lsPointShape> out_;

@@ -45,8 +45,11 @@ void LineStudy::mousePressEvent(const QMouseEvent& event) {
         Object::Select(true);
         SetFocus();
         if (placed_ >= static_cast<int>(in_.size())) return;
+        // The point stays where the rubber band put it. Only the study's first point, born
+        // with this press before any move could place it, takes the press position.
         lsPointShape& point = in_[std::size_t(placed_)];
-        SetPointAt(point, event.pos());
+        if (!rubberBand_) SetPointAt(point, event.pos());
+        rubberBand_ = false;
         point.m_typePoint = LS_POINT_PLACED;
         ++placed_;
         if (placed_ >= static_cast<int>(in_.size())) {
@@ -55,9 +58,8 @@ void LineStudy::mousePressEvent(const QMouseEvent& event) {
             state_ = StateCreated;
         } else {
             state_ |= StateNewPoint;
-            GetListControlPointer();
         }
-        if (cps_.error == 1) Delete();
+        if (cps_.error == 1) LeaveAfterHostError();
         return;
     }
     ReleaseTempDraw();
@@ -66,8 +68,11 @@ void LineStudy::mousePressEvent(const QMouseEvent& event) {
         int index = -1;
         return IsSelected() && PtInCP(event.pos(), index);
     }();
+    // Without Shift the press decides the selection, when the line lets it (a press on one
+    // of several selected studies keeps them all); with Shift a hit adds to the selection
+    // and a miss keeps it.
     if (!(event.modifiers() & Qt::ShiftModifier)) {
-        Object::Select(hit);
+        if (!line_ || line_->GetGroupSelect()) Object::Select(hit);
     } else if (hit) {
         Object::Select(true);
     }
@@ -106,7 +111,9 @@ bool LineStudy::CheckMoveOut(int from, int to) const {
 void LineStudy::MoveLineStudyCPHorizontal(int index, int from, int to) {
     if (index < 0 || index >= static_cast<int>(in_.size())) return;
     lsPointShape& p = in_[std::size_t(index)];
-    const int position = std::max(0, GetNormalizeIndex(p) + (to - from));
+    // Not held at candle 0: one point may be dragged left of the data (a whole study may not,
+    // CheckMoveOut).
+    const int position = GetNormalizeIndex(p) + (to - from);
     const long time = line_ ? line_->GetIndexVirtualTime(position) : 0;
     p.m_xTime = static_cast<std::int32_t>(time < 0 ? 0 : time);
     RecomputePositionByIndex(p, position);
@@ -146,6 +153,7 @@ void LineStudy::mouseMoveEvent(const QMouseEvent& event) {
         point.m_xTime = static_cast<std::int32_t>(time);
         point.value = static_cast<float>(MousePrice(event.pos()));
         RecomputePositionByIndex(point, column);
+        rubberBand_ = true;
         GetListControlPointer();
         return;
     }
@@ -192,8 +200,8 @@ bool LineStudy::PointsEqual(const std::vector<lsPointShape>& a, const std::vecto
     return true;
 }
 
-void LineStudy::mouseReleaseEvent(const QMouseEvent& event) {
-    if (event.button() != Qt::LeftButton) return;
+void LineStudy::mouseReleaseEvent(const QMouseEvent&) {
+    // Every button's release ends a drag or a placement step.
     dragX_ = 0;
     dragY_ = 0;
     dragIndex_ = -1;
@@ -202,20 +210,21 @@ void LineStudy::mouseReleaseEvent(const QMouseEvent& event) {
         state_ &= ~StateNewPoint;
         return;
     }
-    if (state_ & StateCreating) {
-        if (placed_ < static_cast<int>(in_.size())) {
-            lsPointShape& point = in_[std::size_t(placed_)];
-            SetPointAt(point, event.pos());
-            point.m_typePoint = LS_POINT_PLACED;
-            ++placed_;
-            if (placed_ >= static_cast<int>(in_.size())) {
-                if (IsPolyLine()) in_[std::size_t(placed_ - 1)].m_typePoint = LS_POINT_LAST;
-                FinishCreating(true);
-                state_ = StateCreated;
-            }
+    if ((state_ & StateCreating) && placed_ < static_cast<int>(in_.size())) {
+        // A release that follows no placing press places the point (a drag from a press
+        // the study did not see).
+        lsPointShape& point = in_[std::size_t(placed_)];
+        point.m_typePoint = LS_POINT_PLACED;
+        rubberBand_ = false;
+        ++placed_;
+        if (placed_ >= static_cast<int>(in_.size())) {
+            if (IsPolyLine()) in_[std::size_t(placed_ - 1)].m_typePoint = LS_POINT_LAST;
+            FinishCreating(true);
+            state_ = StateCreated;
         }
         return;
     }
+    // A study with no point to place (the host gave it none) is done as well.
     state_ = StateCreated;
     if ((previous & StateMoving) && snapshot_) {
         if (!PointsEqual(snapshot_->In(), in_))
@@ -286,7 +295,18 @@ void LineStudy::PolyLineDoubleClick(const QMouseEvent& event) {
     } else {
         return;
     }
+    // The host recomputes the shapes. A failing host has deleted the study, and the error
+    // thrown ends at the chart window's barrier, which takes the study off its line.
     UpdateShapeCount(static_cast<int>(shapes_.size()));
+}
+
+void LineStudy::LeaveAfterHostError() {
+    // The study has left the host (Delete) and now leaves its line, so that nothing of it is
+    // drawn or saved and the drawing tool can start a new one. The caller's copy of the
+    // line's list keeps this object alive until its handler returns.
+    Delete();
+    state_ = StateCreated;
+    if (Line* line = line_) line->DeleteLineStudy(this);
 }
 
 }  // namespace gx

@@ -38,43 +38,36 @@ void LsLine::Draw(QPainter& painter) {
     if (e.x0 < rect_.left() && e.x1 < rect_.left()) return;
     if (e.x0 > rect_.right() && e.x1 > rect_.right()) return;
     if (e.y0 < rect_.top() && e.y1 < rect_.top()) return;
-    if (e.y0 >= rect_.bottom() && e.y1 >= rect_.bottom()) return;
+    if (e.y0 > rect_.bottom() && e.y1 > rect_.bottom()) return;
     const double slope = e.x1 == e.x0 ? 0.0 : double(e.y1 - e.y0) / double(e.x1 - e.x0);
     QPoint left(e.x0, e.y0), right(e.x1, e.y1);
     if (right.x() < left.x()) std::swap(left, right);
     QPoint from = left, to = right;
-    if (e.x0 != e.x1) {
-        if (e.extendRight) to = Extend(right.x(), right.y(), slope, rect_.right());
-        if (e.extendLeft) from = Extend(left.x(), left.y(), slope, rect_.left());
-    } else {
-        // A vertical line extends up to the area's top (right) and down to its bottom (left)
-        // from its second point, as its hit test has it.
-        const QPoint second(e.x1, e.y1);
-        const QPoint top(e.x0, rect_.top()), bottom(e.x0, rect_.bottom());
-        if (e.extendRight && e.extendLeft) {
-            from = top;
-            to = bottom;
-        } else if (e.extendRight) {
-            from = top;
-            to = QPoint(e.x0, std::max(second.y(), std::max(e.y0, e.y1)));
-        } else if (e.extendLeft) {
-            from = QPoint(e.x0, std::min(second.y(), std::min(e.y0, e.y1)));
-            to = bottom;
-        }
-    }
+    // A vertical line has slope 0: its extensions run level to the area's edges from its
+    // second point.
+    if (e.extendRight) to = Extend(right.x(), right.y(), slope, rect_.right());
+    if (e.extendLeft) from = Extend(left.x(), left.y(), slope, rect_.left());
     const std::int32_t width = shape_->penWidth;
     const int h = static_cast<int>(width * 0.5 + 0.5);
     // Clipped to its box grown by half the pen, within the area; a line whose box lies in the
     // area needs no clip to look the same.
-    const QRect box = QRect(from, to).normalized().adjusted(-h, -h, h, h);
-    if (rect_.contains(box)) {
-        painter.drawLine(from, to);
-    } else {
+    QRect box = QRect(from, to).normalized();
+    if (e.x0 == e.x1) box = box.united(QRect(left, right).normalized());
+    box.adjust(-h, -h, h, h);
+    const bool clip = !rect_.contains(box);
+    if (clip) {
         painter.save();
         painter.setClipRect(box.intersected(rect_));
-        painter.drawLine(from, to);
-        painter.restore();
     }
+    if (e.x0 != e.x1) {
+        painter.drawLine(from, to);
+    } else {
+        // The level extensions do not continue the segment: three pieces.
+        painter.drawLine(left, right);
+        if (e.extendRight) painter.drawLine(right, to);
+        if (e.extendLeft) painter.drawLine(from, left);
+    }
+    if (clip) painter.restore();
     switch (static_cast<std::int32_t>(shape_->titlePosition)) {
         case 1: DrawTitle(painter, to.x(), to.y()); break;
         case 2: DrawTitle(painter, from.x(), from.y()); break;

@@ -61,7 +61,8 @@ void LsText::Draw(QPainter& painter) {
     painter.setClipRect(QRect(QPoint(left, anchor.y()), QPoint(right, bottom)));
     painter.setFont(font);
     painter.setPen(QPen(Color()));
-    painter.drawText(QRect(anchor, QSize(std::max(1, rect_.width()), std::max(1, rect_.height()))), kTextFlags, text);
+    // One line, its baseline at the anchor's y plus the measured height.
+    painter.drawText(QPoint(anchor.x(), anchor.y() + height), text);
     painter.restore();
 }
 

@@ -18,6 +18,7 @@
 
 #include "FakeHost.h"
 #include "abi/messages.h"
+#include "gui/Barrier.h"
 #include "gui/PFChartWidget.h"
 #include "gx/Area.h"
 #include "gx/Chart.h"
@@ -89,7 +90,7 @@ struct ChartWindowFixture : ::testing::Test {
             return 0;
         });
         host.on(MSG_HEAD_NODE_INFO, [](void*, std::intptr_t, std::intptr_t) { return 0; });
-        widget.reset(new PFChartWidget(&module, PFChartWidget::PointFigure, nullptr));
+        widget.reset(new pf::gui::Guarded<PFChartWidget>(&module, PFChartWidget::PointFigure, nullptr));
         widget->resize(900, 600);
         host.clear();
     }

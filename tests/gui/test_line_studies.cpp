@@ -59,9 +59,21 @@ struct LineStudies : ChartWindowFixture {
                           type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, modifiers);
         QApplication::sendEvent(widget.get(), &event);
     }
-    void Click(const QPoint& at) {
-        Mouse(QEvent::MouseButtonPress, at);
-        Mouse(QEvent::MouseButtonRelease, at);
+    void Click(const QPoint& at, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        Mouse(QEvent::MouseButtonPress, at, modifiers);
+        Mouse(QEvent::MouseButtonRelease, at, modifiers);
+    }
+    // A release of `button` (press and move are left-button events above).
+    void Release(const QPoint& at, Qt::MouseButton button) {
+        QMouseEvent event(QEvent::MouseButtonRelease, at, widget->mapToGlobal(at), button, Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(widget.get(), &event);
+    }
+    QImage Image(const LineStudy& study) {
+        QImage image(widget->size(), QImage::Format_ARGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        study.Draw(painter);
+        return image;
     }
     boost::shared_ptr<LineStudy> Study(std::size_t i = 0) {
         return i < Line().GetLineStudies().size() ? Line().GetLineStudies()[i] : boost::shared_ptr<LineStudy>();
@@ -519,6 +531,215 @@ TEST_F(LineStudies, DroppedPrimitiveMakesAStudyAtTheDropPoint) {
     EXPECT_EQ(study->GetInPoints()[0].index, 15);
     EXPECT_TRUE(study->PtInLS(QPoint(At(40, 0).x(), at.y())));
     EXPECT_EQ(widget->GetChart()->GetAreaCount(), 1);
+}
+
+// ---- selection, deletion and placement by the mouse ----
+
+// The context menu's delete takes the study and everything else selected, in one undo step.
+TEST_F(LineStudies, ContextMenuDeleteTakesEverySelectedStudy) {
+    const boost::shared_ptr<LineStudy> a = Place("HLine", {At(10, 1.004f)});
+    const boost::shared_ptr<LineStudy> b = Place("HLine", {At(20, 1.012f)});
+    const boost::shared_ptr<LineStudy> c = Place("HLine", {At(30, 1.016f)});
+    ASSERT_TRUE(a && b && c);
+    a->Select(true);
+    b->Select(true);
+    c->Select(false);
+    widget->FillContextMenu();
+    QAction* deleteA = nullptr;
+    int seen = 0;
+    for (QAction* action : widget->GetChart()->GetPropMenu()->actions())
+        if (action->text() == QStringLiteral("HLine") && seen++ == 2) deleteA = action;  // a's third entry
+    ASSERT_TRUE(deleteA);
+    host.clear();
+    deleteA->trigger();
+    ASSERT_EQ(Line().GetLineStudies().size(), 1u);
+    EXPECT_EQ(Study(0), c);
+    EXPECT_EQ(host.find(MSG_LS_DELETE).size(), 2u);
+    EXPECT_EQ(host.find(MSG_UNDO_BEGIN).size(), 1u);
+}
+
+// A plain press decides each study's selection; with Shift a hit adds to it and a miss keeps
+// it; a plain press on one of several selected studies keeps them all.
+TEST_F(LineStudies, ShiftPressAddsToTheSelection) {
+    const boost::shared_ptr<LineStudy> a = Place("HLine", {At(10, 1.004f)});
+    const boost::shared_ptr<LineStudy> b = Place("HLine", {At(20, 1.014f)});
+    ASSERT_TRUE(a && b);
+    const QPoint onA = At(30, 1.004f), onB = At(30, 1.014f), off = At(30, 1.009f);
+    ASSERT_TRUE(a->PtInLS(onA) && !a->PtInLS(onB) && b->PtInLS(onB) && !a->PtInLS(off) && !b->PtInLS(off));
+    Click(onA);
+    EXPECT_TRUE(a->IsSelected());
+    EXPECT_FALSE(b->IsSelected());
+    Click(onB, Qt::ShiftModifier);
+    EXPECT_TRUE(a->IsSelected());
+    EXPECT_TRUE(b->IsSelected());
+    Click(off, Qt::ShiftModifier);
+    EXPECT_TRUE(a->IsSelected() && b->IsSelected());
+    Click(onA);
+    EXPECT_TRUE(a->IsSelected() && b->IsSelected());
+    Click(off);
+    EXPECT_FALSE(a->IsSelected() || b->IsSelected());
+    Click(onB);
+    EXPECT_FALSE(a->IsSelected());
+    EXPECT_TRUE(b->IsSelected());
+}
+
+// One point may go left of candle 0 (a whole study may not); a dropped study beyond the last
+// candle takes the last candle's time and keeps its distance from it as its position.
+TEST_F(LineStudies, OnePointLeftOfCandleZeroAndADropBeyondTheLastCandle) {
+    const boost::shared_ptr<LineStudy> study = Place("Line", {At(2, 1.005f), At(12, 1.015f)});
+    ASSERT_TRUE(study);
+    // The view starts five columns before the data, so that there is room left of candle 0.
+    Line().GetEngine()->SetFirstColumn(-5);
+    Paint();
+    const QPoint marker = At(2, study->GetInPoints()[0].value);
+    ASSERT_GT(At(-2, 1.0f).x(), widget->GetChart()->GetAreas()[0]->Rect().left());
+    Mouse(QEvent::MouseButtonPress, marker);
+    Mouse(QEvent::MouseMove, marker);
+    Mouse(QEvent::MouseMove, At(-2, 1.005f));
+    Mouse(QEvent::MouseButtonRelease, At(-2, 1.005f));
+    EXPECT_EQ(study->GetInPoints()[0].index, -2);
+    EXPECT_EQ(study->GetInPoints()[0].indexType, 0);
+    EXPECT_EQ(study->GetInPoints()[1].index, 12);
+
+    host.on(MSG_DESCRIBE_PRIMITIVE, [this](void*, std::intptr_t, std::intptr_t p2) {
+        fxwcDropInstrument* r = reinterpret_cast<fxwcDropInstrument*>(p2);
+        r->baseHandle = provider.handle();
+        std::strcpy(r->symbol, "VLine");
+        std::strcpy(r->instrumentType, LS_PRIMITIVE_KIND);
+        return 0;
+    });
+    Line().GetEngine()->SetFirstColumn(0);
+    Paint();
+    QMimeData data;
+    data.setData("kovar/primitive", "VLine");
+    const int last = Line().Size() - 1;
+    QDropEvent drop(At(last + 3, 1.01f), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    static_cast<QObject*>(widget.get())->event(&drop);
+    const boost::shared_ptr<LineStudy> dropped = Study(1);
+    ASSERT_TRUE(dropped);
+    EXPECT_EQ(dropped->GetInPoints()[0].m_xTime, Line().GetTime(last));
+    EXPECT_EQ(dropped->GetInPoints()[0].indexType, 1);
+    EXPECT_EQ(dropped->GetInPoints()[0].index, 3);
+}
+
+// A placing press counts the point where the rubber band left it and asks the host nothing
+// more; a release of any button ends a drag; a study given no points is done at its release.
+TEST_F(LineStudies, PlacementPressesAndReleasesFollowTheSequence) {
+    provider.tool = "Chanel";
+    const QPoint p0 = At(10, 1.004f), p1 = At(16, 1.0f);
+    Click(p0);
+    const boost::shared_ptr<LineStudy> channel = Study();
+    ASSERT_TRUE(channel);
+    EXPECT_EQ(channel->GetInPoints()[0].index, 10);  // the first point: the press that made it
+    Mouse(QEvent::MouseMove, p1);
+    const int exchanges = provider.exchanges;
+    Mouse(QEvent::MouseButtonPress, At(20, 1.01f));  // no move brought the band here
+    EXPECT_EQ(provider.exchanges, exchanges);
+    EXPECT_EQ(channel->GetInPoints()[1].index, 16);
+    EXPECT_EQ(channel->GetState(), LineStudy::StateCreating | LineStudy::StateNewPoint);
+    Mouse(QEvent::MouseButtonRelease, At(20, 1.01f));
+    EXPECT_EQ(channel->GetState(), LineStudy::StateCreating);
+    EXPECT_EQ(channel->GetPlacedCount(), 2);
+    channel->CancelCreatingLS(false);
+
+    const boost::shared_ptr<LineStudy> line = Place("HLine", {At(10, 1.01f)});
+    ASSERT_TRUE(line && line->GetState() == LineStudy::StateCreated);
+    Mouse(QEvent::MouseButtonPress, At(20, 1.01f));
+    ASSERT_EQ(line->GetState(), LineStudy::StateMoving);
+    Release(At(20, 1.01f), Qt::RightButton);
+    EXPECT_EQ(line->GetState(), LineStudy::StateCreated);
+
+    provider.overrideCounts = true;
+    provider.cpCount = 0;
+    provider.shapeCount = 1;
+    provider.tool = "HLine";
+    Click(At(30, 1.01f));
+    const boost::shared_ptr<LineStudy> empty = Study(Line().GetLineStudies().size() - 1);
+    ASSERT_TRUE(empty && empty != line);
+    EXPECT_EQ(empty->GetState(), LineStudy::StateCreated);
+}
+
+// A host failing the exchange of a placing press or of a polyline's double click: the study
+// leaves host and line, nothing escapes the window, and the drawing tool starts anew.
+TEST_F(LineStudies, HostFailingAMouseStepRemovesTheStudyCleanly) {
+    provider.tool = "HLine";
+    provider.errorAfter = provider.exchanges + 2;  // creation's exchange passes, the press's fails
+    Click(At(10, 1.01f));
+    EXPECT_TRUE(Line().GetLineStudies().empty());
+    EXPECT_EQ(host.find(MSG_LS_DELETE).size(), 1u);
+    provider.errorAfter = -1;
+    const boost::shared_ptr<LineStudy> next = Place("HLine", {At(12, 1.01f)});
+    ASSERT_TRUE(next);
+    EXPECT_EQ(next->GetState(), LineStudy::StateCreated);
+    next->Delete();
+    Line().DeleteLineStudy(next.get());
+
+    std::vector<QPoint> points = {At(5, 1.004f), At(9, 1.006f), At(13, 1.004f)};
+    const boost::shared_ptr<LineStudy> poly = Place("PolyLine", points);
+    Mouse(QEvent::MouseButtonDblClick, points.back());
+    Mouse(QEvent::MouseButtonRelease, points.back());
+    ASSERT_EQ(poly->GetState(), LineStudy::StateCreated);
+    host.clear();
+    provider.errorAfter = provider.exchanges + 1;
+    const QPoint onSegment = (points[0] + points[1]) / 2;
+    ASSERT_TRUE(poly->PtInLS(onSegment));
+    EXPECT_NO_THROW(Mouse(QEvent::MouseButtonDblClick, onSegment));
+    EXPECT_TRUE(Line().GetLineStudies().empty());
+    EXPECT_EQ(host.find(MSG_LS_DELETE).size(), 1u);
+    Paint();
+}
+
+// ---- drawing and hit tests ----
+
+TEST_F(LineStudies, TerminatorsMarkersAndShapeSizes) {
+    // Any study's shapes end at a terminating point: a channel ended at its third point
+    // keeps its first line and loses its third.
+    const boost::shared_ptr<LineStudy> channel =
+        Place("Chanel", {At(10, 1.004f), At(14, 1.0f), At(30, 1.012f), At(20, 1.016f)});
+    ASSERT_TRUE(channel);
+    const QPoint onFirst = At(20, 1.008f), onThird = At(20, 1.020f);
+    ASSERT_TRUE(channel->PtInLS(onFirst));
+    ASSERT_TRUE(channel->PtInLS(onThird));
+    std::vector<lsPointShape> points = channel->GetInPoints();
+    points[2].m_typePoint = LS_POINT_LAST;
+    channel->RestorePoints(points);
+    EXPECT_TRUE(channel->PtInLS(onFirst));
+    EXPECT_FALSE(channel->PtInLS(onThird));
+
+    // A polyline finished by a double click shows its markers in its shapes' colour.
+    std::vector<QPoint> corners = {At(5, 1.004f), At(9, 1.008f), At(13, 1.004f)};
+    const boost::shared_ptr<LineStudy> poly = Place("PolyLine", {corners[0], corners[1]});
+    // A double click at the third corner: press, release, double click, release.
+    Mouse(QEvent::MouseMove, corners[2]);
+    Click(corners[2]);
+    Mouse(QEvent::MouseButtonDblClick, corners[2]);
+    Mouse(QEvent::MouseButtonRelease, corners[2]);
+    EXPECT_EQ(poly->GetInPoints()[2].m_typePoint, LS_POINT_LAST);
+    ASSERT_EQ(poly->GetState(), LineStudy::StateCreated);
+    ASSERT_TRUE(poly->IsSelected());
+    EXPECT_EQ(Image(*poly).pixel(corners[0]), QColor(provider.toolColor).rgb());
+
+    // 4505 is asked also of a study without shapes.
+    provider.overrideCounts = true;
+    provider.cpCount = 1;
+    provider.shapeCount = 0;
+    host.clear();
+    ASSERT_TRUE(widget->StartLineStudy(MiddleOfArea(0), provider.handle(), "HLine", 0, false));
+    EXPECT_EQ(host.find(MSG_LS_SHAPE_SIZES).size(), 1u);
+}
+
+// A double click on a study still being placed opens its properties (and ends a polyline).
+TEST_F(LineStudies, DoubleClickOnAStudyBeingPlacedOpensItsProperties) {
+    const std::vector<QPoint> corners = {At(5, 1.004f), At(15, 1.012f)};
+    const boost::shared_ptr<LineStudy> poly = Place("PolyLine", corners);
+    ASSERT_TRUE(poly && (poly->GetState() & LineStudy::StateCreating));
+    const QPoint onSegment = (corners[0] + corners[1]) / 2;
+    ASSERT_TRUE(poly->PtInLS(onSegment));
+    host.clear();
+    Mouse(QEvent::MouseButtonDblClick, onSegment);
+    EXPECT_EQ(host.find(MSG_LS_PROPERTIES).size(), 1u);
+    EXPECT_EQ(host.find(MSG_LS_BEFORE_PROPERTIES).size(), 1u);
+    EXPECT_EQ(poly->GetState(), LineStudy::StateCreated);
 }
 
 }  // namespace

@@ -1,10 +1,13 @@
 // The shapes of line studies on their own: hit tolerances, the vertical line's unplaced and
-// off-screen cases, an extended vertical straight line, the title's vertical placement,
-// an arc of 0 percent, and the factory's type table.
+// off-screen cases, an extended vertical straight line, a segment on the area's bottom row,
+// a text drawn as one line on its baseline, the title's vertical placement, an arc of 0
+// percent, and the factory's type table.
 #include <gtest/gtest.h>
 
+#include <QFontMetrics>
 #include <QImage>
 #include <QPainter>
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <stdexcept>
@@ -116,15 +119,15 @@ TEST(LsShapes, VerticalStraightLineExtendedRightIsHitFromTheTopToItsSecondPoint)
     EXPECT_TRUE(s.Make()->PtInLS(aboveBoth));
     EXPECT_TRUE(s.Make()->PtInLS(QPoint(x, s.area.top())));
     EXPECT_FALSE(s.Make()->PtInLS(QPoint(x, s.Y(1.1f))));  // below the first point: not extended
-    // The picture shows what is hit: from the area's top down to the lower point.
-    ASSERT_EQ(s.Drawn().size(), 1);
-    EXPECT_EQ(s.Drawn()[0], QLine(x, s.area.top(), x, s.Y(1.2f)));
+    // Drawn, its slope counts as 0: the extension runs level from the second point to the
+    // area's right edge (and, extended left, from the first point to the left edge).
+    const QPoint first(x, s.Y(1.2f)), second(x, s.Y(1.5f));
+    EXPECT_EQ(s.Drawn(), QVector<QLine>({QLine(first, second), QLine(second, QPoint(s.area.right(), second.y()))}));
     line.extendRight = 0;
-    line.extendLeft = 1;  // and from the upper point down to the bottom
+    line.extendLeft = 1;  // hit from the upper point down to the bottom
     EXPECT_TRUE(s.Make()->PtInLS(QPoint(x, s.Y(1.1f))));
     EXPECT_FALSE(s.Make()->PtInLS(aboveBoth));
-    ASSERT_EQ(s.Drawn().size(), 1);
-    EXPECT_EQ(s.Drawn()[0], QLine(x, s.Y(1.5f), x, s.area.bottom()));
+    EXPECT_EQ(s.Drawn(), QVector<QLine>({QLine(first, second), QLine(QPoint(s.area.left(), first.y()), first)}));
     line.extendLeft = 0;
     line.extendRight = 1;
     // A slanted one extended right reaches the area's edge.
@@ -146,6 +149,55 @@ TEST(LsShapes, StraightLineWhollyBesideTheAreaIsNotDrawnEvenWhenExtended) {
     line.points[0].index = 10;  // one point inside: drawn, extended to both edges
     ASSERT_EQ(s.Drawn().size(), 1);
     EXPECT_LE(s.Drawn()[0].x1(), s.area.left() + 1);
+}
+
+TEST(LsShapes, SegmentOnTheAreasBottomRowIsDrawn) {
+    Shape s(LS_SHAPE_LINE, sizeof(lsShapeLine));
+    float price = 1.0f;
+    while (s.Y(price) < s.area.bottom() && price > 0.5f) price -= 0.0005f;
+    while (s.Y(price) > s.area.bottom()) price += 0.0001f;
+    ASSERT_EQ(s.Y(price), s.area.bottom());
+    lsShapeLine& line = s.Data<lsShapeLine>();
+    line.points[0] = lsPointShape{1, 1, 5, price, 0};
+    line.points[1] = lsPointShape{1, 1, 15, price, 0};
+    ASSERT_EQ(s.Drawn().size(), 1);
+    EXPECT_EQ(s.Drawn()[0], QLine(s.X(5), s.area.bottom(), s.X(15), s.area.bottom()));
+    line.points[0].value = line.points[1].value = price - 0.01f;  // below the area
+    EXPECT_TRUE(s.Drawn().isEmpty());
+}
+
+// A text too long for the area's width is still one line, its baseline at the anchor's y
+// plus the height measured with word wrap (so below the anchor by more than one line).
+TEST(LsShapes, TextIsOneLineOnItsBaseline) {
+    Shape s(LS_SHAPE_TEXT, sizeof(lsShapeText));
+    lsShapeText& text = s.Data<lsShapeText>();
+    text.anchor = lsPointShape{1, 1, 2, 1.5f, 0};
+    const QString words = QStringLiteral("support holds while the price stays above this level ").repeated(4);
+    for (int i = 0; i < words.size(); ++i) text.text[i] = words.utf16()[i];
+    std::strcpy(text.family, "DejaVu Sans");
+    text.pointSize = 9;
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setPointSize(9);
+    const QFontMetrics metrics(font);
+    const QRect measured = metrics.boundingRect(QRect(0, 0, s.area.width(), s.area.height()),
+                                                Qt::TextWordWrap | Qt::AlignTop | Qt::AlignLeft, words);
+    ASSERT_GT(measured.height(), 2 * metrics.height());  // wrapped when measured
+    QImage image(s.area.size() + QSize(1, 1), QImage::Format_ARGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    s.Make()->Draw(painter);
+    painter.end();
+    int top = image.height(), bottom = -1;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixel(x, y) != qRgb(255, 255, 255)) {
+                top = std::min(top, y);
+                bottom = std::max(bottom, y);
+            }
+    const int baseline = s.Y(1.5f) + measured.height();
+    ASSERT_GE(bottom, 0);
+    EXPECT_GE(top, baseline - metrics.ascent() - 1);
+    EXPECT_LE(bottom, baseline + metrics.descent() + 1);
 }
 
 TEST(LsShapes, TitleWithOnlyTheVerticalCentreBitSitsOnTheLineAbove) {

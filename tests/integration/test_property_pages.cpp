@@ -19,6 +19,7 @@
 #include "ModuleHostTest.h"
 #include "host/ChartLayouts.h"
 #include "host/ChartWindows.h"
+#include "host/CoreServices.h"
 #include "host/MainWindowService.h"
 #include "host/PropertyDialog.h"
 #include "host/PropertyService.h"
@@ -80,22 +81,27 @@ TEST_F(PropertyPages, ADoubleClickOnEmptySpaceShowsEverySettingOfTheWindow) {
     ASSERT_NE(dialog, nullptr);
     EXPECT_EQ(Properties().requests(), 1);
     EXPECT_TRUE(dialog->isVisible());
-    EXPECT_EQ(dialog->groups(), (QStringList{"Chart", "Price scales", "Time scale", "Defaults"}));
-    EXPECT_EQ(dialog->entries(),
-              (QStringList{"Show grid", "Grid color", "Area color", "Left scale", "Right scale", "Free space",
-                           "Auto scroll", "Scale font", "Scale font color", "Time scale background",
-                           "Time scale grid color", emulator->moduleText("C0035SetAsDef")}));
+    // Groups and entries carry the module's texts of their keys.
+    const auto texts = [this](std::initializer_list<const char*> keys) {
+        QStringList out;
+        for (const char* key : keys) out << emulator->moduleText(key);
+        return out;
+    };
+    EXPECT_EQ(dialog->groups(), texts({"G0019", "C0017Font", "G0078", "C0035SetAsDef"}));
+    EXPECT_EQ(dialog->groups(), (QStringList{"Chart window", "Font", "Time scale", "Save as default"}));
+    EXPECT_EQ(dialog->entries(), texts({"PF0005", "G0021", "C0004BckGrndColor", "G0036", "G0052", "G0016", "G0086",
+                                        "C0017Font", "C0018FontColor", "C0004BckGrndColor", "G0021", "C0035SetAsDef"}));
     EXPECT_EQ(dialog->value("Right scale"), "1");
-    EXPECT_EQ(dialog->value("Scale font color"), "150,150,150");
-    EXPECT_EQ(dialog->value("Time scale background"), "255,255,255");
-    EXPECT_EQ(dialog->value("Time scale grid color"), "220,220,220");
-    EXPECT_EQ(dialog->typeOf("Free space"), PROPERTY_TYPE_INT);
-    EXPECT_EQ(dialog->typeOf("Scale font"), PROPERTY_TYPE_FONT);
+    EXPECT_EQ(dialog->value("Font color"), "150,150,150");
+    EXPECT_EQ(dialog->value("Time scale/Background color"), "255,255,255");
+    EXPECT_EQ(dialog->value("Time scale/Grid color"), "220,220,220");
+    EXPECT_EQ(dialog->typeOf("Free space positions"), PROPERTY_TYPE_INT);
+    EXPECT_EQ(dialog->typeOf("Font"), PROPERTY_TYPE_FONT);
     // Texts the entries do not take are refused before anything reaches the module.
     QString why;
     EXPECT_FALSE(dialog->setValue("Grid color", "red,green", &why));
     EXPECT_FALSE(dialog->setValue("Grid color", "300,0,0", &why));
-    EXPECT_FALSE(dialog->setValue("Free space", "-4", &why));
+    EXPECT_FALSE(dialog->setValue("Free space positions", "-4", &why));
     EXPECT_FALSE(dialog->setValue("No such entry", "1", &why));
     EXPECT_TRUE(Properties().applied().empty());
     // A second double click brings the open dialog up to date instead of opening another.
@@ -108,11 +114,11 @@ TEST_F(PropertyPages, AnAppliedChangeRepaintsTheWindowAndTheOldValueGivesTheOldP
     PropertyDialog* dialog = Open(widget);
     ASSERT_NE(dialog, nullptr);
     const std::pair<const char*, const char*> changes[] = {
-        {"Grid color", "255,0,0"},          {"Area color", "250,250,210"},
-        {"Scale font", "DejaVu Serif,14,bold"}, {"Right scale", "0"},
+        {"Grid color", "255,0,0"},          {"Chart window/Background color", "250,250,210"},
+        {"Font", "DejaVu Serif,14,bold"}, {"Right scale", "0"},
         {"Left scale", "0"},                {"Show grid", "0"},
-        {"Scale font color", "0,0,200"},    {"Time scale background", "40,40,40"},
-        {"Time scale grid color", "255,0,255"},
+        {"Font color", "0,0,200"},    {"Time scale/Background color", "40,40,40"},
+        {"Time scale/Grid color", "255,0,255"},
     };
     for (const auto& c : changes) {
         SCOPED_TRACE(c.first);
@@ -127,7 +133,7 @@ TEST_F(PropertyPages, AnAppliedChangeRepaintsTheWindowAndTheOldValueGivesTheOldP
     EXPECT_EQ(Properties().applied(), std::vector<int>(2 * std::size(changes), 0));
     // The hidden right scale leaves its strip to the areas: the top right corner is chart.
     Set(dialog, "Right scale", "0");
-    Set(dialog, "Area color", "0,128,0");
+    Set(dialog, "Chart window/Background color", "0,128,0");
     const QImage hidden = Charts().grab(widget, kSize);
     EXPECT_EQ(QColor(hidden.pixel(kSize.width() - 20, 200)), QColor(0, 128, 0));
 }
@@ -145,7 +151,7 @@ TEST_F(PropertyPages, SaveAsDefaultWritesThisTypesNodeAndANewWindowStartsWithIt)
     const QString save = emulator->moduleText("C0035SetAsDef");
     // A change and "Save as default" in one apply: the new setting is what is stored.
     ASSERT_TRUE(dialog->setValue("Grid color", "10,20,30"));
-    ASSERT_TRUE(dialog->setValue("Free space", "12"));
+    ASSERT_TRUE(dialog->setValue("Free space positions", "12"));
     ASSERT_TRUE(dialog->setValue(save, "1"));
     EXPECT_EQ(dialog->apply(), 0);
     EXPECT_EQ(dialog->value(save), "0");  // the box clears again
@@ -166,7 +172,7 @@ TEST_F(PropertyPages, SaveAsDefaultWritesThisTypesNodeAndANewWindowStartsWithIt)
     PropertyDialog* secondDialog = Open(second);
     ASSERT_NE(secondDialog, nullptr);
     EXPECT_EQ(secondDialog->value("Grid color"), "10,20,30");
-    EXPECT_EQ(secondDialog->value("Free space"), "12");
+    EXPECT_EQ(secondDialog->value("Free space positions"), "12");
     // A Point and Figure window does not.
     void* pf = Window(ChartType::PointAndFigure);
     PropertyDialog* pfDialog = Open(pf);
@@ -296,6 +302,24 @@ TEST_F(PropertyPages, TheDialogTitleAndTheWindowTitleAreMadeAnew) {
     ASSERT_NE(second, nullptr);
     EXPECT_EQ(second->windowTitle(), prefix + title);
     chart->setWindowTitle(QStringLiteral("stale"));
-    Set(second, "Free space", "9");
+    Set(second, "Free space positions", "9");
     EXPECT_EQ(chart->windowTitle(), title);
+}
+
+// A terminal in another language shows the page in it: every text comes from the module's
+// translation, none is a literal of the module.
+TEST_F(PropertyPages, ThePageSpeaksTheTerminalsLanguage) {
+    const std::vector<std::pair<const char*, const char*> > chinese = {
+        {"PF0005", "\u663E\u793A\u7F51\u683C"}, {"G0021", "\u7F51\u683C\u989C\u8272"},
+        {"G0019", "\u56FE\u8868\u7A97\u53E3"}, {"C0035SetAsDef", "\u8BBE\u4E3A\u9ED8\u8BA4"}};
+    for (const auto& text : chinese)
+        emulator->core().setTranslation("English", QString::fromLatin1(text.first), QString::fromUtf8(text.second));
+    void* widget = Window(ChartType::PointAndFigure);
+    PropertyDialog* dialog = Open(widget);
+    ASSERT_NE(dialog, nullptr);
+    for (const auto& text : chinese) {
+        const QString shown = QString::fromUtf8(text.second);
+        EXPECT_TRUE(dialog->entries().contains(shown) || dialog->groups().contains(shown)) << text.first;
+    }
+    EXPECT_FALSE(dialog->entries().contains(QStringLiteral("Show grid")));
 }

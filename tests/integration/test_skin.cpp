@@ -174,15 +174,15 @@ TEST_F(SkinWindow, AnOpenPropertyDialogShowsTheSkinAndItsApplyKeepsIt) {
     std::string error;
     host::PropertyDialog* dialog = emulator->properties().open(pf, &error);
     ASSERT_NE(dialog, nullptr) << error;
-    EXPECT_EQ(dialog->value("Area color"), "255,255,255");
+    EXPECT_EQ(dialog->value("Chart window/Background color"), "255,255,255");
     const int refreshes = emulator->properties().refreshes();
 
     ASSERT_EQ(emulator->loadSkin(kDarkSkin), 0);
     EXPECT_GT(emulator->properties().refreshes(), refreshes);
     const std::pair<const char*, const char*> shown[] = {
-        {"Area color", "30,33,40"},           {"Grid color", "58,63,74"},
-        {"Scale font color", "190,196,206"},  {"Time scale background", "24,26,32"},
-        {"Time scale grid color", "70,76,88"},
+        {"Chart window/Background color", "30,33,40"},           {"Grid color", "58,63,74"},
+        {"Font color", "190,196,206"},  {"Time scale/Background color", "24,26,32"},
+        {"Time scale/Grid color", "70,76,88"},
     };
     for (const auto& s : shown) EXPECT_EQ(dialog->value(s.first), s.second) << s.first;
     const QImage dark = Grab(pf);
@@ -190,14 +190,14 @@ TEST_F(SkinWindow, AnOpenPropertyDialogShowsTheSkinAndItsApplyKeepsIt) {
     // Apply as it stands, and with an unrelated change: the skin's colours stay.
     EXPECT_EQ(dialog->apply(), 0);
     EXPECT_EQ(Grab(pf), dark);
-    ASSERT_TRUE(emulator->properties().setAndApply(dialog, "Free space", "8", &error)) << error;
+    ASSERT_TRUE(emulator->properties().setAndApply(dialog, "Free space positions", "8", &error)) << error;
     EXPECT_EQ(AreaColours(Grab(pf)), (std::set<QRgb>{qRgb(30, 33, 40), qRgb(58, 63, 74)}));
     EXPECT_EQ(Most(Grab(pf), TimeScaleStart()), qRgb(24, 26, 32));
 
     // The built-in look comes back into the dialog as well.
     ASSERT_EQ(emulator->loadSkin(QString()), 0);
-    EXPECT_EQ(dialog->value("Area color"), "255,255,255");
-    EXPECT_EQ(dialog->value("Time scale grid color"), "220,220,220");
+    EXPECT_EQ(dialog->value("Chart window/Background color"), "255,255,255");
+    EXPECT_EQ(dialog->value("Time scale/Grid color"), "220,220,220");
 }
 
 TEST_F(SkinWindow, PfhostLoadsSkinsInTheOrderGivenAndTheLastOneIsTheLook) {

@@ -113,8 +113,8 @@ TEST_F(Bindings, ColourAndFontTakeWhatConvertsAndDefaultsOtherwise) {
     colour.changeValue(junk, state);
     EXPECT_EQ(std::uint32_t(rgb), QColor().rgb());
 
-    // Bound to the colour of a colour-points record: only its colour changes, kept without
-    // an alpha byte, and its neighbours in a packed array stay as they are.
+    // Bound to the colour of a colour-points record: only its colour changes, stored as
+    // QColor::rgb() gives it, and its neighbours in a packed array stay as they are.
     coreColorPoints looks[3] = {{0x111111, 1}, {0x0000FF, 2}, {0x333333, 3}};
     CColorProperty pen(&page, 3, group, true, &looks[1], QStringLiteral("Pen"), QString());
     CColorProperty quiet(&page, 4, group, false, &looks[1], QStringLiteral("Quiet pen"), QString());
@@ -127,16 +127,17 @@ TEST_F(Bindings, ColourAndFontTakeWhatConvertsAndDefaultsOtherwise) {
     QVariant green = QVariant(QColor(0, 200, 0));
     pen.changeValue(green, state);
     EXPECT_TRUE(state.changed);
-    EXPECT_EQ(looks[1].color, 0x00C800u);
+    EXPECT_EQ(looks[1].color, QColor(0, 200, 0).rgb());
+    EXPECT_EQ(looks[1].color, 0xFF00C800u);
     EXPECT_EQ(looks[1].points, 2);
     EXPECT_EQ(looks[0].color, 0x111111u);
     EXPECT_EQ(looks[2].color, 0x333333u);
     state.changed = false;
     quiet.changeValue(red, state);  // taken, but not reported without the notify flag
-    EXPECT_EQ(looks[1].color, 0xFF0000u);
+    EXPECT_EQ(looks[1].color, 0xFFFF0000u);
     EXPECT_FALSE(state.changed);
     pen.changeValue(junk, state);
-    EXPECT_EQ(looks[1].color, QColor().rgb() & 0xFFFFFFu);
+    EXPECT_EQ(looks[1].color, QColor().rgb());
     looks[1].color = 0x445566;
     pen.SetProperty();
     EXPECT_EQ(page.GetPropertyItem(group, 2).value<QColor>(), QColor(0x44, 0x55, 0x66));

@@ -15,6 +15,7 @@
 
 #include "FakeLsProvider.h"
 #include "data/ScaleEngine.h"
+#include "gui/Barrier.h"
 #include "gui/PFChartWidget.h"
 #include "gui/TimeScrollBar.h"
 #include "gx/Area.h"
@@ -80,7 +81,7 @@ struct LineStudyLayout : ::testing::Test {
     void TearDown() override { module.reset(); }
 
     std::unique_ptr<PFChartWidget> Window() {
-        std::unique_ptr<PFChartWidget> widget(new PFChartWidget(module.get(), PFChartWidget::Renko, nullptr));
+        std::unique_ptr<PFChartWidget> widget(new pf::gui::Guarded<PFChartWidget>(module.get(), PFChartWidget::Renko, nullptr));
         widget->resize(900, 600);
         return widget;
     }
@@ -370,6 +371,72 @@ TEST_F(LineStudyLayout, AnAreaDeletedAndUndoneComesBackInItsPlace) {
     EXPECT_EQ(widget->UpdateTitle(), QStringLiteral("PFChartModule, TTRC/Day"));
     Undo(CommandFactory::AreaDelete, records[0], *widget);
     EXPECT_EQ(widget->UpdateTitle(), title);  // USD/CHF first again
+}
+
+// A point whose time falls between two candles comes back, from a layout or an undone move,
+// at the position the time scale gives for the line's interval: intraday the candle after
+// the time, daily and longer the candle at or before it.
+TEST_F(LineStudyLayout, PointBetweenCandlesComesBackAtTheCandleOfItsInterval) {
+    for (const char type : {'I', 'D', 'W'}) {
+        std::unique_ptr<PFChartWidget> widget = Window();
+        AddData(*widget);
+        const boost::shared_ptr<gx::Line> line = FirstLine(*widget);
+        // The host's array names the interval; its times stay those of the data.
+        line->GetArray()->name.period.type = type;
+        ASSERT_EQ(line->GetPeriodType(), type);
+        const boost::shared_ptr<LineStudy> study = Make(*widget, "VLine", {{20, Price(*widget, 0.5f)}});
+        ASSERT_TRUE(study);
+        const int k = line->Size() - 10;
+        ASSERT_LT(line->GetTime(k) + 1, line->GetTime(k + 1));
+        lsPointShape p = study->GetInPoints()[0];
+        p.m_xTime = std::int32_t(line->GetTime(k) + 1);
+        study->RestorePoints({p});
+        EXPECT_EQ(study->GetInPoints()[0].index, type == 'I' ? k + 1 : k) << type;
+        EXPECT_EQ(study->GetInPoints()[0].indexType, 0) << type;
+        // A time exactly on a candle is that candle for every interval.
+        p.m_xTime = std::int32_t(line->GetTime(k));
+        study->RestorePoints({p});
+        EXPECT_EQ(study->GetInPoints()[0].index, k) << type;
+    }
+}
+
+// The line-delete record: one "Node" under the root; in it a "PFIndicator" per indicator
+// that loses lines, carrying "nodeIndex", and a "LineStudy" per study, marked "DeleteLS".
+// Undoing it always ends with 3142, also when nothing in it fits this window any more.
+TEST_F(LineStudyLayout, LineDeleteRecordKeepsItsContentInOneNode) {
+    std::unique_ptr<PFChartWidget> widget = Window();
+    AddData(*widget);
+    ASSERT_TRUE(Make(*widget, "HLine", {{10, Price(*widget, 0.5f)}}));
+    FirstLine(*widget)->Select(true);
+    widget->OnDelete();
+    ASSERT_EQ(records.size(), 1u);
+    const host::workdata::Node* root = emulator->workData().node(reinterpret_cast<void*>(std::uintptr_t(records[0].node)));
+    ASSERT_NE(root, nullptr);
+    ASSERT_EQ(root->children.size(), 1u);
+    const host::workdata::Node& content = *root->children[0];
+    EXPECT_EQ(content.name, QStringLiteral("Node"));
+    std::vector<QString> names;
+    for (const auto& child : content.children) names.push_back(child->name);
+    EXPECT_EQ(names, (std::vector<QString>{QStringLiteral("PFIndicator"), QStringLiteral("LineStudy")}));
+    EXPECT_EQ(*content.children[0]->attribute(QStringLiteral("nodeIndex")), QStringLiteral("0"));
+    EXPECT_EQ(*content.children[0]->attribute(QStringLiteral("ObjectType")), QStringLiteral("0"));
+    EXPECT_EQ(*content.children[1]->attribute(QStringLiteral("DeleteLS")), QStringLiteral("1"));
+    ASSERT_EQ(widget->GetChart()->GetAreaCount(), 0);
+
+    int refreshed = 0;
+    emulator->host().on(MSG_UNDO_REFRESHED, [&refreshed](void*, std::intptr_t, std::intptr_t, std::string&) {
+        ++refreshed;
+        return 0;
+    });
+    Undo(CommandFactory::LineDelete, records[0], *widget);
+    EXPECT_EQ(refreshed, 1);
+    ASSERT_EQ(widget->GetChart()->GetAreaCount(), 1);
+    EXPECT_EQ(FirstLine(*widget)->GetLineStudies().size(), 1u);
+    // A record without any of its nodes restores nothing; the host still hears the end.
+    const coreUndoStart empty{};
+    Undo(CommandFactory::LineDelete, empty, *widget);
+    EXPECT_EQ(refreshed, 2);
+    EXPECT_EQ(FirstLine(*widget)->GetLineStudies().size(), 1u);
 }
 
 }  // namespace

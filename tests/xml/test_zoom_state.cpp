@@ -11,6 +11,7 @@
 #include <algorithm>
 
 #include "data/ScaleEngine.h"
+#include "gui/Barrier.h"
 #include "gui/PFChartWidget.h"
 #include "gui/TimeScrollBar.h"
 #include "gui/ToolBar.h"
@@ -37,7 +38,7 @@ struct ZoomState : ::testing::Test {
     void SetUp() override {
         module.reset(new PFChartModule);
         module->InitializeWrap(&host::Host::callback, &host::Host::callback, emulator->host().coreHandle(), nullptr);
-        widget.reset(new PFChartWidget(module.get(), PFChartWidget::PointFigure, nullptr));
+        widget.reset(new pf::gui::Guarded<PFChartWidget>(module.get(), PFChartWidget::PointFigure, nullptr));
         widget->resize(900, 600);
         host::WorkDataStore& store = emulator->workData();
         coreSzNode root{};

@@ -10,6 +10,7 @@
 #include "gui/PFChartWidget.h"
 #include "gx/Area.h"
 #include "gx/Chart.h"
+#include "gx/IndexRule.h"
 #include "gx/Indicator.h"
 #include "gx/Layer.h"
 #include "gx/Line.h"
@@ -59,8 +60,11 @@ struct LinePop {
     std::vector<Entry> entries;
     void Visit(CXMLWorkData* node) {
         if (node->readInteger("ObjectType", -1) != kObjectIndicator) return;
-        Entry e{node->readInteger("nArea", -1),        node->readInteger("nLayer", -1),
-                node->readInteger("nodeIndex", -1),     node->readInteger("AreaGone", 0) != 0,
+        // Places are values of the index rule; a missing one reads as no place.
+        Entry e{gx::PositionOf(node->readInteger("nArea", gx::kNoIndex)),
+                gx::PositionOf(node->readInteger("nLayer", gx::kNoIndex)),
+                gx::PositionOf(node->readInteger("nodeIndex", gx::kNoIndex)),
+                node->readInteger("AreaGone", 0) != 0,
                 node->readInteger("LayerGone", 0) != 0, node->readInteger("IndicatorGone", 0) != 0,
                 node->node()};
         if (e.area < 0 || e.layer < 0 || e.index < 0) return;
@@ -74,7 +78,8 @@ namespace {
 
 // Every line study that goes with the deletion (selected, or on a selected line): a "Node"
 // with its "LineStudy" (its host handle, its line, its point count), marked as deleted,
-// with its place among the studies of its line as "nodeIndex".
+// with its place among the studies of its line as "nodeIndex". Places are values of the
+// index rule.
 void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
     const std::vector<boost::shared_ptr<gx::Area> >& areas = widget->GetChart()->GetAreas();
     for (std::size_t a = 0; a < areas.size(); ++a)
@@ -95,12 +100,12 @@ void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
                         // The study as saved in a layout, then its place as positions.
                         std::unique_ptr<CXMLWorkData> saved = study->ToXML(node.get());
                         if (!saved) continue;
-                        saved->writeInteger("nArea", static_cast<int>(a));
-                        saved->writeInteger("nLayer", static_cast<int>(l));
-                        saved->writeInteger("nIndicator", static_cast<int>(i));
-                        saved->writeInteger("nLine", static_cast<int>(n));
+                        saved->writeInteger("nArea", gx::IndexAt(a));
+                        saved->writeInteger("nLayer", gx::IndexAt(l));
+                        saved->writeInteger("nIndicator", gx::IndexAt(i));
+                        saved->writeInteger("nLine", gx::IndexAt(n));
                         saved->writeInteger("DeleteLS", 1);
-                        saved->writeInteger("nodeIndex", static_cast<int>(k));
+                        saved->writeInteger("nodeIndex", gx::IndexAt(k));
                         saved->writeParameters();
                     }
                 }
@@ -119,8 +124,9 @@ struct LineStudyPop {
         std::unique_ptr<CXMLWorkData> saved(node->getFirstNode("LineStudy"));
         if (!saved || saved->readInteger("DeleteLS", 0) != 1) return;
         const boost::shared_ptr<gx::Line> line =
-            UndoRecord::LineAt(widget, saved->readInteger("nArea", -1), saved->readInteger("nLayer", -1),
-                               saved->readInteger("nIndicator", -1), saved->readInteger("nLine", -1));
+            UndoRecord::LineAt(widget, saved->readInteger("nArea", gx::kNoIndex),
+                               saved->readInteger("nLayer", gx::kNoIndex),
+                               saved->readInteger("nIndicator", gx::kNoIndex), saved->readInteger("nLine", gx::kNoIndex));
         if (!line) return;
         // The host's study went with the deletion: it is made anew from the saved points.
         const boost::shared_ptr<gx::LineStudy> study = gx::LineStudy::FromXML(line, saved.get());
@@ -128,7 +134,7 @@ struct LineStudyPop {
         ++restored;
         std::vector<boost::shared_ptr<gx::LineStudy> >& studies = line->GetLineStudies();
         const int from = UndoRecord::StudyIndex(*line, study.get());
-        const int to = saved->readInteger("nodeIndex", -1);
+        const int to = gx::PositionOf(saved->readInteger("nodeIndex", gx::kNoIndex));
         if (from < 0 || to < 0 || to >= from) return;
         studies.erase(studies.begin() + from);
         studies.insert(studies.begin() + to, study);
@@ -167,9 +173,9 @@ void CmdAnyLineDelUndo::Execute(int, void* target, void*, void*, void*) {
                 std::unique_ptr<CXMLWorkData> node(record.Root()->createNode("Node"));
                 if (!node) continue;
                 node->writeInteger("ObjectType", kObjectIndicator);
-                node->writeInteger("nArea", static_cast<int>(a));
-                node->writeInteger("nLayer", static_cast<int>(l));
-                node->writeInteger("nodeIndex", static_cast<int>(i));
+                node->writeInteger("nArea", gx::IndexAt(a));
+                node->writeInteger("nLayer", gx::IndexAt(l));
+                node->writeInteger("nodeIndex", gx::IndexAt(i));
                 node->writeInteger("AreaGone", areaGone ? 1 : 0);
                 node->writeInteger("LayerGone", layerGone ? 1 : 0);
                 node->writeInteger("IndicatorGone", AllSelected(*indicator) ? 1 : 0);

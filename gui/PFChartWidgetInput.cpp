@@ -191,7 +191,9 @@ void PFChartWidget::StartSelectedPF(const QMouseEvent& event) {
 
 void PFChartWidget::MoveSelectedPF(const QMouseEvent& event) {
     if (!currentArea_ || !currentArea_->GetEngine()->GetFlag()) return;
-    currentArea_->GetEngine()->SetZoomMiddlePos(event.pos().x());
+    pf::ScaleEngine& e = *currentArea_->GetEngine();
+    e.SetZoomMiddlePos(event.pos().x());
+    e.SetZoomDragEndPos(event.pos().x());  // the end marker follows the mouse
     repaint();
 }
 

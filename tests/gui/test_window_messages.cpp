@@ -2,6 +2,8 @@
 // holds an area, a layer, a line (5025), and the window's caption (5034).
 #include "ChartWindowFixture.h"
 
+#include <QTranslator>
+
 #include "gx/Indicator.h"
 #include "gx/Layer.h"
 #include "gx/Line.h"
@@ -90,6 +92,28 @@ TEST_F(WindowMessages, RequestLastDataFetchesEveryIndicatorsArraysAgain) {
     EXPECT_EQ(host.find(MSG_DPA_COUNT).size(), 1u);
     EXPECT_FALSE(host.find(MSG_DPA_LIST).empty());
     EXPECT_EQ(widget->GetChart()->GetAreas()[0]->GetLayers()[0]->GetIndicators()[0]->GetLines()[0]->Size(), 70);
+}
+
+// A translation table whose display name of the Point and Figure charts is 600 characters.
+struct LongDisplayName : QTranslator {
+    bool isEmpty() const override { return false; }
+    QString translate(const char*, const char* key, const char*, int) const override {
+        return QByteArray(key) == "PF0001" ? QString(600, QLatin1Char('N')) : QString();
+    }
+};
+
+TEST_F(WindowMessages, DisplayNameFillsAllFiveHundredCharacters) {
+    LongDisplayName table;
+    QCoreApplication::installTranslator(&table);
+    fxwcNameCompUnicode name;
+    std::memset(&name, 0xAA, sizeof name);
+    name.iconBuffer = nullptr;
+    name.iconSize = 0;
+    EXPECT_EQ(module.GetPFInterface()->GetUnicodeWindowComponentName(&name), 0);
+    QCoreApplication::removeTranslator(&table);
+    EXPECT_EQ(name.name[0], coreWChar('N'));
+    EXPECT_EQ(name.name[499], coreWChar('N'));
+    EXPECT_EQ(name.zero, 0);
 }
 
 }  // namespace

@@ -11,7 +11,11 @@ enum PFHostMessage : unsigned int {
     MSG_REGISTER_INTERFACE = 3000,   // p1 coreInterfaceRequest (registration)
     MSG_GET_INTERFACE = 3001,        // p1 coreInterfaceRequest; fills the result slots
     MSG_COUNT_INTERFACES = 3002,     // p1 coreInterfaceRequest, p2 &request.count
-    MSG_CREATE_DPA = 3008,           // p1 coreCreateDpaData
+    // p1 coreCreateDpaData. Its text is empty until the terminal switches the windows to a
+    // price type (3545); from then on every data object a window creates, the ones made
+    // again for the switch included, names that type in the text ("Middle", "Bid", "Ask"),
+    // so that the provider computes the figures from those prices.
+    MSG_CREATE_DPA = 3008,
     MSG_HEAD_NODE_INFO = 3012,       // p1 data object handle, p2 coreHeadNodeInfo
     MSG_DPA_SUBSCRIBE = 3013,        // p1 data handle, p2 coreDpaSubscription
     MSG_DPA_UNSUBSCRIBE = 3014,      // p1 data handle, p2 coreDpaSubscription
@@ -93,6 +97,8 @@ enum PFHostMessage : unsigned int {
     MSG_UNDO_REQUEST = 3140,         // p1 coreUndoStart
     MSG_CONVERT_TO_TYPE = 3545,      // p1 0 middle, 1 bid, other ask
     MSG_NEED_TO_CONVERT = 3546,      // p1 coreConvertList
+    // The terminal's skin changed. Not one of the messages the module switch answers: it
+    // loads the skin and answers 0 like any other; a skin it could not read is logged.
     MSG_LOAD_SKIN = 3560,            // p1 const coreWChar* path of a skin document, NUL-terminated
                                      // within 255 units (null or empty: the built-in look)
 

@@ -16,7 +16,9 @@ public:
     bool IsUnderMouse(const QPoint& point, fxDataPointArray* array, const QString& name,
                       QString& text) override;
 
-    // The most boxes one Draw paints (see Draw).
+    // The most boxes one Draw paints (see Draw): a guard against hostile data, far above
+    // what any visible part of a real chart holds (a window of a few thousand pixels shows
+    // at most some hundred thousand boxes of one pixel). Boxes past it are not drawn.
     static constexpr long long kMaxBoxesPerDraw = 1000000;
 };
 

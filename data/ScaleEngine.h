@@ -81,6 +81,8 @@ public:
         zoomEnd_ = UnTranslateX(x - left_);
         SwapSelectPos();
     }
+    // While the selection is dragged its end follows the mouse, unordered until release.
+    void SetZoomDragEndPos(int x) { zoomEnd_ = UnTranslateX(x - left_); }
     // A selection made from right to left becomes start = end - 1 (not below 0) and
     // end = old start + 1, one column wider on each side.
     void SwapSelectPos();

@@ -136,7 +136,8 @@ public:
     // Records the selected lines (and what deleting them empties) before they are deleted.
     void RecordLineDelete();
     // Records the area at `position` before it is closed.
-    void RecordAreaDelete(int position);
+    // `index`: the area's index (0, -1, -2 ...), as the record keeps it.
+    void RecordAreaDelete(int index);
     // After a move that changed `study`: unless a step is pending already, its move (with the
     // points it had when the move began) becomes the pending undo step.
     void RecordLineStudyMove(gx::LineStudy* study);

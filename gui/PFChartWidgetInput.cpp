@@ -224,7 +224,9 @@ void PFChartWidget::StartSelectedPF(const QMouseEvent& event) {
 void PFChartWidget::MoveSelectedPF(const QMouseEvent& event) {
     const boost::shared_ptr<gx::Area> area = AreaAt(event.pos());
     if (!area || !area->GetEngine()->GetFlag()) return;
-    area->GetEngine()->SetZoomMiddlePos(event.pos().x());
+    pf::ScaleEngine& e = *area->GetEngine();
+    e.SetZoomMiddlePos(event.pos().x());
+    e.SetZoomDragEndPos(event.pos().x());  // the end marker follows the mouse
     repaint();
 }
 

@@ -35,10 +35,10 @@ void PFChartWidget::RecordLineDelete() {
         command->Execute(0, this, nullptr, nullptr, nullptr);
 }
 
-void PFChartWidget::RecordAreaDelete(int position) {
+void PFChartWidget::RecordAreaDelete(int index) {
     ExecutePendingUndo();
     if (std::unique_ptr<Command> command = CommandFactory::Instance().Create(CommandFactory::AreaDelete))
-        command->Execute(position, this, nullptr, nullptr, nullptr);
+        command->Execute(index, this, nullptr, nullptr, nullptr);
 }
 
 void PFChartWidget::RecordLineStudyMove(gx::LineStudy* study) {

@@ -89,12 +89,12 @@ void Area::Draw(QPainter& painter) const {
 }
 
 void Area::DrawZoomSelect(QPainter& painter) const {
-    // While the selection is being dragged its far end follows the mouse (the middle
-    // position); once released it is the end position.
+    // One marker at the start and one at the end position; while the selection is being
+    // dragged the end is the mouse's position.
     const pf::ScaleEngine& e = *engine_;
     if (!e.GetFlag()) return;
     const int start = e.GetZoomStartPos();
-    const int end = e.GetZoomMiddlePos();
+    const int end = e.GetZoomEndPos();
     if (start == end) return;
     const int positions = e.GetColumnCount();
     if (positions <= 0) return;

@@ -195,10 +195,7 @@ void Chart::mousePressEvent(const QMouseEvent& event) {
         for (const boost::shared_ptr<Area>& area : closing) {
             WidgetWalker<SelectAreaLines>(this, SelectAreaLines(area.get())).Walk();
             WidgetWalker<SelectAreaLS>(this, SelectAreaLS(area.get())).Walk();
-            if (widget_) {
-                const auto at = std::find(areas_.begin(), areas_.end(), area);
-                widget_->RecordAreaDelete(static_cast<int>(at - areas_.begin()));
-            }
+            if (widget_) widget_->RecordAreaDelete(area->GetIndex());
         }
         WidgetWalker2<DeleteSelItems>(this, DeleteSelItems()).Walk();
         if (widget_) {

@@ -19,11 +19,17 @@ namespace {
 // Neighbouring price lines never come closer than this.
 const int kMinLineSpacing = 5;
 
+// Without a usable box size the price range is cut into this many boxes.
+const int kRangeBoxes = 10;
+
 // Rows of the horizontal lines, from the area's bottom up. Prices run from the range's
-// minimum in steps of one box, so the lines fall on the box edges of the figures; a box
-// lower than kMinLineSpacing (or none at all) gives way to lines a tenth of the area's
-// height apart. Without a usable price transform (a flat or broken range) the rows are
-// spaced in pixels alone. The number of rows is bounded by the height, never by the range.
+// minimum in steps of one box, so the lines fall on the box edges of the figures; without a
+// usable box size the step is the range over kRangeBoxes. Lines closer than
+// kMinLineSpacing give way to lines at least a tenth of the area's height apart: a whole
+// number of boxes from the minimum (itself a box edge: the range is padded by one box), so
+// that figures still fill the space between lines box for box. Without a usable price
+// transform (a flat or broken range) the rows are spaced in pixels alone. The number of
+// rows is bounded by the height, never by the range.
 void AddPriceLines(QVector<QLine>& lines, const QRect& data, const FindMinMax& range, const pf::ScaleEngine& engine) {
     const int top = data.top();
     const int bottom = data.bottom();
@@ -34,9 +40,13 @@ void AddPriceLines(QVector<QLine>& lines, const QRect& data, const FindMinMax& r
     const double yFactor = engine.GetYFactor();
     const double minPrice = range.minPrice;
     bool priced = yFactor > 0.0 && std::isfinite(yFactor) && std::isfinite(minPrice);
-    double step = range.boxSize;
+    const double box = range.boxSize;
+    const bool boxUsable = box > 0.0 && std::isfinite(box);
+    double step = boxUsable ? box : (static_cast<double>(range.maxPrice) - minPrice) / kRangeBoxes;
     if (priced && (!(step > 0.0) || !std::isfinite(step) || step * yFactor < kMinLineSpacing)) {
-        step = spacing / yFactor;
+        // Float box sizes carry noise in their last digits: a count that is whole up to
+        // that noise is not raised by one more box.
+        step = boxUsable ? std::ceil(spacing / (box * yFactor) - 1e-6) * box : spacing / yFactor;
         priced = step > 0.0 && std::isfinite(step);
     }
 

@@ -17,4 +17,14 @@ int IndexOf(const std::vector<boost::shared_ptr<T> >& container, const T* elemen
     return -1;
 }
 
+// The value the rule gives the element at `position`: 0, -1, -2 ...
+inline int IndexAt(std::size_t position) { return -static_cast<int>(position); }
+
+// The position a value of the rule stands for; -1 for a value the rule never gives (one
+// above 0, such as kNoIndex).
+inline int PositionOf(int index) { return index > 0 ? -1 : -index; }
+
+// What a reader of an undo record takes when a place is missing: no value of the rule.
+const int kNoIndex = 1;
+
 }  // namespace gx

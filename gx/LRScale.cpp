@@ -42,14 +42,15 @@ int LabelDecimals(const FindMinMax& range) {
 // in their last digits that must not add or drop a label.
 double Ticks(double price) { return std::floor(price * 10000.0 + 0.5); }
 
-// Writes the labels of one scale column from the bottom up. Each label is centred on its
-// row and moved inside the column where it would stick out; a label that would overlap the
-// one written before it is left out, so the text stays readable however dense the rows are.
+// Writes the labels of one scale column from the bottom up. Each label stands on its row
+// (the row is the text's baseline) and is moved inside the column where it would stick out;
+// a label that would overlap the one written before it is left out, so the text stays
+// readable however dense the rows are.
 class LabelColumn {
 public:
     LabelColumn(QPainter& painter, const QRect& column, TextCache& cache)
         : painter_(painter), column_(column), metrics_(painter.fontMetrics()),
-          height_(metrics_.height()), lastTop_(column.bottom() + 1), cache_(cache) {}
+          height_(metrics_.height()), ascent_(metrics_.ascent()), lastTop_(column.bottom() + 1), cache_(cache) {}
 
     int LabelHeight() const { return height_; }
 
@@ -59,7 +60,7 @@ public:
     void Write(int row, const QString& text) {
         if (height_ < 1 || height_ > column_.height()) return;
         if (row < column_.top() - 1 || row > column_.bottom() + 1) return;
-        int top = row - height_ / 2;
+        int top = row - ascent_;
         top = std::max(top, column_.top());
         top = std::min(top, column_.bottom() + 1 - height_);
         if (top + height_ > lastTop_) return;
@@ -76,6 +77,7 @@ private:
     const QRect column_;
     const QFontMetrics metrics_;
     const int height_;
+    const int ascent_;
     int lastTop_;  // top row of the last label written
     TextCache& cache_;
 };

@@ -4,7 +4,9 @@
 #include <QLabel>
 #include <QWidget>
 #include <algorithm>
+#include <climits>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 
 #include "data/ScaleEngine.h"
@@ -14,7 +16,6 @@
 #include "gx/LRScale.h"
 #include "gx/Layer.h"
 #include "gx/Line.h"
-#include "gx/TimeScale.h"
 #include "module/CModule.h"
 
 namespace gx {
@@ -32,21 +33,25 @@ int PriceDecimals(std::int32_t precision) {
     return std::min<std::int32_t>(precision, kMaxDecimals);
 }
 
-// The array whose instrument the layer shows: the first line of its first indicator.
-const fxDataPointArray* LayerArray(const Layer& layer) {
+// The line whose instrument the layer shows: the first line of its first indicator.
+const Line* LayerLine(const Layer& layer) {
     const std::vector<boost::shared_ptr<Indicator> >& indicators = layer.GetIndicators();
     if (indicators.empty() || !indicators.front()) return nullptr;
     const std::vector<boost::shared_ptr<Line> >& lines = indicators.front()->GetLines();
     if (lines.empty() || !lines.front()) return nullptr;
-    return lines.front()->GetArray();
+    return lines.front().get();
 }
 
-// The chart's time scale when it holds times; null otherwise.
-const TimeScale* LayerTimeScale(const Layer& layer) {
-    const Area* area = layer.GetArea();
-    const Chart* chart = area ? area->GetChart() : nullptr;
-    const TimeScale* scale = chart ? chart->GetTimeScale() : nullptr;
-    return scale && scale->Count() > 0 ? scale : nullptr;
+// The time of the line's position under `x` (the nearest one it has); false when the line
+// has no data. In a window of several instruments each layer's line has its own times.
+bool LineTimeAt(const Line& line, const pf::ScaleEngine& engine, int x, std::int32_t* time) {
+    const int size = line.Size();
+    if (size < 1) return false;
+    const std::int64_t column = engine.UnTranslateX(static_cast<int>(
+        std::max<std::int64_t>(INT_MIN, std::min<std::int64_t>(INT_MAX, std::int64_t(x) - engine.GetLeft()))));
+    const std::int64_t position = std::int64_t(engine.GetFirstColumn()) + column - 1;
+    *time = line.GetTime(static_cast<int>(std::max<std::int64_t>(0, std::min<std::int64_t>(position, size - 1))));
+    return true;
 }
 
 }  // namespace
@@ -83,16 +88,18 @@ void TextStatusBar::InitTextStatusBar() {
 
 void TextStatusBar::SetTextStatusBar(const boost::shared_ptr<Layer>& layer, const QPoint& point) {
     if (!layer || !layer->Rect().contains(point)) return;
-    const fxDataPointArray* array = LayerArray(*layer);
+    const Line* line = LayerLine(*layer);
+    const fxDataPointArray* array = line ? line->GetArray() : nullptr;
     const boost::shared_ptr<pf::ScaleEngine>& engine = layer->GetEngine();
     if (!array || !engine) return;
 
     if (QLabel* label = labels_[CORE_STATUS_PANE_TIME]) {
-        const TimeScale* scale = LayerTimeScale(*layer);
         // A stale time would belong to another place: without times the pane is emptied.
-        label->setText(scale ? QDateTime::fromSecsSinceEpoch(static_cast<qint64>(scale->GetPointTime(point)), Qt::UTC)
-                                   .toString(QStringLiteral("dd.MM.yyyy hh:mm:ss"))
-                             : QString());
+        std::int32_t time = 0;
+        label->setText(LineTimeAt(*line, *engine, point.x(), &time)
+                           ? QDateTime::fromSecsSinceEpoch(static_cast<qint64>(time), Qt::UTC)
+                                 .toString(QStringLiteral("dd.MM.yyyy hh:mm:ss"))
+                           : QString());
     }
     if (QLabel* label = labels_[CORE_STATUS_PANE_PRICE]) {
         const double price = engine->UnTranslateY(point.y());

@@ -91,13 +91,14 @@ std::int64_t BandKey(std::int64_t t, Unit unit, int step) {
 }
 
 // Time bands of an intraday span of under 15 days: above `above` seconds the labels start
-// at `step` seconds. The coarsest band shows the hour only.
+// at `step` seconds. The coarsest band shows the hour only; a span of one hour or less is the
+// finest band.
 struct TimeBand {
     std::int64_t above;
     int step;
 };
 const TimeBand kTimeBands[] = {{259200, 43200}, {129600, 21600}, {43200, 10800}, {21600, 3600},
-                               {10800, 1800},   {3600, 900},     {1800, 300},     {INT64_MIN, 60}};
+                               {10800, 1800},   {3600, 900},     {INT64_MIN, 60}};
 
 // One row of labels: the boundaries it marks, its label format, where its text stands and
 // how long its ticks are.
@@ -421,7 +422,7 @@ void TimeScale::Draw(QPainter& painter) const {
         coarseFormats = QStringList{QStringLiteral("yyyy")};
         if (days <= 699) {
             fine.unit = kMonths;
-            fineFormats = QStringList{QStringLiteral("MMMM yyyy"), QStringLiteral("MMM yyyy"), QStringLiteral("MMM")};
+            fineFormats = QStringList{QStringLiteral("MMMM yyyy"), QStringLiteral("MMM yyyy")};
         }
     } else {
         coarse.unit = kMonths;

@@ -13,8 +13,8 @@
 //                 (gx::LineStudy::ToXML)
 // Loading walks the same names. The counts are written for the host and for people reading
 // the document; loading is driven by the nodes that are there, so a count that is wrong,
-// missing or absurd changes nothing. A document may still hold more than any window shows:
-// the numbers of areas, layers and indicators taken from it are bounded.
+// missing or absurd changes nothing. Every node there is taken: a layout loads as whole as
+// it was saved (the host's entry count of a node is the only bound, see CXMLWorkData).
 #include <algorithm>
 #include <memory>
 
@@ -34,21 +34,15 @@ namespace gx {
 
 namespace {
 
-const int kMaxAreas = 32;
-const int kMaxLayers = 16;
-const int kMaxIndicators = 64;
-const int kMaxLines = 64;
-const int kMaxLineStudies = 256;
-
 const int kObjectIndicator = 0;
 const int kObjectArea = 1;
 
-// Calls `build` for every child `name` of `parent`, at most `limit` of them.
+// Calls `build` for every child `name` of `parent`, in the host's order.
 template <class Build>
-void ForEachChild(CXMLWorkData* parent, const char* name, int limit, Build build) {
+void ForEachChild(CXMLWorkData* parent, const char* name, Build build) {
     if (!parent) return;
     std::unique_ptr<CXMLWorkData> node(parent->getFirstNode(name));
-    for (int n = 0; node && n < limit; ++n) {
+    while (node) {
         build(node.get());
         node.reset(parent->getNextNode());
     }
@@ -177,20 +171,20 @@ bool Chart::FromXML(PFChartWidget* widget, CXMLWorkData* widgetNode) {
 }
 
 void Area::FromXML(Chart& chart, CXMLWorkData* chartNode) {
-    ForEachChild(chartNode, "PFArea", kMaxAreas, [&](CXMLWorkData* areaNode) {
+    ForEachChild(chartNode, "PFArea", [&](CXMLWorkData* areaNode) {
         const boost::shared_ptr<Area> area = chart.AddArea();
         Layer::FromXML(area, areaNode);
     });
 }
 
 void Layer::FromXML(const boost::shared_ptr<Area>& area, CXMLWorkData* areaNode) {
-    ForEachChild(areaNode, "PFLayer", kMaxLayers, [&](CXMLWorkData* layerNode) {
+    ForEachChild(areaNode, "PFLayer", [&](CXMLWorkData* layerNode) {
         Indicator::FromXML(area->AddLayer(), layerNode);
     });
 }
 
 void Indicator::FromXML(const boost::shared_ptr<Layer>& layer, CXMLWorkData* layerNode) {
-    ForEachChild(layerNode, "PFIndicator", kMaxIndicators, [&](CXMLWorkData* node) { FromXMLNode(layer, node); });
+    ForEachChild(layerNode, "PFIndicator", [&](CXMLWorkData* node) { FromXMLNode(layer, node); });
 }
 
 void Indicator::FromXMLNode(const boost::shared_ptr<Layer>& layer, CXMLWorkData* node) {
@@ -214,8 +208,7 @@ void Indicator::FromXMLNode(const boost::shared_ptr<Layer>& layer, CXMLWorkData*
     if (!source) return;
     const boost::shared_ptr<Indicator> indicator = layer->AddIndicator(source);
     indicator->SetOrigin(origin);
-    ForEachChild(node, "PFLine", kMaxLines,
-                 [&](CXMLWorkData* lineNode) { Line::FromXML(indicator, lineNode); });
+    ForEachChild(node, "PFLine", [&](CXMLWorkData* lineNode) { Line::FromXML(indicator, lineNode); });
     widget->RestorePositions(area, node->readInteger("StartPosition", 0), node->readInteger("VisibleFigures", -1));
 }
 
@@ -226,7 +219,7 @@ void Line::FromXML(const boost::shared_ptr<Indicator>& indicator, CXMLWorkData* 
     if (index < 0 || index >= indicator->GetLineCount()) return;
     const boost::shared_ptr<Line>& line = indicator->GetLines()[static_cast<std::size_t>(index)];
     line->SetFirstVisibleFigure(std::max(0, lineNode->readInteger("FirstVisibleFigure", 0)));
-    ForEachChild(lineNode, "LineStudy", kMaxLineStudies,
+    ForEachChild(lineNode, "LineStudy",
                  [&](CXMLWorkData* studyNode) { LineStudy::FromXML(line, studyNode); });
 }
 

@@ -219,8 +219,8 @@ void DeleteUnUsedLayers::Visit(boost::shared_ptr<Area> area) {
 }
 
 void FindMinTimeLine::Visit(boost::shared_ptr<Line> line) {
+    // A line without data counts as starting at time 0 (GetTime(0) of an empty array).
     if (chart && line->GetChart() != chart) return;
-    if (line->Size() < 1) return;
     if (!found || line->GetTime(0) < found->GetTime(0)) found = line;
 }
 

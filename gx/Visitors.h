@@ -280,7 +280,8 @@ struct SaveToXML : Visitor {
     int nodes = 0;  // nodes written
 };
 
-// The line (of the given chart) whose first time is smallest; the first found wins ties.
+// The line (of the given chart) whose first time is smallest; the first found wins ties. A
+// line without data has first time 0.
 struct FindMinTimeLine : Visitor {
     using Visitor::Visit;
     explicit FindMinTimeLine(const Chart* c = nullptr) : chart(c) {}

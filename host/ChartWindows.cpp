@@ -213,11 +213,11 @@ ChartWindows::Owner ChartWindows::owner(data::ChartType type, void* object) {
     return out;
 }
 
-ChartWindows::Caption ChartWindows::caption(void* widget, std::int32_t capacity) {
+ChartWindows::Caption ChartWindows::caption(void* widget) {
     Caption out{-1, QString(), false, false};
     const Window* w = find(widget);
     if (!w) return out;
-    const std::int32_t units = capacity > 0 ? std::min<std::int32_t>(capacity, kMaxTitle) : FXWC_CAPTION_DEFAULT_UNITS;
+    const std::int32_t units = FXWC_CAPTION_UNITS;
     // Guard units behind the buffer show a module writing past its end.
     const std::size_t kGuard = 16;
     const coreWChar kFill = 0xFFFF;
@@ -225,7 +225,6 @@ ChartWindows::Caption ChartWindows::caption(void* widget, std::int32_t capacity)
     fxwcGetCaption record;
     std::memset(&record, 0, sizeof record);
     record.widget = widget;
-    record.capacity = capacity > 0 ? units : capacity;
     out.answer = host_.send(w->iface, MSG_WC_CAPTION, P(&record), P(buffer.data()),
                             "caption of " + hex(widget) + " in " + std::to_string(units) + " units");
     const auto end = std::find(buffer.begin(), buffer.begin() + units, coreWChar(0));

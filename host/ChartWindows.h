@@ -128,8 +128,7 @@ public:
         void* iface;
     };
     Owner owner(data::ChartType type, void* object);
-    // 5034: the window's caption in a buffer of `capacity` units (0: the standard 256; at
-    // most 4096).
+    // 5034: the window's caption in the host's title buffer (FXWC_CAPTION_UNITS units).
     // `terminated` says the module ended the text inside the buffer, `overrun` that it
     // wrote past it (into guard units the host keeps behind).
     struct Caption {
@@ -138,7 +137,7 @@ public:
         bool terminated;
         bool overrun;
     };
-    Caption caption(void* widget, std::int32_t capacity = 0);
+    Caption caption(void* widget);
     // 3518: the window's panel changed status (fxwcPanelTarget, fxwcPanelStatus).
     int panelStatus(void* widget, std::int32_t status, std::int32_t value);
     // 10054: a property page of the window was applied (PROPERTY_CHANGE).

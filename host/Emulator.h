@@ -65,7 +65,8 @@ public:
     void startUp();
     // Tells the module the terminal's skin changed (3560): the module has the work-data store
     // open the skin document at `path` (3163) and restyles its chart windows. An empty path
-    // asks for the module's built-in look. The module's answer (0 when it read the document).
+    // asks for the module's built-in look. 0 when the module read the document; 1 when it
+    // logged that it read none (its answer to 3560 is 0 either way).
     int loadSkin(const QString& path);
     // The text of one of the module's translation keys as the terminal's table holds it
     // (the module inserts its defaults at 3007); empty when it has none.

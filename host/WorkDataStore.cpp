@@ -98,6 +98,7 @@ struct WorkDataStore::Document {
 };
 
 WorkDataStore::WorkDataStore(Host& host) : host_(host) {
+    countAsResult_ = qEnvironmentVariableIntValue("PFHOST_WD_COUNT_AS_RESULT") != 0;
     host_.on(MSG_WD_OPEN, [this](void*, std::intptr_t p1, std::intptr_t, std::string& d) {
         return onOpen(p1, d);
     });
@@ -373,6 +374,12 @@ int WorkDataStore::onCreate(std::intptr_t p1, std::string& detail) {
 int WorkDataStore::onCount(std::intptr_t p1, std::intptr_t p2, std::string& detail) {
     const Node* n = findNode(record<coreSzNode>(p1));
     std::int32_t* count = record<std::int32_t>(p2);
+    if (countAsResult_) {
+        // The count is the answer; the slot is not touched. An unknown node has none.
+        const int value = n ? static_cast<int>(entryCount(*n)) : 0;
+        detail = "count " + (n ? hex(n->handle) : std::string("?")) + " = " + std::to_string(value) + " (answered)";
+        return value;
+    }
     if (!n || !count) return 1;
     const std::int32_t value = static_cast<std::int32_t>(entryCount(*n));
     std::memcpy(count, &value, sizeof value);

@@ -10,7 +10,10 @@
 //   node's entries, takes the child of that name, and creates it (3166 on the document
 //   handle) when the document has no root yet. A second root is refused.
 // - Entries of a node (3167, 3169, 3170) are its attributes, in the order first written,
-//   then its child elements in document order. 3168 sets the attributes it carries and
+//   then its child elements in document order. 3170 writes the count into its slot and
+//   answers 0 (1 for an unknown node), or, like other terminals, answers the count itself
+//   and leaves the slot alone (setCountAsResult, or PFHOST_WD_COUNT_AS_RESULT=1 in the
+//   environment). 3168 sets the attributes it carries and
 //   keeps the others; 3165 removes all attributes and children.
 // - Handles come from Host::newHandle and are never reused: a handle the store did not
 //   give out, or one of a node that was removed, answers 1 (and handle 0 where a handle is
@@ -76,6 +79,9 @@ public:
     // The document holding `node` as the XML that 3164 would write.
     QByteArray text(void* node) const;
     QString path(void* node) const;
+    // How 3170 answers: the count as the callback's result (true) or in the slot (false).
+    void setCountAsResult(bool asResult) { countAsResult_ = asResult; }
+    bool countAsResult() const { return countAsResult_; }
 
 private:
     struct Document;
@@ -100,6 +106,7 @@ private:
     Host& host_;
     std::vector<std::unique_ptr<Document> > documents_;
     std::map<void*, workdata::Node*> nodes_;
+    bool countAsResult_ = false;
 };
 
 }  // namespace host

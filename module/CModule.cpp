@@ -1,6 +1,7 @@
 #include "module/CModule.h"
 
 #include <QFont>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <algorithm>
@@ -31,6 +32,12 @@ void copyCut(char* field, std::size_t size, const char* text, std::size_t limit)
 CModule::CModule(const char* name, int first, int second, int third, const char* logName,
                  const char* translateContext)
     : logName_(logName ? logName : "") {
+    // The record is the object's first data, right after the virtual table pointer: at 4 on
+    // the terminal's 32-bit build, at 8 on a 64-bit one.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+    static_assert(offsetof(CModule, info_) == sizeof(void*), "MODULE_INFO begins the module's data");
+#pragma GCC diagnostic pop
     std::memset(&info_, 0, sizeof info_);
     if (name) {
         copyCut(info_.name, sizeof info_.name, name, sizeof info_.name);

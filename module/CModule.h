@@ -19,6 +19,10 @@ class DateTime;
 }
 
 class CModule {
+    // The module information record begins the object's data, right after the virtual
+    // table pointer (pinned in CModule.cpp); the host gets it by copy.
+    MODULE_INFO info_;
+
 public:
     // `name` null leaves the record's name and description empty. The three numbers are
     // stored in the record in reverse order.
@@ -85,7 +89,6 @@ protected:
     std::int32_t subscriberId_ = 0;
 
 private:
-    MODULE_INFO info_;
     Log* log_ = nullptr;
     BaseLog* log2_ = nullptr;
     QByteArray logName_;

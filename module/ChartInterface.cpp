@@ -1,4 +1,5 @@
 #include "module/ChartInterface.h"
+#include "module/LogHelper.h"
 
 #include <QBuffer>
 #include <boost/shared_ptr.hpp>
@@ -72,7 +73,7 @@ int ChartInterface::GetUnicodeWindowComponentName(fxwcNameCompUnicode* name) {
         std::memcpy(name->iconBuffer, png.constData(), static_cast<std::size_t>(png.size()));
     }
     const QString text = module_ ? module_->tr(traits_.displayKey) : QString::fromLatin1(traits_.displayKey);
-    const int n = std::min(text.size(), 499);
+    const int n = std::min(text.size(), 500);
     std::memset(name->name, 0, sizeof name->name);
     std::memcpy(name->name, text.utf16(), sizeof(coreWChar) * static_cast<std::size_t>(n));
     name->zero = 0;
@@ -93,25 +94,38 @@ PFChartWidget* ChartInterface::CreateWindowComponent(CREATEWINDOWCOMPONENT* reco
 }
 
 int ChartInterface::DestroyWindowComponent(void* target) {
-    if (!IsListed(target)) return 1;
+    // The host hears of every window it asks to destroy, listed or not. Only a listed
+    // widget is known to be one: an unknown address is never read, so its record carries
+    // host handle 0.
+    const bool listed = IsListed(target);
     PFChartWidget* widget = static_cast<PFChartWidget*>(target);
     if (sendToHost) {
         fxwcWindowDestroyed record;
-        record.hostHandle = widget->GetHostHandle();
+        record.hostHandle = listed ? widget->GetHostHandle() : nullptr;
         record.widget = widget;
         sendToHost(hostHandle, MSG_WINDOW_DESTROYED, reinterpret_cast<std::intptr_t>(&record), 0);
     }
+    if (!listed) return 1;
     DelWidget(widget);
     delete widget;
     return 0;
 }
 
 void ChartInterface::DropInstruments(void* target, const fxwcDropList* list) {
-    if (!IsListed(target) || !list) return;
+    if (!IsListed(target)) return;
     PFChartWidget* widget = static_cast<PFChartWidget*>(target);
-    const fxwcDropList drop = *list;  // packed: read the fields by value
-    if (drop.count < 1 || drop.count > kMaxDroppedInstruments || !drop.records) return;
     widget->setFocus(Qt::OtherFocusReason);
+    // An empty drop (no list, no records, a count of 0) still focuses the window and
+    // recomputes its title. A count no terminal could drag is no list: nothing of it is read.
+    fxwcDropList drop{0, nullptr};
+    if (list) drop = *list;  // packed: read the fields by value
+    if (drop.count > kMaxDroppedInstruments) {
+        LogHelper::ShowLogInfo(1, 3, QStringLiteral("Drop of %1 instruments refused: more than %2 cannot be a list")
+                                         .arg(drop.count)
+                                         .arg(kMaxDroppedInstruments));
+        drop.count = 0;
+    }
+    if (!drop.records) drop.count = 0;
     for (std::int32_t i = 0; i < drop.count; ++i) {
         fxwcDropInstrument record;
         std::memcpy(&record, reinterpret_cast<const char*>(drop.records) + sizeof record * std::size_t(i), sizeof record);
@@ -182,9 +196,8 @@ int ChartInterface::FxWindowComponentGetCaption(const fxwcGetCaption* record, co
     const fxwcGetCaption request = *record;
     if (!IsListed(request.widget) || !reply) return 1;
     const QString title = static_cast<PFChartWidget*>(request.widget)->UpdateTitle();
-    // The reply holds `capacity` units (the host's standard 256 when 0); a longer title is cut.
-    const int capacity = request.capacity > 0 ? request.capacity : FXWC_CAPTION_DEFAULT_UNITS;
-    const int units = std::min(title.size(), capacity - 1);
+    // The whole title with its terminator; a title is a host string, bounded by its limit.
+    const int units = std::min(title.size(), int(FXWC_TITLE_MAX_UNITS));
     std::memcpy(reply, title.utf16(), sizeof(coreWChar) * static_cast<std::size_t>(units));
     // The host's buffer may sit at any address: the terminator is copied like the text.
     const coreWChar terminator = 0;

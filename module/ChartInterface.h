@@ -28,8 +28,10 @@ class PFChartWidget;
 //   5004  p1 the widget: 1 when not listed; else 3150, the window deleted, 0.
 //   5005, 5011  p1 the widget: 1 when not listed; else 0.
 //   5012  p1 the widget: 1 when not listed or busy; else printed, 0.
-//   5007  p1 the widget, p2 fxwcDropList: nothing for a widget not listed, a null list, a
-//         null record array or a count outside 1 to kMaxDroppedInstruments. 0.
+//   5007  p1 the widget, p2 fxwcDropList: nothing for a widget not listed. Otherwise the
+//         window takes the focus, every record is taken (none for a null list, a null
+//         record array, a count below 1, or a count above kMaxDroppedInstruments, which is
+//         logged) and the title is recomputed. 0.
 //   3518  p1 fxwcPanelTarget, p2 fxwcPanelStatus: 1 for a null target record; nothing for
 //         a null status or a widget not listed. 0.
 //   3020, 3021  p1 the widget, p2 coreSzNode: nothing for a null node or a widget not
@@ -39,8 +41,8 @@ class PFChartWidget;
 //   5025  fxwcGetOwnerForObj: 1 for a null record or an object no listed window holds (the
 //         record untouched); else 0 with the window and interface written.
 //   5034  fxwcGetCaption, p2 the reply buffer: nothing for a null record or buffer or a
-//         widget not listed; the title is cut to `capacity` units (the standard 256 for 0 or
-//         less) and terminated inside them. 0.
+//         widget not listed; else the title, at most FXWC_TITLE_MAX_UNITS units, and its
+//         terminator. 0.
 //   10054 PROPERTY_CHANGE: nothing for a null record or a widget not listed. 0.
 //   other numbers: 0, nothing done.
 class ChartInterface : public QObject {
@@ -63,8 +65,9 @@ public:
     // Registers the interface with the host (3000) and takes the handle the host left in
     // the record as its own host handle.
     virtual int AddInterface();
-    // The most instruments one drop (5007) may carry; a larger count is refused whole.
-    static constexpr std::int32_t kMaxDroppedInstruments = 64;
+    // A drop (5007) of more instruments than this cannot come from a terminal (its records
+    // alone would take 85 MB): such a count is refused whole and logged.
+    static constexpr std::int32_t kMaxDroppedInstruments = 65536;
 
     // Creates a chart window (5003) inside the widget whose window id the record names and
     // writes its address into the record; null for a null record.

@@ -1,4 +1,5 @@
 #include "module/PFChartModule.h"
+#include "module/LogHelper.h"
 
 #include <cstring>
 
@@ -56,8 +57,14 @@ int PFChartModule::LoadSkinMessage(std::intptr_t p1) {
                     sizeof(coreWChar));
         if (units[length] == 0) break;
     }
-    if (length == kMaxUnits) return 1;
-    return LoadSkin(QString::fromUtf16(units, length));
+    if (length == kMaxUnits) {
+        LogHelper::ShowLogInfo(1, 3, QStringLiteral("Skin not read: the path has no end within %1 units").arg(kMaxUnits));
+        return 1;
+    }
+    const QString path = QString::fromUtf16(units, length);
+    const int result = LoadSkin(path);
+    if (result != 0) LogHelper::ShowLogInfo(1, 3, QStringLiteral("Skin not read from \"%1\"").arg(path));
+    return result;
 }
 
 int PFChartModule::LoadSkin(const QString& path) {
@@ -130,7 +137,10 @@ int PFChartModule::Dispatch(void* target, unsigned int message, std::intptr_t p1
         case MSG_NEED_TO_CONVERT:
             return MwiNeedToConvert(p1, p2);
         case MSG_LOAD_SKIN:
-            return LoadSkinMessage(p1);
+            // The switch answers 0 here as to every message it has no answer for; a skin
+            // that was not read is logged.
+            LoadSkinMessage(p1);
+            return 0;
         case MSG_LS_UPDATE: {
             // The record names a data array, not a window: every window showing it follows.
             const coreUpdateLs* record = reinterpret_cast<const coreUpdateLs*>(p1);

@@ -51,12 +51,13 @@ class TextStatusBar;
 //   3545  a value, no record: 0 middle, 1 bid, any other value ask. Answer 0.
 //   3546  coreConvertList: a null record, or a count below 0 or of 100,000 and more, is left
 //         as it is (the accounts are re-read first all the same). Answer 0.
-//   3560  p1 the path of a skin document, UTF-16, NUL-terminated (LoadSkinMessage). Null or
-//         empty: the built-in look, answer 0. No terminator within 255 units: refused, the
-//         skin unchanged, answer 1. Any other path first resets the built-in look, then reads
-//         the document; a path over 254 units, a document the host does not open (3163
-//         leaves the handle 0) or one without a "MainWindow" root keeps the built-in look
-//         and answers 1. Every open window is restyled in both cases. No widget involved.
+//   3560  p1 the path of a skin document, UTF-16, NUL-terminated (LoadSkinMessage). Answer
+//         0 whatever happens, as for any message the switch has no answer for. Null or
+//         empty: the built-in look. No terminator within 255 units: refused, the skin
+//         unchanged, logged. Any other path first resets the built-in look, then reads the
+//         document; a path over 254 units, a document the host does not open (3163 leaves
+//         the handle 0) or one without a "MainWindow" root keeps the built-in look and is
+//         logged ("Skin not read ..."). Every open window is restyled in both cases.
 //   other numbers: answer 0, nothing done.
 class PFChartModule : public CModule {
 public:

@@ -127,8 +127,8 @@ void PFChartModule::getStartAccount(coreInterfaceRequest* record) {
     const std::int32_t count = record->count;
     if (!handles || !Believable(count)) return;
     for (std::int32_t i = 0; i < count; ++i) {
+        // Every slot is asked, a null one too: the host answers for it.
         void* deal = handles[i];
-        if (!deal) continue;  // a slot the host left unfilled names no deal interface
         std::int32_t n = 0;
         const auto list = FetchRecords<fxdAccountRequest, fxdDealAccount>(
             MSG_DEAL_ACCOUNT_COUNT, MSG_DEAL_ACCOUNT_LIST, n,
@@ -146,8 +146,8 @@ bool PFChartModule::IsDayOff(const QString& symbol) const {
 }
 
 void PFChartModule::UpdateDayOffStatusForDealing(void* dealHandle, int accountId, bool clear) {
-    // A null handle names no dealing: the message would go to the host core instead.
-    if (!sendToHost || !dealHandle) return;
+    // A null deal handle is asked like any other: the host answers for it.
+    if (!sendToHost) return;
     std::int32_t n = 0;
     const auto records = FetchRecords<fxdDayOffRequest, fxdDayOff>(
         MSG_DEAL_DAYOFF_COUNT, MSG_DEAL_DAYOFF_LIST, n,
@@ -188,9 +188,10 @@ void PFChartModule::accountWork(FXEvent* event) {
         accounts_.addToAccountList(account, first);
         UpdateDayOffStatusForDealing(deal, account.accountId, false);
     } else if (event->code == EVENT_ACCOUNT_REMOVED) {
-        // With the last account gone nothing of that dealing is closed for trading any more.
-        if (accounts_.delFromAccountList(account, deal) && accounts_.empty())
-            UpdateDayOffStatusForDealing(deal, account.accountId, true);
+        // With the list empty nothing is closed for trading any more, whether or not this
+        // removal found the account.
+        accounts_.delFromAccountList(account, deal);
+        if (accounts_.empty()) UpdateDayOffStatusForDealing(deal, account.accountId, true);
     }
 }
 

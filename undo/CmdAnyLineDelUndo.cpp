@@ -10,6 +10,7 @@
 #include "gui/PFChartWidget.h"
 #include "gx/Area.h"
 #include "gx/Chart.h"
+#include "gx/IndexRule.h"
 #include "gx/Indicator.h"
 #include "gx/Layer.h"
 #include "gx/Line.h"
@@ -53,11 +54,11 @@ struct Entry {
     void* node;  // the node's host handle, opened again when its turn comes
 };
 
-// Hands each child `name` of a record's "Node" to `visit`, at most `limit` of them.
+// Hands each child `name` of a record's "Node" to `visit`.
 template <class F>
-void ForEachSaved(CXMLWorkData* node, const char* name, F visit, int limit = 4096) {
+void ForEachSaved(CXMLWorkData* node, const char* name, F visit) {
     std::unique_ptr<CXMLWorkData> child(node->getFirstNode(name));
-    for (int n = 0; child && n < limit; ++n) {
+    while (child) {
         visit(child.get());
         child.reset(node->getNextNode());
     }
@@ -70,8 +71,11 @@ struct LinePop {
     void Visit(CXMLWorkData* record) {
         ForEachSaved(record, "PFIndicator", [this](CXMLWorkData* node) {
             if (node->readInteger("ObjectType", -1) != kObjectIndicator) return;
-            Entry e{node->readInteger("nArea", -1),        node->readInteger("nLayer", -1),
-                    node->readInteger("nodeIndex", -1),     node->readInteger("AreaGone", 0) != 0,
+            // Places are values of the index rule; a missing one reads as no place.
+            Entry e{gx::PositionOf(node->readInteger("nArea", gx::kNoIndex)),
+                    gx::PositionOf(node->readInteger("nLayer", gx::kNoIndex)),
+                    gx::PositionOf(node->readInteger("nodeIndex", gx::kNoIndex)),
+                    node->readInteger("AreaGone", 0) != 0,
                     node->readInteger("LayerGone", 0) != 0, node->readInteger("IndicatorGone", 0) != 0,
                     node->node()};
             if (e.area < 0 || e.layer < 0 || e.index < 0) return;
@@ -86,7 +90,7 @@ namespace {
 
 // Every line study that goes with the deletion (selected, or on a selected line): its
 // "LineStudy" node as saved in a layout, marked as deleted, with its place among the
-// studies of its line as "nodeIndex".
+// studies of its line as "nodeIndex". Places are values of the index rule.
 void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
     const std::vector<boost::shared_ptr<gx::Area> >& areas = widget->GetChart()->GetAreas();
     for (std::size_t a = 0; a < areas.size(); ++a)
@@ -103,12 +107,12 @@ void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
                         // The study as saved in a layout, then its place as positions.
                         std::unique_ptr<CXMLWorkData> saved = study->ToXML(root);
                         if (!saved) continue;
-                        saved->writeInteger("nArea", static_cast<int>(a));
-                        saved->writeInteger("nLayer", static_cast<int>(l));
-                        saved->writeInteger("nIndicator", static_cast<int>(i));
-                        saved->writeInteger("nLine", static_cast<int>(n));
+                        saved->writeInteger("nArea", gx::IndexAt(a));
+                        saved->writeInteger("nLayer", gx::IndexAt(l));
+                        saved->writeInteger("nIndicator", gx::IndexAt(i));
+                        saved->writeInteger("nLine", gx::IndexAt(n));
                         saved->writeInteger("DeleteLS", 1);
-                        saved->writeInteger("nodeIndex", static_cast<int>(k));
+                        saved->writeInteger("nodeIndex", gx::IndexAt(k));
                         saved->writeParameters();
                     }
                 }
@@ -128,8 +132,9 @@ struct LineStudyPop {
     void Restore(CXMLWorkData* saved) {
         if (saved->readInteger("ObjectType", -1) != kObjectLineStudy || saved->readInteger("DeleteLS", 0) != 1) return;
         const boost::shared_ptr<gx::Line> line =
-            UndoRecord::LineAt(widget, saved->readInteger("nArea", -1), saved->readInteger("nLayer", -1),
-                               saved->readInteger("nIndicator", -1), saved->readInteger("nLine", -1));
+            UndoRecord::LineAt(widget, saved->readInteger("nArea", gx::kNoIndex),
+                               saved->readInteger("nLayer", gx::kNoIndex),
+                               saved->readInteger("nIndicator", gx::kNoIndex), saved->readInteger("nLine", gx::kNoIndex));
         if (!line) return;
         // The host's study went with the deletion: it is made anew from the saved points.
         const boost::shared_ptr<gx::LineStudy> study = gx::LineStudy::FromXML(line, saved);
@@ -137,7 +142,7 @@ struct LineStudyPop {
         ++restored;
         std::vector<boost::shared_ptr<gx::LineStudy> >& studies = line->GetLineStudies();
         const int from = UndoRecord::StudyIndex(*line, study.get());
-        const int to = saved->readInteger("nodeIndex", -1);
+        const int to = gx::PositionOf(saved->readInteger("nodeIndex", gx::kNoIndex));
         if (from < 0 || to < 0 || to >= from) return;
         studies.erase(studies.begin() + from);
         studies.insert(studies.begin() + to, study);
@@ -181,9 +186,9 @@ void CmdAnyLineDelUndo::Execute(int, void* target, void*, void*, void*) {
                 if (!saved) continue;
                 indicator->ToXML(saved.get());
                 saved->writeInteger("ObjectType", kObjectIndicator);
-                saved->writeInteger("nArea", static_cast<int>(a));
-                saved->writeInteger("nLayer", static_cast<int>(l));
-                saved->writeInteger("nodeIndex", static_cast<int>(i));
+                saved->writeInteger("nArea", gx::IndexAt(a));
+                saved->writeInteger("nLayer", gx::IndexAt(l));
+                saved->writeInteger("nodeIndex", gx::IndexAt(i));
                 saved->writeInteger("AreaGone", areaGone ? 1 : 0);
                 saved->writeInteger("LayerGone", layerGone ? 1 : 0);
                 saved->writeInteger("IndicatorGone", AllSelected(*indicator) ? 1 : 0);

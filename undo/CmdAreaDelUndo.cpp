@@ -5,6 +5,7 @@
 #include "gui/PFChartWidget.h"
 #include "gx/Area.h"
 #include "gx/Chart.h"
+#include "gx/IndexRule.h"
 #include "undo/UndoRecord.h"
 #include "undo/XMLTreeWalker.h"
 #include "xml/CXMLWorkData.h"
@@ -19,7 +20,7 @@ struct AreaPop {
     void Visit(CXMLWorkData* node) {
         if (node->readInteger("ObjectType", -1) != kObjectArea) return;
         std::unique_ptr<CXMLWorkData> areaNode(node->getFirstNode("PFArea"));
-        const int position = node->readInteger("nArea", -1);
+        const int position = gx::PositionOf(node->readInteger("nArea", gx::kNoIndex));
         // A place that does not fit the chart (an edited record) is left out.
         if (!areaNode || position < 0 || position > widget->GetChart()->GetAreaCount()) return;
         gx::Area::InsertFromXML(*widget->GetChart(), areaNode.get(), position);
@@ -29,11 +30,13 @@ struct AreaPop {
 
 }  // namespace
 
+// `parameter` is the area's index (the index rule's value, as written into the record).
 void CmdAreaDelUndo::Execute(int parameter, void* target, void*, void*, void*) {
     PFChartWidget* widget = static_cast<PFChartWidget*>(target);
     if (!widget) return;
     const std::vector<boost::shared_ptr<gx::Area> >& areas = widget->GetChart()->GetAreas();
-    if (parameter < 0 || parameter >= static_cast<int>(areas.size())) return;
+    const int position = gx::PositionOf(parameter);
+    if (position < 0 || position >= static_cast<int>(areas.size())) return;
     UndoRecord record(widget, "G0135");
     if (!record.Root()) return;
     std::unique_ptr<CXMLWorkData> node(record.Root()->createNode("Node"));
@@ -41,7 +44,7 @@ void CmdAreaDelUndo::Execute(int parameter, void* target, void*, void*, void*) {
     node->writeInteger("ObjectType", kObjectArea);
     node->writeInteger("nArea", parameter);
     node->writeParameters();
-    gx::Area::SaveSubtree(areas[static_cast<std::size_t>(parameter)], node.get());
+    gx::Area::SaveSubtree(areas[static_cast<std::size_t>(position)], node.get());
     record.Commit();
 }
 

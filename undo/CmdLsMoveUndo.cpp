@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "gui/PFChartWidget.h"
+#include "gx/IndexRule.h"
 #include "gx/Line.h"
 #include "gx/ls/LineStudy.h"
 #include "gx/ls/lsControlPointsShapesWrap.h"
@@ -24,10 +25,11 @@ struct MovePop {
         if (!saved || saved->readInteger("MoveLS", 0) != 1) return;
         if (saved->readInteger("ObjectType", -1) != kObjectLineStudy) return;
         const boost::shared_ptr<gx::Line> line =
-            UndoRecord::LineAt(widget, saved->readInteger("nArea", -1), saved->readInteger("nLayer", -1),
-                               saved->readInteger("nIndicator", -1), saved->readInteger("nLine", -1));
+            UndoRecord::LineAt(widget, saved->readInteger("nArea", gx::kNoIndex),
+                               saved->readInteger("nLayer", gx::kNoIndex),
+                               saved->readInteger("nIndicator", gx::kNoIndex), saved->readInteger("nLine", gx::kNoIndex));
         if (!line) return;
-        const int index = saved->readInteger("nodeIndex", -1);
+        const int index = gx::PositionOf(saved->readInteger("nodeIndex", gx::kNoIndex));
         const std::vector<boost::shared_ptr<gx::LineStudy> >& studies = line->GetLineStudies();
         if (index < 0 || index >= static_cast<int>(studies.size())) return;
         gx::LineStudy& study = *studies[std::size_t(index)];
@@ -70,7 +72,7 @@ void CmdLsMoveUndo::Execute(int, void* target, void* extra, void* before, void*)
     std::unique_ptr<CXMLWorkData> saved = study->ToXML(node.get(), snapshot);
     if (!saved) return;
     saved->writeInteger("MoveLS", 1);
-    saved->writeInteger("nodeIndex", index);
+    saved->writeInteger("nodeIndex", gx::IndexAt(std::size_t(index)));
     saved->writeParameters();
     node->writeParameters();
     record.Commit();

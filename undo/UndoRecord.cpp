@@ -7,6 +7,7 @@
 #include "gui/PFChartWidget.h"
 #include "gx/Area.h"
 #include "gx/Chart.h"
+#include "gx/IndexRule.h"
 #include "gx/Indicator.h"
 #include "gx/Layer.h"
 #include "gx/Line.h"
@@ -52,7 +53,9 @@ std::unique_ptr<CXMLWorkData> UndoRecord::Open(PFChartWidget* widget, const core
         new CXMLWorkData(module->hostHandle, Handle(record.document), Handle(record.node), module->sendToHost));
 }
 
-boost::shared_ptr<gx::Line> UndoRecord::LineAt(PFChartWidget* widget, int a, int l, int i, int n) {
+boost::shared_ptr<gx::Line> UndoRecord::LineAt(PFChartWidget* widget, int area, int layer, int indicator, int line) {
+    const int a = gx::PositionOf(area), l = gx::PositionOf(layer), i = gx::PositionOf(indicator),
+              n = gx::PositionOf(line);
     const boost::shared_ptr<gx::Line> none;
     if (!widget || !widget->GetChart()) return none;
     const std::vector<boost::shared_ptr<gx::Area> >& areas = widget->GetChart()->GetAreas();

@@ -29,10 +29,12 @@ public:
     // The root of a record the host hands back (3140), read from the host; null without a
     // host.
     static std::unique_ptr<CXMLWorkData> Open(PFChartWidget* widget, const coreUndoStart& record);
+    // Places in a record are values of the index rule (gx/IndexRule.h: 0, -1, -2 ...), as
+    // written and as read back.
     // The line at a place of the chart (area, layer, indicator, line); empty when the chart
     // has no such place (a record may be older than the chart's last change, or edited).
     static boost::shared_ptr<gx::Line> LineAt(PFChartWidget* widget, int area, int layer, int indicator, int line);
-    // The place of `study` among the studies of its line; -1 when it is not on it.
+    // The position of `study` among the studies of its line; -1 when it is not on it.
     static int StudyIndex(const gx::Line& line, const gx::LineStudy* study);
     // The record's first, third and fourth words into `result`.
     static void CopyWords(const coreUndoStart& record, coreUndoRefresh* result);

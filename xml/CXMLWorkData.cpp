@@ -173,11 +173,13 @@ int CXMLWorkData::getCountParamsInTag() {
     if (!callback_ || !node_) return 0;
     coreSzNode self;
     fillNodeData(self);
-    std::int32_t count = 0;
-    if (Send(MSG_WD_PARAM_COUNT, reinterpret_cast<std::intptr_t>(&self),
-             reinterpret_cast<std::intptr_t>(&count)) != 0)
-        return 0;
-    return count;
+    // Terminals answer the count either in the slot or as the callback's result: the slot
+    // starts at -1, and a host that wrote it answers 0 for success.
+    std::int32_t count = kCountUnwritten;
+    const int result = Send(MSG_WD_PARAM_COUNT, reinterpret_cast<std::intptr_t>(&self),
+                            reinterpret_cast<std::intptr_t>(&count));
+    if (count != kCountUnwritten) return result == 0 ? count : 0;
+    return result;
 }
 
 int CXMLWorkData::readParameters() {
@@ -210,8 +212,8 @@ int CXMLWorkData::readParameters() {
         int taken = 0;
         for (int i = 0; i < count; ++i) {
             const coreSzParam& p = params[i];
+            // Every entry the host gives is kept, one with an empty name too.
             const QString name = Local8(p.name, sizeof p.name);
-            if (name.isEmpty()) continue;  // a record the host left unfilled
             if (p.kind == CORE_SZ_PARAM_CHILD) {
                 children_.push_back(ChildEntry{name, p.node});
             } else {

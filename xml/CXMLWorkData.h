@@ -33,6 +33,8 @@ public:
     static const int kMaxEntries = 5499317;
     // Value lengths the host reports beyond this many 16-bit units are refused.
     static const int kMaxValueUnits = 1048576;
+    // What the 3170 slot holds until the host writes it.
+    static constexpr std::int32_t kCountUnwritten = -1;
 
     // Binds to `node` of `document` and reads its parameters. `context` is the target of
     // every message sent through `callback`.
@@ -62,6 +64,8 @@ public:
     int clearNode();
 
     // Host exchange of the node's entries.
+    // 3170: the node's entry count, which the host writes into the slot (preset to
+    // kCountUnwritten) or, leaving the slot alone, answers as the callback's result.
     int getCountParamsInTag();
     // Replaces the cache with the host's entries; returns how many were read.
     int readParameters();

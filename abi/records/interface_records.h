@@ -126,18 +126,18 @@ PF_LAYOUT32(offsetof(fxwcGetOwnerForObj, iface) == 8);
 PF_LAYOUT32(offsetof(fxwcGetOwnerForObj, widget) == 12);
 PF_LAYOUT64(sizeof(fxwcGetOwnerForObj) == 32);
 
-// Message 5034: a window's caption. p1 is this record, p2 a buffer of `capacity` 16-bit
-// units that receives the caption as UTF-16 with its terminator; a caption that does not fit
-// is cut to capacity - 1 units. A capacity of 0 stands for the host's standard 256 units.
+// Message 5034: a window's caption. p1 is this record, p2 the host's title buffer of
+// FXWC_CAPTION_UNITS 16-bit units, which receives the window's title as UTF-16 with its
+// terminator. A title is a host string of at most FXWC_TITLE_MAX_UNITS units; a longer
+// one is cut there. Nothing of the record past the widget is read.
 struct fxwcGetCaption {
     void* reserved;            // the host's
     void* widget;              // the chart widget
-    std::int32_t capacity;     // units in the reply buffer
 };
-PF_LAYOUT32(sizeof(fxwcGetCaption) == 12);
-PF_LAYOUT32(offsetof(fxwcGetCaption, capacity) == 8);
-PF_LAYOUT64(sizeof(fxwcGetCaption) == 20);
-enum { FXWC_CAPTION_DEFAULT_UNITS = 256 };
+PF_LAYOUT32(sizeof(fxwcGetCaption) == 8);
+PF_LAYOUT32(offsetof(fxwcGetCaption, widget) == 4);
+PF_LAYOUT64(sizeof(fxwcGetCaption) == 16);
+enum { FXWC_TITLE_MAX_UNITS = 255, FXWC_CAPTION_UNITS = FXWC_TITLE_MAX_UNITS + 1 };
 
 // Message 10054: a property page of a chart window was applied in the host's dialog.
 struct PROPERTY_CHANGE {

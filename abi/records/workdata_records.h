@@ -7,15 +7,16 @@
 #pragma pack(push, 1)
 
 // Messages 3165 to 3170 address a node with p1 = coreSzNode* (dpa_records.h); only its node
-// word identifies the node. 3170 writes the node's entry count (attributes and child nodes
-// together) to p2 = int32_t*. 3169, 3167 and 3168 take p2 = coreSzParamList*:
+// word identifies the node. 3170 gives the node's entry count (attributes and child nodes
+// together): terminals either write it to p2 = int32_t* (preset to -1) and answer 0, or
+// leave p2 alone and answer the count itself. 3169, 3167 and 3168 take p2 = coreSzParamList*:
 //   3169  the host writes each entry's valueLength (buffer length in 16-bit units, terminator
 //         included), kind and node, for the first `count` entries in its order;
 //   3167  the host fills name, value (at most valueLength units, always terminated), kind and
 //         node of the same entries;
 //   3168  the host stores every record whose kind is not 1 as an attribute (name, value) of
 //         the node; `params` is null when count is 0.
-// 3165 removes the node's attributes and children. Every answer is 0, or 1 on failure.
+// 3165 removes the node's attributes and children. Every other answer is 0, or 1 on failure.
 
 // One attribute or child of a node (messages 3167 to 3170).
 struct coreSzParam {

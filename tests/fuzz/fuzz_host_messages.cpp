@@ -234,14 +234,9 @@ void Owner(FuzzedDataProvider& in, std::intptr_t* p1, std::intptr_t* p2) {
 
 void Caption(FuzzedDataProvider& in, std::intptr_t* p1, std::intptr_t* p2) {
     unsigned char* r = in.ConsumeIntegralInRange<int>(0, 7) ? Record(in, sizeof(fxwcGetCaption)) : nullptr;
-    void* reply = ArenaPointer(in, 2 * FXWC_CAPTION_DEFAULT_UNITS);
-    if (r) {
-        Put(r, offsetof(fxwcGetCaption, widget), WidgetHandle(in));
-        // The capacity the terminal names fits the buffer it gives.
-        const std::int32_t units = std::int32_t(std::min<std::size_t>(Room(reply) / 2, 4096));
-        Put(r, offsetof(fxwcGetCaption, capacity),
-            units >= FXWC_CAPTION_DEFAULT_UNITS && in.ConsumeBool() ? 0 : in.ConsumeIntegralInRange<std::int32_t>(-4, units));
-    }
+    // The terminal's title buffer holds FXWC_CAPTION_UNITS units.
+    void* reply = ArenaPointer(in, 2 * FXWC_CAPTION_UNITS);
+    if (r) Put(r, offsetof(fxwcGetCaption, widget), WidgetHandle(in));
     *p1 = P(r);
     *p2 = P(reply);
 }

@@ -1,7 +1,8 @@
 // The chart type interface's questions about a window, answered in-process: which window
-// holds an area, a layer, a line (5025), and the window's caption cut to the host's buffer
-// (5034).
+// holds an area, a layer, a line (5025), and the window's caption (5034).
 #include "ChartWindowFixture.h"
+
+#include <QTranslator>
 
 #include "gx/Indicator.h"
 #include "gx/Layer.h"
@@ -40,24 +41,79 @@ TEST_F(WindowMessages, OwnerIsFoundForEveryObjectOfTheTreeAndNobodyElse) {
     iface->DelWidget(widget.get());
 }
 
-TEST_F(WindowMessages, CaptionIsCutToTheReplyBuffer) {
+TEST_F(WindowMessages, CaptionIsTheWholeTitleAndNothingPastTheRecordIsRead) {
     Show(QStringLiteral("EURUSD"));
     ChartInterface* iface = module.GetPFInterface();
     iface->AddWidget(widget.get());
-    coreWChar reply[300];
-    fxwcGetCaption request{};
-    request.widget = widget.get();
-    ASSERT_EQ(iface->FxWindowComponentGetCaption(&request, reply), 0);  // capacity 0: the host's 256
-    EXPECT_EQ(QString::fromUtf16(reinterpret_cast<const char16_t*>(reply)), QStringLiteral("PFChartModule, EURUSD/1 Hour"));
+    coreWChar reply[FXWC_CAPTION_UNITS + 8];
     std::fill(std::begin(reply), std::end(reply), coreWChar(0xAAAA));
-    request.capacity = 6;
-    ASSERT_EQ(iface->FxWindowComponentGetCaption(&request, reply), 0);
-    EXPECT_EQ(QString::fromUtf16(reinterpret_cast<const char16_t*>(reply)), QStringLiteral("PFCha"));
-    EXPECT_EQ(reply[6], 0xAAAA);  // nothing past the buffer
-    request.widget = reinterpret_cast<void*>(std::intptr_t(0x5150));
-    EXPECT_EQ(iface->FxWindowComponentGetCaption(&request, reply), 1);
+    // The record is two words; whatever the host keeps behind them is not the module's.
+    struct {
+        fxwcGetCaption record;
+        std::int32_t behind;
+    } request{};
+    request.record.widget = widget.get();
+    request.behind = 6;
+    ASSERT_EQ(iface->FxWindowComponentGetCaption(&request.record, reply), 0);
+    EXPECT_EQ(QString::fromUtf16(reinterpret_cast<const char16_t*>(reply)), QStringLiteral("PFChartModule, EURUSD/1 Hour"));
+    request.record.widget = reinterpret_cast<void*>(std::intptr_t(0x5150));
+    EXPECT_EQ(iface->FxWindowComponentGetCaption(&request.record, reply), 1);
     EXPECT_EQ(iface->FxWindowComponentGetCaption(nullptr, reply), 1);
     iface->DelWidget(widget.get());
+}
+
+TEST_F(WindowMessages, ALongTitleIsCutAtTheHostStringLimit) {
+    for (QChar c : {QChar('A'), QChar('B'), QChar('C')}) Show(QString(100, c));
+    ChartInterface* iface = module.GetPFInterface();
+    iface->AddWidget(widget.get());
+    const QString title = widget->UpdateTitle();
+    ASSERT_GT(title.size(), int(FXWC_TITLE_MAX_UNITS));
+    coreWChar reply[FXWC_CAPTION_UNITS + 8];
+    std::fill(std::begin(reply), std::end(reply), coreWChar(0xAAAA));
+    fxwcGetCaption request{};
+    request.widget = widget.get();
+    ASSERT_EQ(iface->FxWindowComponentGetCaption(&request, reply), 0);
+    EXPECT_EQ(QString::fromUtf16(reinterpret_cast<const char16_t*>(reply)), title.left(FXWC_TITLE_MAX_UNITS));
+    EXPECT_EQ(reply[FXWC_CAPTION_UNITS], 0xAAAA);  // nothing past the host's buffer
+    iface->DelWidget(widget.get());
+}
+
+TEST_F(WindowMessages, RequestLastDataFetchesEveryIndicatorsArraysAgain) {
+    Show(QStringLiteral("EURUSD"));
+    const boost::shared_ptr<gx::Line> line = widget->GetChart()->GetAreas()[0]->GetLayers()[0]->GetIndicators()[0]->GetLines()[0];
+    ASSERT_EQ(line->Size(), 60);
+    // The host computed ten more columns and has not told the window.
+    Series& s = *Find(QStringLiteral("EURUSD"));
+    for (int i = 60; i < 70; ++i) s.records.push_back(fxChartTypeRecord{946684800 + 3600 * i, 0.001f, 1.0f, i % 2, 1.005f, 0.0f});
+    s.array.points = reinterpret_cast<unsigned char*>(s.records.data());
+    s.array.pointCount = 70;
+    host.clear();
+    widget->GetChart()->RequestLastData();
+    EXPECT_EQ(host.find(MSG_DPA_COUNT).size(), 1u);
+    EXPECT_FALSE(host.find(MSG_DPA_LIST).empty());
+    EXPECT_EQ(widget->GetChart()->GetAreas()[0]->GetLayers()[0]->GetIndicators()[0]->GetLines()[0]->Size(), 70);
+}
+
+// A translation table whose display name of the Point and Figure charts is 600 characters.
+struct LongDisplayName : QTranslator {
+    bool isEmpty() const override { return false; }
+    QString translate(const char*, const char* key, const char*, int) const override {
+        return QByteArray(key) == "PF0001" ? QString(600, QLatin1Char('N')) : QString();
+    }
+};
+
+TEST_F(WindowMessages, DisplayNameFillsAllFiveHundredCharacters) {
+    LongDisplayName table;
+    QCoreApplication::installTranslator(&table);
+    fxwcNameCompUnicode name;
+    std::memset(&name, 0xAA, sizeof name);
+    name.iconBuffer = nullptr;
+    name.iconSize = 0;
+    EXPECT_EQ(module.GetPFInterface()->GetUnicodeWindowComponentName(&name), 0);
+    QCoreApplication::removeTranslator(&table);
+    EXPECT_EQ(name.name[0], coreWChar('N'));
+    EXPECT_EQ(name.name[499], coreWChar('N'));
+    EXPECT_EQ(name.zero, 0);
 }
 
 }  // namespace

@@ -160,4 +160,39 @@ TEST_F(Zoom, WheelAndZoomKeysDriveTheToolBar) {
     EXPECT_EQ(UndoSteps(), 5u);
 }
 
+TEST_F(Zoom, DraggedSelectionIsMarkedAtItsStartAndAtTheMouse) {
+    const boost::shared_ptr<gx::Area> area = widget->GetChart()->GetAreas().front();
+    const QRect r = area->Rect();
+    pf::ScaleEngine& e = Engine();
+    const QPoint press(r.left() + r.width() / 4, r.center().y());
+    const QPoint drag(r.left() + 3 * r.width() / 4, r.center().y());
+    QMouseEvent down(QEvent::MouseButtonPress, press, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(widget.get(), &down);
+    QMouseEvent move(QEvent::MouseMove, drag, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(widget.get(), &move);
+    ASSERT_TRUE(e.GetFlag());
+
+    QImage image(widget->size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::white);
+    {
+        QPainter painter(&image);
+        widget->Draw(painter, true);
+    }
+    const int columnWidth = int(e.GetWidth()) / e.GetColumnCount();
+    auto markerX = [&](int position) { return int(e.TranslateX(position) + e.GetLeft() + columnWidth * 0.5); };
+    auto blackColumn = [&](int x) {
+        for (int y = r.top() + 1; y < r.bottom(); ++y)
+            if (image.pixel(x, y) != qRgb(0, 0, 0)) return false;
+        return true;
+    };
+    // The end is the mouse's column; the middle (one column before it) has no marker.
+    ASSERT_GT(columnWidth, 2);
+    EXPECT_TRUE(blackColumn(markerX(e.GetZoomStartPos())));
+    EXPECT_TRUE(blackColumn(markerX(e.GetZoomEndPos())));
+    EXPECT_EQ(e.GetZoomMiddlePos(), e.GetZoomEndPos() - 1);
+    EXPECT_FALSE(blackColumn(markerX(e.GetZoomMiddlePos())));
+    QMouseEvent up(QEvent::MouseButtonRelease, press, Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(widget.get(), &up);
+}
+
 }  // namespace

@@ -107,6 +107,7 @@ TEST(LRScale, LabelsAtEvenStepsOnTheirRowsAndBoundedOnAbsurdRanges) {
     gx::LRScale scale(nullptr);
     TextDevice device;
     const int h = QFontMetrics(scale.GetFont(), &device).height();
+    const int ascent = QFontMetrics(scale.GetFont(), &device).ascent();
     ASSERT_TRUE(h >= 5 && h <= 14) << "the steps below are worked out for fonts of 5 to 14 pixels";
 
     // 1.2000 on row 980, 1.2960 on row 20: a box of 0.001 is 10 pixels, a spacing of h + 5
@@ -115,7 +116,7 @@ TEST(LRScale, LabelsAtEvenStepsOnTheirRowsAndBoundedOnAbsurdRanges) {
     ASSERT_EQ(labels.size(), 49u);
     for (int i = 0; i < 49; ++i) {
         EXPECT_EQ(labels[i].text, QString::asprintf("%.4f", (12000 + 20 * i) / 10000.0));
-        EXPECT_EQ(labels[i].top, 980 - 20 * i - h / 2);  // centred on the row
+        EXPECT_EQ(labels[i].top, 980 - 20 * i - ascent);  // standing on the row
     }
     // On the full height the minimum's row lies below the column: its label is moved inside.
     EXPECT_EQ(DrawScale(scale, 1000, Range(1.2f, 1.3f, 0.001f), Engine(999, 1.2f, 1.3f)).front().bottom, 999);
@@ -135,7 +136,12 @@ TEST(LRScale, RulerWithoutDataAndNothingWhenHidden) {
     const std::vector<Label> labels = DrawScale(scale, 300, gx::FindMinMax(), Engine(299, 0.0f, 1.0f));
     ASSERT_EQ(labels.size(), 11u);
     EXPECT_EQ(labels[10].text, "100");
-    EXPECT_NEAR((labels[5].top + labels[5].bottom) / 2.0, 299 - 150, 1.0);  // "50" centred on its row
+    // Label i stands on row bottom - i x (height / 10), five pixels in.
+    TextDevice measure;
+    const int ascent = QFontMetrics(scale.GetFont(), &measure).ascent();
+    EXPECT_EQ(labels[5].top, 299 - 5 * 30 - ascent);
+    EXPECT_EQ(labels[5].left, 5);
+    EXPECT_EQ(labels[1].top, 299 - 30 - ascent);
     EXPECT_LT(DrawScale(scale, 40, gx::FindMinMax(), Engine(39, 0.0f, 1.0f)).size(), 11u);  // overlaps left out
 
     TextDevice device;
@@ -197,13 +203,32 @@ TEST(Grid, BoxLinesColumnLinesSpacingAndCost) {
     EXPECT_EQ(rows, expected);
     EXPECT_EQ(columns, (std::vector<int>{2, 16, 31, 45, 59, 73, 88}));  // 100 / 7 pixels, rounded
 
+    // Boxes too low for lines of their own: lines a whole number of boxes apart, the first
+    // whole number that reaches a tenth of the height (19.9 pixels per unit: 101 boxes of
+    // 0.01, 20.1 pixels), counted from the minimum.
+    const auto wholeBoxes = [](const boost::shared_ptr<pf::ScaleEngine>& e, double step) {
+        std::vector<int> out;
+        for (int k = 1; e->TranslateY(float(k * step)) >= 0; ++k) out.push_back(e->TranslateY(float(k * step)));
+        return out;
+    };
     DrawGrid(grid, Range(0.0f, 10.0f, 0.01f), Engine(199, 0.0f, 10.0f), rows, columns, device);
-    EXPECT_EQ(rows, (std::vector<int>{180, 160, 140, 120, 100, 80, 60, 40, 20, 0}));  // a tenth of the height
+    EXPECT_EQ(rows, wholeBoxes(Engine(199, 0.0f, 10.0f), 101 * 0.01));
     DrawGrid(grid, Range(0.0f, 10.0f, 0.01f), Engine(29, 0.0f, 10.0f), rows, columns, device);
     EXPECT_EQ(rows, (std::vector<int>{25, 20, 15, 10, 5, 0}));  // a tenth of 30 would be 3
     for (const gx::FindMinMax& r : {Range(1.0f, 1.0f, 0.1f), Range(NAN, NAN, NAN), Range(-3e38f, 3e38f, 1e-38f)}) {
         DrawGrid(grid, r, Engine(199, r.minPrice, r.maxPrice), rows, columns, device);
         EXPECT_TRUE(!rows.empty() && rows.size() <= 40u);
+    }
+    // Boxes of 3 pixels: 7 boxes apart (20.9 pixels).
+    DrawGrid(grid, Range(0.0f, 10.0f, 0.15f), Engine(199, 0.0f, 10.0f), rows, columns, device);
+    EXPECT_EQ(rows, wholeBoxes(Engine(199, 0.0f, 10.0f), 7 * 0.15));
+    // No box size: the range found is cut into ten boxes (here 10 pixels each, the range
+    // being half the engine's).
+    for (float box : {0.0f, NAN}) {
+        DrawGrid(grid, Range(0.0f, 5.0f, box), Engine(199, 0.0f, 10.0f), rows, columns, device);
+        expected.clear();
+        for (int row = 190; row >= 0; row -= 10) expected.push_back(row);
+        EXPECT_EQ(rows, expected) << box;
     }
     // 100000 columns on 100 pixels: one line per pixel.
     DrawGrid(grid, Range(0.0f, 10.0f, 0.5f), Engine(199, 0.0f, 10.0f, 100000), rows, columns, device);

@@ -65,8 +65,10 @@ public:
         const QFontMetricsF fm(item.font(), this);
         const QRectF box(p.x(), p.y() - fm.ascent(), fm.horizontalAdvance(item.text()), fm.height());
         labels.push_back({item.text(), box.toRect()});
+        baselines.push_back(qRound(p.y()));
     }
     std::vector<Label> labels;
+    std::vector<int> baselines;
 
 protected:
     int metric(PaintDeviceMetric m) const override {
@@ -193,6 +195,39 @@ TEST(TimeScaleDraw, EachSpanGetsItsLabelsWithoutOverlap) {
     t = DrawScale(Columns(Utc(2023, 1, 10), 120, 86400), 'D', 120, 600);
     EXPECT_TRUE(t.contains("February 2023") || t.contains("Feb 2023"));
     EXPECT_TRUE(DrawScale(Columns(Utc(2015, 6, 1), 260, 604800), 'W', 260, 600).contains("2017"));
+}
+
+TEST(TimeScaleDraw, AnHourOrLessIsLabelledByTheMinuteAndMonthsAlwaysNameTheirYear) {
+    // Fifty minutes of minute columns, wide apart: the finest band labels minutes, not
+    // only every fifth one.
+    std::vector<long> minutes;
+    for (int i = 0; i < 50; ++i) minutes.push_back(Utc(2024, 3, 12, 8) + 60 * i);
+    const QStringList t = DrawScale(minutes, 'I', 50, 3000);
+    bool offFive = false;
+    for (const QString& label : t.filter(QRegularExpression("^\\d\\d:\\d\\d$"))) offFive |= label.right(2).toInt() % 5 != 0;
+    EXPECT_TRUE(offFive) << t.join(' ').toStdString();
+    // Months over a year and more, in narrow strips too: "MMMM yyyy" or "MMM yyyy", never the
+    // month's name alone.
+    for (int width : {300, 600, 1200})
+        EXPECT_TRUE(DrawScale(Columns(Utc(2020, 1, 10), 500, 86400), 'D', 500, width)
+                        .filter(QRegularExpression("^[A-Za-z]+$"))
+                        .isEmpty())
+            << width;
+}
+
+TEST(TimeScaleDraw, OneRowOfLabelsStandsOnTheMiddleOfTheStripPlusFive) {
+    // Years of weekly columns: year labels alone, one row.
+    TimeScale scale(nullptr, Engine(400, 600), 0x808080);
+    for (long t : Columns(Utc(2000, 1, 1), 400, 604800)) scale.AddTime(t);
+    scale.SetFormat('W');
+    scale.Resize();
+    TextRecorder device;
+    {
+        QPainter painter(&device);
+        scale.Draw(painter);
+    }
+    ASSERT_FALSE(device.baselines.empty());
+    for (int baseline : device.baselines) EXPECT_EQ(baseline, scale.Rect().top() + scale.Rect().height() / 2 + 5);
 }
 
 TEST(TimeScaleDraw, DenseOrNarrowStripsStillNeverOverlap) {

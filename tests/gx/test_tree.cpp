@@ -218,6 +218,10 @@ TEST_F(TreeTest, FindersKeepTheLastMatchOrTheFirstExtreme) {
     earlier.records[0].time = 5;
     boost::shared_ptr<gx::Area> third = AddArea({&earlier.header});
     EXPECT_EQ(gx::WidgetWalker<gx::FindMinTimeLine>(&chart, gx::FindMinTimeLine()).Walk().found, LineOf(third));
+    // A line without data starts at time 0: the time scale follows it.
+    Records none(std::vector<fxChartTypeRecord>{});
+    boost::shared_ptr<gx::Area> empty = AddArea({&none.header});
+    EXPECT_EQ(gx::WidgetWalker<gx::FindMinTimeLine>(&chart, gx::FindMinTimeLine()).Walk().found, LineOf(empty));
 }
 
 }  // namespace

@@ -97,9 +97,12 @@ TEST_F(ChartWindow, DestroyIsAnnouncedAndOnlyTheOwningInterfaceDeletes) {
     QPointer<QWidget> pfChart = ChartOf(pf);
     ASSERT_FALSE(pfChart.isNull());
 
-    // Another interface's widget: nothing is deleted.
+    // Another interface's widget: the host is told first, then nothing is deleted.
+    ASSERT_TRUE(Charts().destroyedRecords().empty());
     H().send(Interface("Renko"), MSG_WC_DESTROY, P(pf));
     EXPECT_FALSE(pfChart.isNull());
+    ASSERT_EQ(Charts().destroyedRecords().size(), 1u);
+    EXPECT_EQ(Charts().destroyedRecords().back().widget, pf);
 
     ASSERT_TRUE(Charts().destroy(pf));
     ASSERT_FALSE(Charts().destroyedRecords().empty());

@@ -81,6 +81,30 @@ TEST_F(HostileWindow, BadDropsAndCreatesChangeNothing) {
     EXPECT_EQ(Count(MSG_HEAD_NODE_INFO), 1u);
 }
 
+TEST_F(HostileWindow, EveryRecordOfADropIsTakenAndAnEmptyDropStillFocusesTheWindow) {
+    fxwcDropInstrument one;
+    ASSERT_TRUE(Charts().dropRecord("USDCHF", std::nullopt, &one));
+    // Far more instruments than a window shows at once: each is asked about.
+    std::vector<fxwcDropInstrument> many(100, one);
+    for (fxwcDropInstrument& r : many) r.baseHandle = reinterpret_cast<void*>(std::intptr_t(0x7777));
+    EXPECT_EQ(Drop(std::int32_t(many.size()), many.data()), 0);
+    EXPECT_EQ(Count(MSG_HEAD_NODE_INFO), many.size());
+
+    // A drop with nothing in it: the window takes the focus all the same.
+    QWidget* chart = Charts().chartWidget(widget);
+    ASSERT_NE(chart, nullptr);
+    for (std::int32_t count : {0, 1}) {
+        chart->clearFocus();
+        ASSERT_NE(chart->window()->focusWidget(), chart);
+        EXPECT_EQ(Drop(count, count ? nullptr : &one), 0);
+        EXPECT_EQ(chart->window()->focusWidget(), chart) << count;
+    }
+    chart->clearFocus();
+    EXPECT_EQ(H().send(pf, MSG_WC_DROP_INSTRUMENTS, P(widget), 0), 0);
+    EXPECT_EQ(chart->window()->focusWidget(), chart);
+    EXPECT_EQ(Count(MSG_HEAD_NODE_INFO), many.size());
+}
+
 TEST_F(HostileWindow, MessagesForAWindowThatIsGoneTouchNothing) {
     ASSERT_EQ(Charts().drop(widget, {"USDCHF"}), 0);
     void* gone = widget;
@@ -89,6 +113,11 @@ TEST_F(HostileWindow, MessagesForAWindowThatIsGoneTouchNothing) {
     const std::size_t announced = Charts().destroyedRecords().size();
     for (unsigned int m : {MSG_WC_DESTROY, MSG_WC_RESIZE, MSG_WC_SHOW, MSG_WC_PRINT})
         EXPECT_EQ(H().send(pf, m, P(gone)), 0) << m;
+    // The host hears of the second destroy too, without the gone window's handle (the
+    // module does not read an address it no longer lists).
+    ASSERT_EQ(Charts().destroyedRecords().size(), announced + 1);
+    EXPECT_EQ(Charts().destroyedRecords().back().widget, gone);
+    EXPECT_EQ(Charts().destroyedRecords().back().hostHandle, nullptr);
     fxwcDropInstrument one;
     ASSERT_TRUE(Charts().dropRecord("USDCHF", std::nullopt, &one));
     fxwcDropList list{1, &one};
@@ -98,7 +127,7 @@ TEST_F(HostileWindow, MessagesForAWindowThatIsGoneTouchNothing) {
     update.subscriber = gone;
     EXPECT_EQ(H().send(pf, MSG_DATA_UPDATED, P(&update)), 0);
     EXPECT_EQ(H().send(pf, MSG_DATA_UPDATED, 0), 0);
-    EXPECT_EQ(Charts().destroyedRecords().size(), announced);  // no second 3150
+    EXPECT_EQ(Charts().destroyedRecords().size(), announced + 1);
     // The window that is left still works.
     EXPECT_EQ(Charts().drop(other, {"TTRC"}), 0);
     EXPECT_EQ(Charts().title(other), QStringLiteral("PFChartModule, TTRC/Day"));
@@ -176,6 +205,25 @@ TEST_F(WindowUse, MouseOverTheAreaShowsTimeAndPriceAndTheCrossCursorFollowsIt) {
     send(QEvent::MouseButtonPress, Qt::MiddleButton, Qt::MiddleButton);
     send(QEvent::MouseButtonRelease, Qt::MiddleButton, Qt::NoButton);
     EXPECT_EQ(Picture(), plain);
+}
+
+TEST_F(WindowUse, StatusBarTimeIsThatOfTheLineUnderTheMouse) {
+    // Two instruments of different periods and years, one area each.
+    ASSERT_EQ(Charts().drop(widget, {"USDCHF"}), 0);
+    ASSERT_EQ(Charts().drop(widget, {"TTRC"}), 0);
+    Picture();
+    QWidget* chart = Charts().chartWidget(widget);
+    ASSERT_NE(chart, nullptr);
+    for (int area : {0, 1}) {
+        QPoint at;
+        QString tip;
+        ASSERT_TRUE(Charts().figureIn(widget, area, &at, &tip)) << area;
+        QMouseEvent event(QEvent::MouseMove, at, chart->mapToGlobal(at), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(chart, &event);
+        // The tip's last line is the time of the figure under the mouse.
+        const QString tipTime = tip.section(QLatin1Char('\n'), -1);
+        EXPECT_EQ(emulator->mainWindow().timeLabel()->text(), tipTime) << area;
+    }
 }
 
 TEST_F(WindowUse, CaptionMarksAnInstrumentInADealingDayOff) {

@@ -90,6 +90,14 @@ TEST_F(Dealing, DayOffFollowsEventsAndTheLastAccountLeaving) {
     EXPECT_EQ(H().journal().find(16026).back().param1, 1);
     EXPECT_FALSE(DayOff("EURUSD"));  // the dealing trades again
     EXPECT_FALSE(DayOff("A_SYMBOL_OF_19_CHAR"));
+
+    // With the list empty, a removal that finds nothing clears all the same.
+    EXPECT_EQ(Deals().raiseDayOff(alpha, 1), 1);
+    ASSERT_TRUE(DayOff("EURUSD"));
+    fxdDealAccount stranger = host::DealingService::makeAccount(alpha, 1, "Gone already");
+    emulator->core().raiseEvent(host::DealingService::eventName(), EVENT_ACCOUNT_REMOVED, &stranger, 1);
+    EXPECT_EQ(Count(16026), asked + 3);
+    EXPECT_FALSE(DayOff("EURUSD"));
 }
 
 TEST_F(Dealing, DayOffEventFromAStrangerIsIgnored) {

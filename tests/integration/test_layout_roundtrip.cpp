@@ -173,6 +173,56 @@ TEST_F(LayoutRoundTrip, ThreeAreasTwoLayersFourIndicatorsComeBackAsTheyWere) {
     EXPECT_TRUE(a == b) << "the loaded window draws differently";
 }
 
+// How many children named `name` a node has.
+int ChildCount(const host::workdata::Node* node, const char* name) {
+    int n = 0;
+    if (node)
+        for (const auto& c : node->children) n += c->name == QLatin1String(name);
+    return n;
+}
+
+TEST_F(LayoutRoundTrip, FortyAreasAndTwentyLayersComeBackWhole) {
+    void* first = Charts().create(ChartType::Renko);
+    ASSERT_NE(first, nullptr);
+    const char* names[] = {"USDCHF", "TTRC", "HOURLY", "WEEKLY"};
+    for (int i = 0; i < 40; ++i) ASSERT_EQ(Charts().drop(first, {names[i % 4]}), 0);
+    void* saved = LayoutNode(QStringLiteral("forty.xml"));
+    ASSERT_EQ(Send(MSG_SAVE_CHART, first, saved), 0);
+    const host::workdata::Node* chartNode =
+        Store().node(Store().child(Store().child(saved, QStringLiteral("PFWidget")), QStringLiteral("PFChart")));
+    ASSERT_EQ(ChildCount(chartNode, "PFArea"), 40);
+    void* copy = Charts().create(ChartType::Renko);
+    ASSERT_EQ(Send(MSG_LOAD_CHART, copy, saved), 0);
+    EXPECT_EQ(Charts().title(copy), Charts().title(first));
+    EXPECT_TRUE(Charts().grab(copy, QSize(1000, 1400)) == Charts().grab(first, QSize(1000, 1400)))
+        << "forty areas load differently";
+
+    // Twenty layers in the first area, one indicator each, as a host could write them.
+    void* firstArea = chartNode->children.at(0)->handle;
+    for (int i = 1; i < 20; ++i) {
+        void* layer = Store().createChild(firstArea, QStringLiteral("PFLayer"));
+        void* indicator = Store().createChild(layer, QStringLiteral("PFIndicator"));
+        Store().setAttribute(indicator, QStringLiteral("InstrumentName"), QString::fromLatin1(names[i % 4]));
+        Store().setAttribute(indicator, QStringLiteral("InstrumentPeriodLen"), QStringLiteral("0"));
+    }
+    void* second = Charts().create(ChartType::Renko);
+    ASSERT_EQ(Send(MSG_LOAD_CHART, second, saved), 0);
+    void* again = LayoutNode(QStringLiteral("forty-again.xml"));
+    ASSERT_EQ(Send(MSG_SAVE_CHART, second, again), 0);
+    const host::workdata::Node* chartAgain =
+        Store().node(Store().child(Store().child(again, QStringLiteral("PFWidget")), QStringLiteral("PFChart")));
+    ASSERT_EQ(ChildCount(chartAgain, "PFArea"), 40);
+    EXPECT_EQ(ChildCount(chartAgain->children.at(0).get(), "PFLayer"), 20);
+
+    // What the module saved loads pixel for pixel.
+    void* third = Charts().create(ChartType::Renko);
+    ASSERT_EQ(Send(MSG_LOAD_CHART, third, again), 0);
+    EXPECT_EQ(Charts().title(third), Charts().title(second));
+    const QImage a = Charts().grab(second, QSize(1000, 1400));
+    const QImage b = Charts().grab(third, QSize(1000, 1400));
+    EXPECT_TRUE(a == b) << "the loaded window draws differently";
+}
+
 TEST_F(LayoutRoundTrip, HandEditedDocumentsLoadWhatTheyCan) {
     void* node = LayoutNode(QStringLiteral("edited.xml"));
     void* widgetNode = Store().createChild(node, QStringLiteral("PFWidget"));

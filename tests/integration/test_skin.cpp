@@ -19,6 +19,7 @@
 #include "PfhostProcess.h"
 #include "ModuleHostTest.h"
 #include "host/ChartWindows.h"
+#include "host/CoreServices.h"
 #include "host/Emulator.h"
 #include "host/PropertyDialog.h"
 #include "host/PropertyService.h"
@@ -109,7 +110,10 @@ TEST_F(SkinWindow, PathsAndDocumentsThatAreNoSkinLeaveTheBuiltInLook) {
     // A path without a terminator within 255 units is refused before the host is asked.
     std::vector<ushort> unterminated(255, ushort('a'));
     const std::size_t opened = H().journal().find(MSG_WD_OPEN).size();
-    EXPECT_EQ(H().send(nullptr, MSG_LOAD_SKIN, P(unterminated.data())), 1);
+    // The answer is the switch's 0 all the same.
+    EXPECT_EQ(H().send(nullptr, MSG_LOAD_SKIN, P(unterminated.data())), 0);
+    EXPECT_TRUE(emulator->core().logRecords().back().text.startsWith("Skin not read"));
+    EXPECT_EQ(emulator->core().logRecords().back().level, 3);
     EXPECT_EQ(H().journal().find(MSG_WD_OPEN).size(), opened);
     EXPECT_EQ(H().send(nullptr, MSG_LOAD_SKIN, 0), 0);  // null: the built-in look
     // A missing file, another document, a file that is not XML.

@@ -12,6 +12,7 @@
 #include "host/CoreServices.h"
 #include "host/DataCore.h"
 #include "host/Emulator.h"
+#include "host/ModuleLoader.h"
 
 namespace {
 
@@ -51,6 +52,16 @@ TEST_F(StartUp, ModuleInformationRecordByteForByte) {
     EXPECT_EQ(std::memcmp(actual, expected, 2315), 0);
     for (std::size_t i = 2315; i < sizeof actual; ++i) ASSERT_EQ(actual[i], 0xEE) << "wrote past the record";
     EXPECT_EQ(H().getModuleInfo(nullptr), 0);
+
+    // The record begins the data of the object GetModule() returns, right after its
+    // virtual table pointer.
+    host::ModuleLoader loader;
+    std::string error;
+    ASSERT_TRUE(loader.load(PF_MODULE_PATH, &error)) << error;
+    ASSERT_NE(loader.getModule, nullptr);
+    const unsigned char* object = static_cast<const unsigned char*>(loader.getModule());
+    ASSERT_NE(object, nullptr);
+    EXPECT_EQ(std::memcmp(object + sizeof(void*), expected, 2315), 0);
 }
 
 TEST_F(StartUp, SetUpAsksLanguagesDateFunctionsAndLogSink) {

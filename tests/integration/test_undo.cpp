@@ -141,6 +141,33 @@ TEST_F(Undo, ClosingAnAreaIsOneStepAndItsUndoRestoresThePicture) {
     EXPECT_EQ(UndoMessages(from), expected);
 }
 
+TEST_F(Undo, PlacesInRecordsAreIndexRuleValuesAndComeBackExactly) {
+    void* widget = Window({"USDCHF", "TTRC", "USDCHF"});
+    const QImage before = Picture(widget);
+    // The values of every place the top record names ("nArea", "nLayer", "nodeIndex").
+    auto places = [&](const char* key) {
+        std::vector<QString> out;
+        EditTopRecord([&](void*, const host::workdata::Node& node) {
+            if (const QString* v = node.attribute(QString::fromLatin1(key))) out.push_back(*v);
+        });
+        return out;
+    };
+    std::string error;
+    ASSERT_TRUE(Charts().closeArea(widget, 2, &error)) << error;
+    ASSERT_FALSE(places("nArea").empty());
+    for (const QString& v : places("nArea")) EXPECT_EQ(v, QStringLiteral("-2"));
+    UndoTop();
+    EXPECT_EQ(Picture(widget), before);
+
+    ASSERT_TRUE(Charts().deleteLine(widget, 1, &error)) << error;
+    ASSERT_FALSE(places("nArea").empty());
+    for (const QString& v : places("nArea")) EXPECT_EQ(v, QStringLiteral("-1"));
+    for (const QString& v : places("nLayer")) EXPECT_EQ(v, QStringLiteral("0"));
+    for (const QString& v : places("nodeIndex")) EXPECT_EQ(v, QStringLiteral("0"));
+    UndoTop();
+    EXPECT_EQ(Picture(widget), before);
+}
+
 TEST_F(Undo, DeletingTheLastLineOfAnIndicatorIsUndoneToTheSamePicture) {
     void* widget = Window({"USDCHF"});
     const QImage before = Picture(widget);

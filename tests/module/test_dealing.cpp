@@ -166,6 +166,34 @@ TEST_F(ChartModuleHost, UnbelievableCountsAllocateNothing) {
     }
 }
 
+TEST_F(ChartModuleHost, NullDealHandlesAreAskedLikeAnyOther) {
+    // The host lists two deal interfaces and leaves the first slot empty.
+    interfaces = 2;
+    host.fill<coreInterfaceRequest>(MSG_GET_INTERFACE, [](coreInterfaceRequest* r) {
+        const std::string kind = r->kind;
+        r->result[0] = kind == "MAINWINDOW" ? H(0x4D) : kind == "CANDLE" ? H(0x7A) : nullptr;
+        if (kind != "MAINWINDOW" && kind != "CANDLE") r->result[1] = H(0xD2);
+    });
+    host.clear();
+    module.ReceiveMessageWrap(nullptr, MSG_DEALING_READY, 0, 0);
+    const std::vector<FakeHost::Call> asked = host.find(MSG_DEAL_ACCOUNT_COUNT);
+    ASSERT_EQ(asked.size(), 2u);
+    EXPECT_EQ(asked[0].target, nullptr);
+    EXPECT_EQ(asked[1].target, H(0xD2));
+
+    // A day-off event naming deal handle 0 is asked about too.
+    fxdDayOffEventPayload payload = {0, 1};
+    FXEvent event{};
+    event.sender = module.GetPFInterface()->GetHostHandle();
+    event.code = EVENT_DAYOFF_CHANGED;
+    event.payloadCount = 1;
+    event.payload = &payload;
+    host.clear();
+    module.ReceiveMessageWrap(nullptr, MSG_EVENT, reinterpret_cast<std::intptr_t>(&event), 0);
+    ASSERT_EQ(host.find(MSG_DEAL_DAYOFF_COUNT).size(), 1u);
+    EXPECT_EQ(host.find(MSG_DEAL_DAYOFF_COUNT)[0].target, nullptr);
+}
+
 TEST_F(ChartModuleHost, DefaultParametersFileInTheWorkFolder) {
     QString opened;
     void* document = H(0x5D);

@@ -6,6 +6,7 @@
 #include <tuple>
 
 #include "WorkDataFile.h"
+#include "host/WorkDataStore.h"
 #include "xml/CXMLWorkData.h"
 
 namespace {
@@ -146,7 +147,9 @@ TEST_F(RoundTrip, TheRootIsFoundByNameMessagesKeepTheirOrderStaleNodesFail) {
     root->readParameters();
     EXPECT_EQ(host().journal().messages(), (std::vector<unsigned int>{MSG_WD_WRITE_PARAMS, MSG_WD_PARAM_COUNT,
                                                                       MSG_WD_PARAM_LENGTHS, MSG_WD_READ_PARAMS}));
-    for (const auto& e : host().journal().entries()) EXPECT_EQ(e.result, 0) << e.message;
+    // A store that answers the entry count as the result answers 3170 with the count.
+    for (const auto& e : host().journal().entries())
+        EXPECT_EQ(e.result, e.message == MSG_WD_PARAM_COUNT && emulator->workData().countAsResult() ? 1 : 0) << e.message;
     EXPECT_EQ(root->readInteger("A"), 1);
 
     CXMLWorkData stale(host().coreHandle(), nullptr, reinterpret_cast<void*>(0x7ff0), &host::Host::callback);

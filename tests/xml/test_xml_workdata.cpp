@@ -28,6 +28,7 @@ struct Exchange : ::testing::Test {
     FakeHost host;
     std::vector<ScriptedEntry> entries;
     std::int32_t reportedCount = -2;  // -2: the number of entries
+    bool countAsResult = false;       // 3170 answers the count instead of writing the slot
     std::vector<std::pair<std::string, QString> > written;
     std::int32_t writtenCount = -1;
     bool writtenNullArray = false;
@@ -36,8 +37,12 @@ struct Exchange : ::testing::Test {
     void SetUp() override {
         host.on(MSG_WD_PARAM_COUNT, [this](void*, std::intptr_t p1, std::intptr_t p2) {
             addressed.push_back(*reinterpret_cast<const coreSzNode*>(p1));
-            *reinterpret_cast<std::int32_t*>(p2) =
-                reportedCount == -2 ? std::int32_t(entries.size()) : reportedCount;
+            const std::int32_t count = reportedCount == -2 ? std::int32_t(entries.size()) : reportedCount;
+            if (countAsResult) {
+                EXPECT_EQ(*reinterpret_cast<std::int32_t*>(p2), CXMLWorkData::kCountUnwritten);
+                return int(count);
+            }
+            *reinterpret_cast<std::int32_t*>(p2) = count;
             return 0;
         });
         host.on(MSG_WD_PARAM_LENGTHS, [this](void*, std::intptr_t p1, std::intptr_t p2) {
@@ -271,6 +276,43 @@ TEST_F(Detached, WithoutAHostNothingIsSentAndNavigationGivesNull) {
     EXPECT_EQ(data.readFont("font", QFont("Courier", 5)).family(), "Courier");
     CXMLWorkData byName(nullptr, nullptr, "Root", nullptr);
     EXPECT_FALSE(byName.isValid());
+}
+
+TEST_F(Exchange, TheCountIsTakenFromTheSlotOrFromTheAnswer) {
+    entries = {{"A", "1", 2, 0, 0x2010}, {"PFArea", "", 1, CORE_SZ_PARAM_CHILD, 0x2020}};
+    for (bool asResult : {false, true}) {
+        countAsResult = asResult;
+        auto data = open();
+        EXPECT_EQ(data->readString("A"), "1") << asResult;
+        EXPECT_EQ(data->children().size(), 1u) << asResult;
+        EXPECT_EQ(data->getCountParamsInTag(), 2) << asResult;
+    }
+    // Answered counts keep the same bounds as written ones.
+    for (std::int32_t count : {0, -3, CXMLWorkData::kMaxEntries + 1}) {
+        host.clear();
+        reportedCount = count;
+        EXPECT_EQ(open()->attributeCount(), 0) << count;
+        EXPECT_EQ(host.messages(), std::vector<unsigned int>{MSG_WD_PARAM_COUNT}) << count;
+    }
+    // A host that writes the slot and answers failure gives nothing.
+    countAsResult = false;
+    reportedCount = -2;
+    host.on(MSG_WD_PARAM_COUNT, [](void*, std::intptr_t, std::intptr_t p2) {
+        *reinterpret_cast<std::int32_t*>(p2) = 2;
+        return 1;
+    });
+    host.clear();
+    EXPECT_EQ(open()->attributeCount(), 0);
+    EXPECT_EQ(host.messages(), std::vector<unsigned int>{MSG_WD_PARAM_COUNT});
+}
+
+TEST_F(Exchange, EntriesWithAnEmptyNameAreKept) {
+    entries = {{"", "anonymous", 10, 0, 0x2010}, {"", "", 1, CORE_SZ_PARAM_CHILD, 0x2030}, {"B", "b", 2, 0, 0x2010}};
+    auto data = open();
+    EXPECT_EQ(data->attributeCount(), 2);
+    EXPECT_EQ(data->readString(""), "anonymous");
+    ASSERT_EQ(data->children().size(), 1u);
+    EXPECT_EQ(data->children()[0].node, handle(0x2030));
 }
 
 }  // namespace

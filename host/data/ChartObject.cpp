@@ -49,7 +49,6 @@ ChartObject::ChartObject(void* handle, Instrument& instrument, ChartType type, c
     : DataObject(handle, instrument), type_(type) {
     array_.setName(chartTypeName(type), instrument.name(), instrument.period());
     array_.setPrecision(instrument.precision());
-    array_.setColours(kRisingColour, kFallingColour);
     array_.setOwner(handle);
     array_.addField(DPT_INT32, "TIME");
     array_.addField(DPT_FLOAT, "STEP");
@@ -64,6 +63,7 @@ HeadNode ChartObject::headNode() const { return HeadNode{"CHARTTYPE", "TELVIX", 
 
 void ChartObject::reset(const ChartSettings& settings) {
     settings_ = settings;
+    array_.setColours(settings.rising, settings.falling);
     grid_ = gridFor(instrument(), settings.box);
     ProviderSettings p;
     p.box = grid_.ticks(settings.box);

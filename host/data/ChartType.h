@@ -19,10 +19,16 @@ bool parseChartType(const std::string& text, ChartType* type);
 // range and precision, the reversal 3 boxes. Renko always reverses after two boxes and
 // ignores `reversal`. Kagi reverses after `percent` per cent of the last extreme when
 // `percent` is above zero, otherwise after `reversal` boxes.
+// Colours of the chart arrays (32-bit ARGB): `rising` for X boxes, rising bricks and the
+// thick Kagi line, `falling` for O boxes, falling bricks and the thin Kagi line.
+enum : unsigned { kRisingColour = 0xFF00A000u, kFallingColour = 0xFFD00000u };
+
 struct ChartSettings {
     double box = 0;
     int reversal = 0;
     double percent = 0;
+    unsigned rising = kRisingColour;
+    unsigned falling = kFallingColour;
 };
 
 enum { kDefaultReversal = 3 };

@@ -45,6 +45,8 @@ public:
 private:
     void sync();
     fxChartTypeRecord record(const Figure& figure) const;
+    // The quote's price the settings build the figures from.
+    double price(const Quote& quote) const;
 
     ChartType type_;
     ChartSettings settings_;

@@ -1,6 +1,7 @@
 #include "host/terminal/ChartSettingsDialog.h"
 
 #include <QColorDialog>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QFormLayout>
@@ -8,6 +9,7 @@
 #include <QPushButton>
 #include <QSpinBox>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <cmath>
 
 #include "host/DataCore.h"
@@ -73,9 +75,16 @@ ChartSettingsDialog::ChartSettingsDialog(DataCore& data, void* chart, QWidget* p
         percent_->setSpecialValueText(tr("by boxes"));
         form->addRow(tr("Reversal &percentage:"), percent_);
     }
-    QLabel* price = new QLabel(tr("Close"));
-    price->setObjectName(QStringLiteral("priceField"));
-    form->addRow(tr("Price:"), price);
+    if (c->instrument().hasOhlc()) {
+        price_ = new QComboBox;
+        price_->setObjectName(QStringLiteral("priceField"));
+        price_->addItem(tr("Close"), int(data::PriceField::Close));
+        price_->addItem(tr("Median (high + low) / 2"), int(data::PriceField::Median));
+        price_->addItem(tr("Typical (high + low + close) / 3"), int(data::PriceField::Typical));
+        form->addRow(tr("P&rice:"), price_);
+    } else {
+        form->addRow(tr("Price:"), new QLabel(tr("Close (the quotes have no high and low)")));
+    }
     const bool pf = type_ == data::ChartType::PointAndFigure;
     risingButton_ = new QPushButton;
     risingButton_->setObjectName(QStringLiteral("risingColour"));
@@ -108,6 +117,7 @@ data::ChartSettings ChartSettingsDialog::settings() const {
     if (box_) s.box = box_->value();
     s.reversal = reversal_ ? reversal_->value() : data::kDefaultReversal;
     s.percent = percent_ ? percent_->value() : 0;
+    s.price = price_ ? data::PriceField(price_->currentData().toInt()) : data::PriceField::Close;
     s.rising = rising_.rgba();
     s.falling = falling_.rgba();
     if (const data::ChartObject* c = data_.chart(chart_))
@@ -119,6 +129,7 @@ void ChartSettingsDialog::setSettings(const data::ChartSettings& s) {
     if (box_) box_->setValue(s.box);
     if (reversal_) reversal_->setValue(s.reversal);
     if (percent_) percent_->setValue(s.percent);
+    if (price_) price_->setCurrentIndex(std::max(0, price_->findData(int(s.price))));
     rising_ = QColor::fromRgba(s.rising);
     falling_ = QColor::fromRgba(s.falling);
     if (risingButton_) showColour(risingButton_, rising_);

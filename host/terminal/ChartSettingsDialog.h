@@ -1,6 +1,7 @@
 // The terminal's indicator dialog, opened when a chart asks for an indicator's properties
 // (3092): the box size and reversal of a Point and Figure or Kagi chart (or Kagi's reversal
-// percentage), the brick size of a Renko chart, and the two colours of its figures. Apply
+// percentage), the brick size of a Renko chart, the price the figures are built from (for
+// quotes with high and low) and the two colours of its figures. Apply
 // recomputes the chart object in the data core, whose subscribers hear it as they hear new
 // data (3009); OK applies and closes. A setting the instrument cannot take is refused with
 // the data core's reason shown in the dialog, and nothing changes.
@@ -11,6 +12,7 @@
 
 #include "host/data/ChartType.h"
 
+class QComboBox;
 class QDoubleSpinBox;
 class QLabel;
 class QPushButton;
@@ -50,6 +52,7 @@ private:
     QDoubleSpinBox* box_ = nullptr;
     QSpinBox* reversal_ = nullptr;
     QDoubleSpinBox* percent_ = nullptr;
+    QComboBox* price_ = nullptr;
     QPushButton* risingButton_ = nullptr;
     QPushButton* fallingButton_ = nullptr;
     QColor rising_, falling_;

@@ -88,6 +88,7 @@ void saveWindowSettings(Emulator& emulator, void* widget, void* node) {
         store.setAttribute(e, QStringLiteral("Percent"), QString::number(s.percent, 'g', 12));
         store.setAttribute(e, QStringLiteral("Rising"), hex(s.rising, 8));
         store.setAttribute(e, QStringLiteral("Falling"), hex(s.falling, 8));
+        store.setAttribute(e, QStringLiteral("Price"), QString::number(int(s.price)));
     }
     for (std::int32_t id : windowStudies(emulator, widget)) {
         const LineStudies::Study* st = emulator.studies().study(id);
@@ -116,10 +117,13 @@ std::vector<SavedChart> savedCharts(const workdata::Node& window, QStringList* p
         if (n.name != QLatin1String("Chart")) continue;
         SavedChart c;
         c.instrument = text(n, "Instrument");
-        const bool read = number(n, "Box", 0, 1e12, &c.settings.box) &&
+        bool read = number(n, "Box", 0, 1e12, &c.settings.box) &&
                           number(n, "Reversal", 1, 1000, &c.settings.reversal) &&
                           number(n, "Percent", 0, 100, &c.settings.percent) && colour(n, "Rising", &c.settings.rising) &&
                           colour(n, "Falling", &c.settings.falling);
+        int price = int(c.settings.price);
+        read = read && number(n, "Price", 0, int(data::PriceField::Typical), &price);
+        c.settings.price = data::PriceField(price);
         if (!read) {
             if (problems) *problems << QStringLiteral("the %1 chart's settings (a value out of bounds)").arg(c.instrument);
             continue;
@@ -149,7 +153,7 @@ void restoreWindowSettings(Emulator& emulator, void* widget, const workdata::Nod
         const data::ChartSettings& now = c->settings();
         const data::ChartSettings& s = saved.settings;
         if (now.box == s.box && now.reversal == s.reversal && now.percent == s.percent && now.rising == s.rising &&
-            now.falling == s.falling)
+            now.falling == s.falling && now.price == s.price)
             continue;
         std::string why;
         if (!data.configure(c->handle(), s, &why) && problems)

@@ -5,7 +5,8 @@
 //
 //   <Window …>
 //     <ChartWindow> … </ChartWindow>
-//     <Chart Instrument="USDCHF" Box="0.005" Reversal="3" Percent="0" Rising="ff00a000" Falling="ffd00000"/>
+//     <Chart Instrument="USDCHF" Box="0.005" Reversal="3" Percent="0" Rising="ff00a000" Falling="ffd00000"
+//            Price="0"/>
 //     <Study Kind="Text" Colour="0000c0" Width="1" Style="1" Left="0" Right="0" Text="Top"
 //            Family="DejaVu Sans" Size="12" Bold="1" Italic="0" Underline="0" StrikeOut="0"/>
 //   </Window>

@@ -5,6 +5,9 @@
 // cascade and come back to.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstring>
+
 #include <QDoubleSpinBox>
 #include <QFile>
 #include <QLineEdit>
@@ -15,6 +18,7 @@
 #include <QRegularExpression>
 #include <QSpinBox>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QStandardPaths>
 
 #include "TerminalSession.h"
@@ -164,6 +168,50 @@ TEST_F(TerminalSettings, AClickOnAFigureOpensTheChartSettingsAndTheChartIsBuiltA
     EXPECT_EQ(Object(again)->settings().rising, 0xFF0000FFu);
     EXPECT_TRUE(terminal->messages().filter(QStringLiteral("Workspace:")).isEmpty())
         << terminal->messages().join(QLatin1Char('\n')).toStdString();
+}
+
+// TTRC has highs and lows: its charts can be built from another price than the close, which
+// the workspace keeps; USD/CHF has closes only and offers none.
+TEST_F(TerminalSettings, ChartsOfQuotesWithHighAndLowCanBeBuiltFromAnotherPrice) {
+    Open(workspace, true);
+    void* kagi = terminal->newChart(ChartType::Kagi);
+    ASSERT_TRUE(DragInstrument(kagi, QStringLiteral("TTRC")));
+    host::data::ChartObject* object = Object(kagi);
+    ASSERT_NE(object, nullptr);
+    ChartSettingsDialog* dialog = terminal->showChartSettings(kagi, object->handle());
+    ASSERT_NE(dialog, nullptr);
+    QComboBox* price = dialog->findChild<QComboBox*>(QStringLiteral("priceField"));
+    ASSERT_NE(price, nullptr);
+    const std::vector<fxChartTypeRecord> closes = object->records();
+    price->setCurrentIndex(price->findData(int(host::data::PriceField::Typical)));
+    Click(dialog, "ok");
+    EXPECT_EQ(object->settings().price, host::data::PriceField::Typical);
+    const std::vector<fxChartTypeRecord> typical = object->records();
+    EXPECT_FALSE(typical.size() == closes.size() &&
+                 std::equal(typical.begin(), typical.end(), closes.begin(), [](const fxChartTypeRecord& a, const fxChartTypeRecord& b) {
+                     return std::memcmp(&a, &b, sizeof a) == 0;
+                 }))
+        << "the same figures from the typical price";
+
+    void* pf = Chart(ChartType::PointAndFigure);
+    ASSERT_NE(Object(pf), nullptr);
+    ChartSettingsDialog* closesOnly = terminal->showChartSettings(pf, Object(pf)->handle());
+    ASSERT_NE(closesOnly, nullptr);
+    EXPECT_EQ(closesOnly->findChild<QComboBox*>(QStringLiteral("priceField")), nullptr);
+    closesOnly->close();
+
+    ASSERT_TRUE(terminal->saveWorkspace());
+    terminal->quit();
+    Close();
+    Open(workspace, true);
+    bool found = false;
+    for (void* w : Charts().widgets())
+        if (Object(w) && Object(w)->instrument().name() == "TTRC") {
+            found = true;
+            EXPECT_EQ(Object(w)->settings().price, host::data::PriceField::Typical);
+            EXPECT_EQ(Object(w)->records().size(), typical.size());
+        }
+    EXPECT_TRUE(found);
 }
 
 TEST_F(TerminalSettings, ATextStudyTakesItsTextAndFontFromTheStudyDialogAndKeepsThem) {

@@ -199,7 +199,8 @@ bool Terminal::printThroughModule() {
 bool Terminal::printActive() {
     if (!activeChart()) return false;
     QPrinter printer(QPrinter::HighResolution);
-    printer.setDocName(print_->header(activeChart()));
+    // The name a printer shows in its queue, and the file's name when printed to a file.
+    printer.setDocName(print_->suggestedName(activeChart(), QString()));
     QPrintDialog dialog(&printer, window());
     dialog.setWindowTitle(tr("Print chart"));
     if (dialog.exec() != QDialog::Accepted) return false;

@@ -19,9 +19,10 @@ namespace terminal {
 
 namespace {
 
-// The header's height as a share of the page's, and its bounds in device pixels.
-const double kHeaderShare = 0.045;
-const int kMinHeader = 18, kMaxHeader = 120;
+// The header's height as a share of the page's shorter side (so that a header line fits a
+// portrait page as well), and its least height in device pixels.
+const double kHeaderShare = 0.04;
+const int kMinHeader = 18;
 
 // The chart widget's child that holds `w` (w itself when it is one).
 QWidget* topChild(QWidget* chart, QWidget* w) {
@@ -71,8 +72,8 @@ QString TerminalPrint::suggestedName(void* widget, const QString& suffix) const 
     return clean.simplified() + suffix;
 }
 
-int TerminalPrint::headerHeight(int pageHeight) {
-    return std::max(kMinHeader, std::min(kMaxHeader, int(pageHeight * kHeaderShare)));
+int TerminalPrint::headerHeight(const QSize& page) {
+    return std::max(kMinHeader, int(std::min(page.width(), page.height()) * kHeaderShare));
 }
 
 void TerminalPrint::paintPage(QPainter& painter, const QRect& page, int headerHeight, const QString& header,
@@ -110,7 +111,7 @@ bool TerminalPrint::print(void* widget, QPrinter& printer, QString* error) const
     }
     // The painter's origin is the printable area's corner.
     const QRect page(QPoint(), printer.pageRect(QPrinter::DevicePixel).toRect().size());
-    paintPage(painter, page, headerHeight(page.height()), header(widget), image);
+    paintPage(painter, page, headerHeight(page.size()), header(widget), image);
     if (!painter.end()) {
         if (error) *error = QStringLiteral("The page could not be finished.");
         return false;
@@ -135,7 +136,7 @@ bool TerminalPrint::exportTo(void* widget, const QString& path, QString* error) 
         return false;
     }
     // The header gets its own strip above the picture, which keeps the window's size.
-    const int strip = headerHeight(image.height());
+    const int strip = headerHeight(image.size());
     QImage page(image.width(), image.height() + strip, QImage::Format_RGB32);
     page.fill(Qt::white);
     {

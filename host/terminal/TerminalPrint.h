@@ -11,6 +11,7 @@
 class QPainter;
 class QPrinter;
 class QRect;
+class QSize;
 
 namespace host {
 
@@ -38,8 +39,8 @@ public:
     // The page into `path`: a PDF for a ".pdf" suffix, a PNG otherwise. False with `error`.
     bool exportTo(void* widget, const QString& path, QString* error = nullptr) const;
 
-    // The header line's height on a page `pageHeight` device pixels high.
-    static int headerHeight(int pageHeight);
+    // The header line's height on a page of `page` device pixels.
+    static int headerHeight(const QSize& page);
     // Draws the header into the top `headerHeight` pixels of `page` and the picture below
     // it, scaled to fit and centred.
     static void paintPage(QPainter& painter, const QRect& page, int headerHeight, const QString& header,

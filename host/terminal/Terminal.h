@@ -142,7 +142,8 @@ public:
     ChartSettingsDialog* chartSettingsDialog() const;
     StudyDialog* studyDialog() const;
     // Every chart window's title: instrument, period, chart type, box size and reversal
-    // ("USDCHF 30 min · Point and Figure 0.005 × 3"), or the chart type while it shows none.
+    // ("USDCHF 30 min · Point and Figure 0.005 × 3"), or the chart type while it shows none;
+    // the Instruments panel lists the same under each instrument.
     void updateTitles();
     // The place and size of the chart windows: new ones, Cascade, restore, the Window menu.
     WindowArrangement& arrangement() { return *arrangement_; }

@@ -1,5 +1,6 @@
 // The terminal's dialogs for what the charts ask it to show: an indicator's settings (3092)
-// and a line study's properties (4511), and the window titles that say what each chart is.
+// and a line study's properties (4511), and the window titles (and Instruments panel lines)
+// that say what each chart is.
 #include <QMainWindow>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -74,6 +75,8 @@ void Terminal::updateTitles() {
         const QString title = windowTitle(emulator_.data(), w, QString::fromLatin1(data::chartTypeName(type)));
         if (sub->windowTitle() != title) sub->setWindowTitle(title);
     }
+    // The Instruments panel lists the same under each instrument.
+    instruments_->refresh();
 }
 
 }  // namespace terminal

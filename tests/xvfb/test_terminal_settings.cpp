@@ -214,6 +214,27 @@ TEST_F(TerminalSettings, ChartsOfQuotesWithHighAndLowCanBeBuiltFromAnotherPrice)
     EXPECT_TRUE(found);
 }
 
+// What a chart may ask that makes no sense: properties of a handle the data core does not
+// know, or in a widget that is no window, and a study that is gone. Nothing is changed.
+TEST_F(TerminalSettings, RequestsForUnknownChartsAndStudiesChangeNothing) {
+    Open(workspace);
+    void* pf = Chart(ChartType::PointAndFigure);
+    ASSERT_NE(pf, nullptr);
+    int stranger = 0;
+    EXPECT_EQ(terminal->showChartSettings(&stranger, Object(pf)->handle()), nullptr);
+    ChartSettingsDialog* unknown = terminal->showChartSettings(pf, reinterpret_cast<void*>(std::intptr_t(0x7fff)));
+    ASSERT_NE(unknown, nullptr);
+    QString error;
+    EXPECT_FALSE(unknown->apply(&error));
+    EXPECT_FALSE(error.isEmpty());
+    unknown->close();
+    EXPECT_EQ(terminal->showStudyProperties(12345), nullptr);
+    // A 4511 for an unknown study is refused by the provider and opens nothing.
+    EXPECT_EQ(host::Host::callback(emulator->studies().handle(), MSG_LS_PROPERTIES, 12345, 0), 1);
+    QTest::qWait(50);
+    EXPECT_EQ(terminal->studyDialog(), nullptr);
+}
+
 TEST_F(TerminalSettings, ATextStudyTakesItsTextAndFontFromTheStudyDialogAndKeepsThem) {
     Open(workspace);
     void* pf = Chart(ChartType::PointAndFigure);

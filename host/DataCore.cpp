@@ -330,7 +330,13 @@ int DataCore::createFromRecord(coreCreateDpaData* record, std::string& detail) {
         return 1;
     }
     std::string error;
-    void* handle = createChart(name, data::ChartType(type), createSettings_[type], &error);
+    // A chooser may give this instrument settings of its own (a workspace's); should they
+    // not fit, the chart is made with the usual ones rather than not at all.
+    data::ChartSettings chosen = createSettings_[type];
+    void* handle = nullptr;
+    if (chooser_ && chooser_(name, data::ChartType(type), &chosen))
+        handle = createChart(name, data::ChartType(type), chosen, &error);
+    if (!handle) handle = createChart(name, data::ChartType(type), createSettings_[type], &error);
     if (!handle) {
         detail += ": " + error;
         return 1;

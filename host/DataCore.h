@@ -111,6 +111,11 @@ public:
     // not fit it); zeros, the defaults, at first.
     void setChartSettings(data::ChartType type, const data::ChartSettings& settings);
     const data::ChartSettings& chartSettings(data::ChartType type) const;
+    // Asked before 3008 makes an object (after the checks of the record): true with other
+    // settings for that instrument and type. Empty: none is asked.
+    using SettingsChooser = std::function<bool(const std::string& instrument, data::ChartType type,
+                                               data::ChartSettings* settings)>;
+    void setSettingsChooser(SettingsChooser chooser) { chooser_ = std::move(chooser); }
     // Position of `array` among the arrays of the object that owns it; -1 when no object
     // owns it. Compares addresses only: `array` is never read.
     int arrayIndex(const fxDataPointArray* array) const;
@@ -160,6 +165,7 @@ private:
     std::map<const data::Instrument*, data::BaseSeries*> bases_;
     void* providers_[3];
     data::ChartSettings createSettings_[3];
+    SettingsChooser chooser_;
     std::vector<Notice> notices_;
     std::vector<ChangeListener> listeners_;
     std::int32_t reference_ = 0;

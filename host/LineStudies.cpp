@@ -32,10 +32,11 @@ LineStudies::LineStudies(Host& host, DataCore& data, MainWindowService& mainWind
     });
     host_.on(MSG_LS_PROPERTIES, [this](void* t, std::intptr_t p1, std::intptr_t, std::string& d) {
         if (t != handle_ || !find(std::int32_t(p1))) return 1;
-        // The emulator has no property page for studies: the request is recorded, and
-        // setParams plays an edit.
+        // Recorded, and handed to the terminal's study dialog when there is one; setParams
+        // applies an edit.
         properties_.push_back(std::int32_t(p1));
         d = "properties of study " + std::to_string(p1);
+        if (propertiesHandler_) propertiesHandler_(std::int32_t(p1));
         return 0;
     });
     host_.on(MSG_LS_TITLE, [this](void* t, std::intptr_t p1, std::intptr_t p2, std::string& d) {

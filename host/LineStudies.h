@@ -25,6 +25,7 @@
 
 #include <QString>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -85,6 +86,9 @@ public:
     // Property requests (4511) and their 10041s, in order.
     const std::vector<std::int32_t>& propertyRequests() const { return properties_; }
     int beforeProperties() const { return before_; }
+    // Called with the study id of each property request once it is recorded (the terminal
+    // opens its study dialog later, after the module's message has returned).
+    void setPropertiesHandler(std::function<void(std::int32_t id)> handler) { propertiesHandler_ = std::move(handler); }
 
     // New settings for a study, as its property page would apply them; the chart hears of it
     // with 3073. False for an unknown id.
@@ -145,6 +149,7 @@ private:
     std::string tool_;
     std::uint32_t toolColour_ = 0x0000C0;
     Faults faults_;
+    std::function<void(std::int32_t)> propertiesHandler_;
 };
 
 }  // namespace host

@@ -42,9 +42,10 @@ MainWindowService::MainWindowService(Host& host, CoreServices& core, const std::
     });
     host_.on(MSG_SHOW_PROPERTIES, [this](void* target, std::intptr_t p1, std::intptr_t p2, std::string& d) {
         if (target != handle_) return 1;
-        // Only recorded: the emulator has no property dialog of its own.
+        // Recorded, and handed to the terminal's dialog when there is one.
         properties_.push_back({reinterpret_cast<void*>(p1), reinterpret_cast<void*>(p2)});
         d = "properties of " + hex(properties_.back().indicator) + " in " + hex(properties_.back().widget);
+        if (propertiesHandler_) propertiesHandler_(properties_.back());
         return 0;
     });
     core.onRequest("STATUSBAR", [this](coreInterfaceRequest& request, std::string& d) {

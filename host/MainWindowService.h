@@ -13,6 +13,7 @@
 // are visible to Qt, so they take their sizes at once and paint when grabbed.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -64,6 +65,11 @@ public:
         void* indicator;
     };
     const std::vector<PropertiesRequest>& propertiesRequests() const { return properties_; }
+    // Called with each request once it is recorded (the terminal opens its dialog later,
+    // after the module's message has returned). Empty: only recorded.
+    void setPropertiesHandler(std::function<void(const PropertiesRequest&)> handler) {
+        propertiesHandler_ = std::move(handler);
+    }
 
     // Status-bar pane records the module registered, in order.
     const std::vector<const coreStatusBarPanes*>& statusPanes() const { return panes_; }
@@ -86,6 +92,7 @@ private:
     QLabel* labels_[2] = {nullptr, nullptr};
     std::vector<Notice> notices_;
     std::vector<PropertiesRequest> properties_;
+    std::function<void(const PropertiesRequest&)> propertiesHandler_;
     std::vector<const coreStatusBarPanes*> panes_;
 };
 

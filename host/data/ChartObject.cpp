@@ -22,6 +22,8 @@ bool ChartObject::resolveSettings(const Instrument& instrument, const ChartSetti
     ChartSettings s = requested;
     if (s.box == 0) s.box = defaultBoxSize(instrument.lowestClose(), instrument.highestClose(), instrument.precision());
     if (s.reversal == 0) s.reversal = kDefaultReversal;
+    // Quotes of closes only have no other price.
+    if (!instrument.hasOhlc()) s.price = PriceField::Close;
     std::string problem;
     if (!(s.box > 0) || !std::isfinite(s.box))
         problem = "the box size must be above 0";
@@ -37,6 +39,8 @@ bool ChartObject::resolveSettings(const Instrument& instrument, const ChartSetti
         problem = "the reversal amount is too large";
     else if (!(s.percent >= 0 && s.percent <= 100))
         problem = "the reversal percentage must be 0 to 100";
+    else if (int(s.price) < 0 || int(s.price) > int(PriceField::Typical))
+        problem = "the price must be the close, the median or the typical price";
     if (!problem.empty()) {
         if (error) *error = problem;
         return false;
@@ -49,7 +53,6 @@ ChartObject::ChartObject(void* handle, Instrument& instrument, ChartType type, c
     : DataObject(handle, instrument), type_(type) {
     array_.setName(chartTypeName(type), instrument.name(), instrument.period());
     array_.setPrecision(instrument.precision());
-    array_.setColours(kRisingColour, kFallingColour);
     array_.setOwner(handle);
     array_.addField(DPT_INT32, "TIME");
     array_.addField(DPT_FLOAT, "STEP");
@@ -60,23 +63,37 @@ ChartObject::ChartObject(void* handle, Instrument& instrument, ChartType type, c
     reset(settings);
 }
 
+double ChartObject::price(const Quote& q) const {
+    if (!instrument().hasOhlc()) return q.close;
+    switch (settings_.price) {
+    case PriceField::Median:
+        return (q.high + q.low) / 2;
+    case PriceField::Typical:
+        return (q.high + q.low + q.close) / 3;
+    case PriceField::Close:
+    default:
+        return q.close;
+    }
+}
+
 HeadNode ChartObject::headNode() const { return HeadNode{"CHARTTYPE", "TELVIX", chartTypeName(type_)}; }
 
 void ChartObject::reset(const ChartSettings& settings) {
     settings_ = settings;
+    array_.setColours(settings.rising, settings.falling);
     grid_ = gridFor(instrument(), settings.box);
     ProviderSettings p;
     p.box = grid_.ticks(settings.box);
     p.reversal = settings.reversal;
     p.percentHundredths = std::llround(settings.percent * 100);
     provider_ = makeProvider(type_, p);
-    for (const Quote& q : instrument().quotes()) provider_->add(q.time, grid_.ticks(q.close));
+    for (const Quote& q : instrument().quotes()) provider_->add(q.time, grid_.ticks(price(q)));
     records_.clear();
     sync();
 }
 
 bool ChartObject::takeQuote(const Quote& quote) {
-    provider_->add(quote.time, grid_.ticks(quote.close));
+    provider_->add(quote.time, grid_.ticks(price(quote)));
     if (provider_->dirtyFrom() >= provider_->figures().size()) return false;
     sync();
     return true;

@@ -17,10 +17,6 @@
 namespace host {
 namespace data {
 
-// Colours of the chart arrays (32-bit ARGB): word 0 for X boxes, rising bricks and the
-// thick Kagi line, word 1 for O boxes, falling bricks and the thin Kagi line.
-enum : std::uint32_t { kRisingColour = 0xFF00A000u, kFallingColour = 0xFFD00000u };
-
 class ChartObject : public DataObject {
 public:
     // `settings` must have been resolved (resolveSettings).
@@ -49,6 +45,8 @@ public:
 private:
     void sync();
     fxChartTypeRecord record(const Figure& figure) const;
+    // The quote's price the settings build the figures from.
+    double price(const Quote& quote) const;
 
     ChartType type_;
     ChartSettings settings_;

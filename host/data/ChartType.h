@@ -19,10 +19,22 @@ bool parseChartType(const std::string& text, ChartType* type);
 // range and precision, the reversal 3 boxes. Renko always reverses after two boxes and
 // ignores `reversal`. Kagi reverses after `percent` per cent of the last extreme when
 // `percent` is above zero, otherwise after `reversal` boxes.
+// Colours of the chart arrays (32-bit ARGB): `rising` for X boxes, rising bricks and the
+// thick Kagi line, `falling` for O boxes, falling bricks and the thin Kagi line.
+enum : unsigned { kRisingColour = 0xFF00A000u, kFallingColour = 0xFFD00000u };
+
+// The price of each quote the figures are built from: its close, the middle of its high and
+// low, or the typical price (high + low + close) / 3. Only the close for quotes without
+// high and low.
+enum class PriceField { Close = 0, Median = 1, Typical = 2 };
+
 struct ChartSettings {
     double box = 0;
     int reversal = 0;
     double percent = 0;
+    unsigned rising = kRisingColour;
+    unsigned falling = kFallingColour;
+    PriceField price = PriceField::Close;
 };
 
 enum { kDefaultReversal = 3 };

@@ -5,7 +5,9 @@
 
 #include "host/DataCore.h"
 #include "host/DragData.h"
+#include "host/data/ChartObject.h"
 #include "host/data/Instrument.h"
+#include "host/terminal/ChartDescription.h"
 
 namespace host {
 namespace terminal {
@@ -13,16 +15,6 @@ namespace terminal {
 namespace {
 
 const int kNameRole = Qt::UserRole;
-
-QString periodText(const namePeriod& p) {
-    switch (p.type) {
-    case 'I': return p.length == 0 ? QStringLiteral("ticks") : QStringLiteral("%1 min").arg(p.length);
-    case 'D': return QStringLiteral("daily");
-    case 'W': return QStringLiteral("weekly");
-    case 'M': return QStringLiteral("monthly");
-    default: return QStringLiteral("yearly");
-    }
-}
 
 }  // namespace
 
@@ -49,10 +41,14 @@ void InstrumentPanel::refresh() {
     for (std::size_t row = 0; row < all.size(); ++row) {
         const data::Instrument* i = all[row];
         const QString n = QString::fromStdString(i->name());
-        const QString text = QStringLiteral("%1  %2, %3 quotes, %4 to replay")
-                                 .arg(n, periodText(i->period()))
-                                 .arg(i->quotes().size())
-                                 .arg(i->pendingCount());
+        QString text = QStringLiteral("%1  %2, %3 quotes, %4 to replay")
+                           .arg(n, periodText(i->period()))
+                           .arg(i->quotes().size())
+                           .arg(i->pendingCount());
+        // The charts a window shows of it, each with its box size and reversal.
+        for (const data::ChartObject* c : data_.chartObjects())
+            if (&c->instrument() == i && !c->subscriptions().empty())
+                text += QStringLiteral("\n    ") + chartTitle(*c);
         if (same) {
             if (item(int(row))->text() != text) item(int(row))->setText(text);
             continue;

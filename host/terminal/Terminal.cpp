@@ -33,6 +33,8 @@
 #include "host/terminal/JournalPanel.h"
 #include "host/terminal/PriceFileLoader.h"
 #include "host/terminal/ReplayFeed.h"
+#include "host/terminal/TerminalPrint.h"
+#include "host/terminal/WindowArrangement.h"
 
 namespace host {
 namespace terminal {
@@ -69,7 +71,12 @@ QDockWidget* dock(QMainWindow* window, const char* name, const QString& title, Q
 }  // namespace
 
 Terminal::Terminal(Emulator& emulator, const TerminalOptions& options, QObject* parent)
-    : QObject(parent), emulator_(emulator), options_(options), replay_(new ReplayFeed(emulator.data(), this)) {
+    : QObject(parent),
+      emulator_(emulator),
+      options_(options),
+      replay_(new ReplayFeed(emulator.data(), this)),
+      arrangement_(new WindowArrangement(emulator.mainWindow().mdiArea(), this)),
+      print_(new TerminalPrint(emulator.charts(), emulator.data())) {
     replay_->setSpeed(options_.replaySpeed);
     const EmulatorOptions& eo = emulator_.options();
     language_ = eo.selectedLanguage >= 0 && std::size_t(eo.selectedLanguage) < eo.languages.size()
@@ -87,18 +94,10 @@ Terminal::Terminal(Emulator& emulator, const TerminalOptions& options, QObject* 
         refresh();
     });
     connect(replay_, &ReplayFeed::stateChanged, this, [this] { refresh(); });
-    // The window in front shows its caption as the module gives it on request (5034); the
-    // module also announces every change of a title (3125).
-    connect(emulator_.mainWindow().mdiArea(), &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* sub) {
-        ChartWindows& charts = emulator_.charts();
-        for (void* w : charts.widgets())
-            if (sub && charts.subWindow(w) == sub) {
-                const ChartWindows::Caption c = charts.caption(w);
-                if (c.answer == 0 && c.terminated && !c.text.isEmpty() && sub->windowTitle() != c.text)
-                    sub->setWindowTitle(c.text);
-            }
-        refresh();
-    });
+    // The windows' titles say what each chart is (updateTitles), whatever caption the
+    // module gives them.
+    connect(emulator_.mainWindow().mdiArea(), &QMdiArea::subWindowActivated, this, [this] { refresh(); });
+    connectDialogs();
     QTimer* timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, [this] { refresh(); });
     timer->start(kRefreshInterval);
@@ -111,6 +110,8 @@ Terminal::~Terminal() {
         l->wait();
     }
     if (QMainWindow* main = window()) main->removeEventFilter(this);
+    emulator_.mainWindow().setPropertiesHandler(nullptr);
+    emulator_.studies().setPropertiesHandler(nullptr);
 }
 
 QMainWindow* Terminal::window() const { return emulator_.mainWindow().window(); }
@@ -178,8 +179,9 @@ void Terminal::buildMenus() {
     });
     file->addSeparator();
     addAction(file, this, "print", tr("&Print chart..."), QKeySequence::Print, [this] { printActive(); });
+    addAction(file, this, "printModule", tr("Print through the &module..."), QKeySequence(), [this] { printThroughModule(); });
     const auto exporter = [this](const QString& filter, const QString& suffix) {
-        const QString path = QFileDialog::getSaveFileName(window(), tr("Export chart"), QString(), filter);
+        const QString path = QFileDialog::getSaveFileName(window(), tr("Export chart"), suggestedExportPath(suffix), filter);
         if (path.isEmpty()) return;
         QString error;
         const QString file = path.endsWith(suffix, Qt::CaseInsensitive) ? path : path + suffix;
@@ -273,9 +275,10 @@ void Terminal::buildMenus() {
     }
 
     QMenu* windows = bar->addMenu(tr("&Window"));
+    windows->setObjectName(QStringLiteral("windowMenu"));
     QMdiArea* area = emulator_.mainWindow().mdiArea();
-    addAction(windows, this, "tile", tr("&Tile"), QKeySequence(), [area] { area->tileSubWindows(); });
-    addAction(windows, this, "cascade", tr("&Cascade"), QKeySequence(), [area] { area->cascadeSubWindows(); });
+    addAction(windows, this, "tile", tr("&Tile"), QKeySequence(), [this] { arrangement_->tile(); });
+    addAction(windows, this, "cascade", tr("&Cascade"), QKeySequence(), [this] { arrangement_->cascade(); });
     addAction(windows, this, "nextWindow", tr("&Next chart"), QKeySequence(tr("Ctrl+F6")),
               [area] { area->activateNextSubWindow(); });
     addAction(windows, this, "focusInstruments", tr("&Instruments panel"), QKeySequence(tr("Alt+1")), [this] {
@@ -284,6 +287,10 @@ void Terminal::buildMenus() {
     });
     windows->addSeparator();
     for (QDockWidget* d : main->findChildren<QDockWidget*>()) windows->addAction(d->toggleViewAction());
+    // The open charts follow the panels, listed afresh each time the menu opens.
+    connect(windows, &QMenu::aboutToShow, this, [this, windows] {
+        arrangement_->listIn(windows, [](QMdiSubWindow* sub) { return sub->windowTitle(); });
+    });
 }
 
 void Terminal::buildStatusBar() {
@@ -306,6 +313,7 @@ void Terminal::buildStatusBar() {
 }
 
 void Terminal::refresh() {
+    updateTitles();
     blotter_->refresh();
     journal_->refresh();
     // A replay left running for hours must not fill the memory: the journal keeps its
@@ -333,7 +341,7 @@ void Terminal::refresh() {
     for (QAction* a : studyTools_->actions())
         if (a->data().toString() == tool && !a->isChecked()) a->setChecked(true);
     const bool chart = activeChart() != nullptr;
-    for (const char* name : {"closeChart", "addInstrument", "print", "exportPng", "exportPdf", "properties"})
+    for (const char* name : {"closeChart", "addInstrument", "print", "printModule", "exportPng", "exportPdf", "properties"})
         action(QString::fromLatin1(name))->setEnabled(chart);
     action(QStringLiteral("stopLoading"))->setEnabled(loading());
 }

@@ -19,7 +19,9 @@
 #include <QSize>
 #include <QString>
 #include <QStringList>
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include "host/data/ChartType.h"
@@ -31,6 +33,7 @@ class QLabel;
 class QMainWindow;
 class QMdiSubWindow;
 class QMenu;
+class QPrinter;
 class QProgressBar;
 class QToolBar;
 
@@ -42,10 +45,14 @@ namespace terminal {
 
 class AccountsPanel;
 class BlotterPanel;
+class ChartSettingsDialog;
 class InstrumentPanel;
 class JournalPanel;
 class PriceFileLoader;
 class ReplayFeed;
+class StudyDialog;
+class TerminalPrint;
+class WindowArrangement;
 
 struct TerminalOptions {
     QStringList files;        // price files to open besides the example instruments
@@ -111,10 +118,35 @@ public:
     bool showProperties();
     // The language the module starts in next time.
     void setLanguage(const QString& language);
-    // The active window printed by the module (5012); false without one.
+    // File > Print chart: the terminal's page of the active window (header line and the
+    // window's picture) through the print dialog; false without a window or when the dialog
+    // was cancelled.
     bool printActive();
-    // The active window's widget rendered into a PNG or PDF file (by the file's suffix).
+    // The same page onto a printer set up already; false with the reason in `error`.
+    bool printActive(QPrinter& printer, QString* error = nullptr);
+    // File > Print through the module: the module's own printing (5012); false without one.
+    bool printThroughModule();
+    // The active window's page into a PNG or PDF file (by the file's suffix).
     bool exportActive(const QString& path, QString* error = nullptr);
+    // Where the export dialog starts: the folder last exported to (the home folder at first)
+    // and a name made from the active chart.
+    QString suggestedExportPath(const QString& suffix) const;
+
+    // ---- chart settings (TerminalSettings.cpp) ----
+    // The indicator dialog for chart object `chart` shown in `widget` (a chart's request
+    // 3092 opens it once the request has returned); the dialog, or null for a widget that is
+    // not a window. One at a time: a second request replaces the first dialog.
+    ChartSettingsDialog* showChartSettings(void* widget, void* chart);
+    // The study dialog for study `id` (4511 opens it the same way); null for an unknown id.
+    StudyDialog* showStudyProperties(std::int32_t id);
+    ChartSettingsDialog* chartSettingsDialog() const;
+    StudyDialog* studyDialog() const;
+    // Every chart window's title: instrument, period, chart type, box size and reversal
+    // ("USDCHF 30 min · Point and Figure 0.005 × 3"), or the chart type while it shows none;
+    // the Instruments panel lists the same under each instrument.
+    void updateTitles();
+    // The place and size of the chart windows: new ones, Cascade, restore, the Window menu.
+    WindowArrangement& arrangement() { return *arrangement_; }
     // The workspace into `path` (empty: the current workspace file); false with the reason
     // shown. A successful save makes `path` the workspace file.
     bool saveWorkspace(const QString& path = QString());
@@ -150,6 +182,8 @@ private:
     void buildMenus();
     void buildPanels();
     void buildStatusBar();
+    // The requests of the charts for the terminal's dialogs (3092, 4511).
+    void connectDialogs();
     void refresh();  // panels, undo entry, replay state
     void loaderDone(PriceFileLoader* loader);
     PriceFileLoader* startLoader(const QString& path, const QString& name);
@@ -197,6 +231,11 @@ private:
     bool ready_ = false;
     bool closing_ = false;
     QStringList messages_;
+    WindowArrangement* arrangement_ = nullptr;
+    std::unique_ptr<TerminalPrint> print_;
+    QPointer<ChartSettingsDialog> settingsDialog_;
+    QPointer<StudyDialog> studyDialog_;
+    QString exportFolder_;
 };
 
 }  // namespace terminal

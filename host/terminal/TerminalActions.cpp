@@ -1,8 +1,10 @@
 // What the terminal's menus do: chart windows, price files, undo, price type, language,
-// printing and export, and the start-up sequence (the workspace is in TerminalWorkspace.cpp).
+// printing and export, and the start-up sequence (the workspace is in TerminalWorkspace.cpp,
+// the chart and study dialogs in TerminalSettings.cpp).
 #include <QAction>
 #include <QActionGroup>
 #include <QApplication>
+#include <QDir>
 #include <QDockWidget>
 #include <QFileInfo>
 #include <QImage>
@@ -10,7 +12,7 @@
 #include <QMainWindow>
 #include <QMdiArea>
 #include <QMdiSubWindow>
-#include <QPainter>
+#include <QPrintDialog>
 #include <QPrinter>
 #include <QProgressBar>
 #include <QTimer>
@@ -31,6 +33,8 @@
 #include "host/terminal/PriceFileLoader.h"
 #include "host/terminal/ReplayFeed.h"
 #include "host/terminal/Terminal.h"
+#include "host/terminal/TerminalPrint.h"
+#include "host/terminal/WindowArrangement.h"
 
 namespace host {
 namespace terminal {
@@ -56,6 +60,7 @@ void* Terminal::newChart(data::ChartType type) {
         return nullptr;
     }
     if (QMdiSubWindow* sub = emulator_.charts().subWindow(widget)) {
+        arrangement_->place(sub);
         emulator_.mainWindow().mdiArea()->setActiveSubWindow(sub);
         // Room for the instrument: the module takes it by drag, by double click in the
         // Instruments panel or by Chart > Add selected instrument.
@@ -183,7 +188,7 @@ void Terminal::setLanguage(const QString& language) {
 
 // ---- printing and export ----
 
-bool Terminal::printActive() {
+bool Terminal::printThroughModule() {
     void* widget = activeChart();
     if (!widget) return false;
     const int answer = emulator_.charts().print(widget);
@@ -191,35 +196,58 @@ bool Terminal::printActive() {
     return answer == 0;
 }
 
+bool Terminal::printActive() {
+    if (!activeChart()) return false;
+    QPrinter printer(QPrinter::HighResolution);
+    // The name a printer shows in its queue, and the file's name when printed to a file.
+    printer.setDocName(print_->suggestedName(activeChart(), QString()));
+    QPrintDialog dialog(&printer, window());
+    dialog.setWindowTitle(tr("Print chart"));
+    if (dialog.exec() != QDialog::Accepted) return false;
+    QString error;
+    if (!printActive(printer, &error)) {
+        showMessage(error, true);
+        return false;
+    }
+    return true;
+}
+
+bool Terminal::printActive(QPrinter& printer, QString* error) {
+    void* widget = activeChart();
+    if (!widget) {
+        if (error) *error = tr("No chart window to print.");
+        return false;
+    }
+    QString why;
+    if (!print_->print(widget, printer, &why)) {
+        if (error) *error = tr("%1 was not printed: %2").arg(chartName(widget), why);
+        return false;
+    }
+    showMessage(printer.outputFileName().isEmpty() ? tr("%1 printed").arg(chartName(widget))
+                                                   : tr("%1 printed to %2").arg(chartName(widget), printer.outputFileName()));
+    return true;
+}
+
 bool Terminal::exportActive(const QString& path, QString* error) {
     void* widget = activeChart();
-    QWidget* container = widget ? emulator_.charts().container(widget) : nullptr;
-    if (!container) {
+    if (!widget) {
         if (error) *error = tr("No chart window to export.");
         return false;
     }
-    bool ok = false;
-    if (path.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive)) {
-        QPrinter printer(QPrinter::ScreenResolution);
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(path);
-        printer.setPageOrientation(container->width() >= container->height() ? QPageLayout::Landscape
-                                                                              : QPageLayout::Portrait);
-        QPainter painter;
-        if (painter.begin(&printer)) {
-            const QRect page = printer.pageRect(QPrinter::DevicePixel).toRect();
-            const double scale = std::min(double(page.width()) / container->width(),
-                                          double(page.height()) / container->height());
-            painter.scale(scale, scale);
-            container->render(&painter);
-            ok = painter.end();
-        }
-    } else {
-        ok = container->grab().toImage().save(path, "PNG");
+    QString why;
+    if (!print_->exportTo(widget, path, &why)) {
+        if (error) *error = why;
+        return false;
     }
-    if (!ok && error) *error = tr("%1 could not be written.").arg(path);
-    if (ok) showMessage(tr("%1 exported to %2").arg(chartName(widget), path));
-    return ok;
+    exportFolder_ = QFileInfo(path).absolutePath();
+    showMessage(tr("%1 exported to %2").arg(chartName(widget), path));
+    return true;
+}
+
+QString Terminal::suggestedExportPath(const QString& suffix) const {
+    const QString folder = exportFolder_.isEmpty() ? QDir::homePath() : exportFolder_;
+    void* widget = activeChart();
+    return QDir(folder).filePath(widget ? print_->suggestedName(widget, suffix) : QStringLiteral("chart") + suffix);
 }
 
 // ---- price files ----
@@ -343,13 +371,14 @@ void Terminal::start() {
 void Terminal::finishStart() {
     if (haveStartWorkspace_) {
         QStringList problems;
-        Workspace::open(emulator_, startContents_, &problems);
+        for (void* w : Workspace::open(emulator_, startContents_, &problems))
+            arrangement_->adopt(emulator_.charts().subWindow(w));
         for (const QString& p : problems) showMessage(tr("Workspace: %1").arg(p), true);
     }
     if (emulator_.charts().widgets().empty() && !options_.windows.empty()) {
         for (const auto& w : options_.windows)
             if (newChart(w.first)) addToActiveChart(w.second);
-        emulator_.mainWindow().mdiArea()->tileSubWindows();
+        arrangement_->tile();
     }
     // Saved live counts are for the workspace's own instruments; files opened later start
     // with the usual held-back part.

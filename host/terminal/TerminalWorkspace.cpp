@@ -15,6 +15,7 @@
 #include "host/terminal/PriceFileLoader.h"
 #include "host/terminal/ReplayFeed.h"
 #include "host/terminal/Terminal.h"
+#include "host/terminal/WindowArrangement.h"
 
 namespace host {
 namespace terminal {
@@ -128,7 +129,8 @@ void Terminal::finishOpenWorkspace() {
     }
     if (open.contents.replaySpeed > 0) replay_->setSpeed(open.contents.replaySpeed);
     restoreMainWindow(open.contents);
-    Workspace::open(emulator_, open.contents, &open.problems);
+    for (void* w : Workspace::open(emulator_, open.contents, &open.problems))
+        arrangement_->adopt(emulator_.charts().subWindow(w));
     for (const QString& p : open.problems) showMessage(tr("Workspace: %1").arg(p), true);
     workspacePath_ = open.path;
     instruments_->refresh();

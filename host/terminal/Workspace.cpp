@@ -7,14 +7,17 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QWidget>
+#include <algorithm>
 
 #include "host/ChartLayouts.h"
 #include "host/ChartWindows.h"
 #include "host/DataCore.h"
 #include "host/Emulator.h"
+#include "host/LineStudies.h"
 #include "host/MainWindowService.h"
 #include "host/WorkDataStore.h"
 #include "host/data/Instrument.h"
+#include "host/terminal/WindowSettings.h"
 #include "host/workdata/WorkTree.h"
 
 namespace host {
@@ -109,6 +112,7 @@ bool Workspace::read(WorkDataStore& store, const QString& path, Contents* conten
             w.state = attribute(n, "State");
             w.active = attribute(n, "Active") == QLatin1String("1");
             w.layout = layout->handle;
+            w.node = n.handle;
             c.windows.push_back(w);
         }
     }
@@ -185,6 +189,7 @@ bool Workspace::write(Emulator& emulator, const QString& path, const Contents& c
         QString why;
         if (!emulator.layouts().saveInto(widget, layout, &why))
             return fail(error, QStringLiteral("%1: window \"%2\": %3").arg(path, charts.title(widget), why));
+        saveWindowSettings(emulator, widget, node);
     }
     return store.save(root, error);
 }
@@ -195,12 +200,30 @@ std::vector<void*> Workspace::open(Emulator& emulator, const Contents& contents,
     QMdiSubWindow* active = nullptr;
     for (const Window& w : contents.windows) {
         QString why;
+        std::vector<std::int32_t> studies = emulator.studies().ids();
+        std::sort(studies.begin(), studies.end());
+        // The window's charts are made with their saved settings, each instrument's in turn.
+        const workdata::Node* node = w.node ? emulator.workData().node(w.node) : nullptr;
+        std::vector<SavedChart> saved = node ? savedCharts(*node) : std::vector<SavedChart>();
+        emulator.data().setSettingsChooser(
+            [&saved](const std::string& instrument, data::ChartType, data::ChartSettings* settings) {
+                const QString name = QString::fromStdString(instrument);
+                for (auto it = saved.begin(); it != saved.end(); ++it)
+                    if (it->instrument == name) {
+                        *settings = it->settings;
+                        saved.erase(it);
+                        return true;
+                    }
+                return false;
+            });
         void* widget = emulator.layouts().loadFrom(w.type, w.layout, &why);
+        emulator.data().setSettingsChooser(nullptr);
         if (!widget) {
             if (problems) *problems << QStringLiteral("a %1 window: %2").arg(typeWord(w.type), why);
             continue;
         }
         made.push_back(widget);
+        if (node) restoreWindowSettings(emulator, widget, *node, studies, problems);
         QMdiSubWindow* sub = charts.subWindow(widget);
         if (!sub) continue;
         if (w.geometry.isValid()) sub->setGeometry(w.geometry);

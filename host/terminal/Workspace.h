@@ -8,6 +8,8 @@
 //     <Instrument Name="EURUSD" Source="/data/eurusd.csv" Live="1200"/>
 //     <Window Type="pf" X="0" Y="0" Width="640" Height="420" State="normal" Active="1">
 //       <ChartWindow> … </ChartWindow>     the node of 3021 and 3020: the module's layout
+//       <Chart …/> <Study …/>              the terminal's settings of its charts and studies
+//                                          (WindowSettings.h)
 //     </Window>
 //   </Workspace>
 //
@@ -47,6 +49,7 @@ public:
         QString state;     // "normal", "maximized", "minimized"
         bool active = false;
         void* layout = nullptr;  // the ChartWindow node in the work-data store
+        void* node = nullptr;    // the Window node: the window's chart and study settings
     };
     struct Contents {
         QString language;

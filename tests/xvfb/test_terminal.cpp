@@ -43,104 +43,9 @@
 #include "host/terminal/Terminal.h"
 #include "host/terminal/Workspace.h"
 
-using host::data::ChartType;
-using host::terminal::Terminal;
+#include "TerminalSession.h"
 
 namespace {
-
-const QString kUsdChf = QStringLiteral(PF_EXAMPLES_DIR "/usdchf-30min.csv");
-
-class TerminalSession : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_EQ(QGuiApplication::platformName(), QStringLiteral("xcb")) << "run under xvfb-run";
-        ASSERT_TRUE(dir.isValid());
-        workspace = dir.filePath(QStringLiteral("workspace.xml"));
-    }
-    void TearDown() override { Close(); }
-
-    // The terminal as `pfhost terminal` starts it, with USD/CHF from its price file (its last
-    // 1,500 quotes held back for the replay) and one trading account.
-    void Open(const QString& workspacePath, bool examples = false) {
-        host::EmulatorOptions eo;
-        eo.modulePath = PF_MODULE_PATH;
-        emulator.reset(new host::Emulator(eo));
-        std::string error;
-        ASSERT_TRUE(emulator->loadModule(&error)) << error;
-        emulator->dealing().addDemoAccounts(1);
-        emulator->mainWindow().setOnScreen(true);
-        emulator->startUp();
-        emulator->dialogs().setReply(host::DialogAnswerer::Reply::No);
-        host::terminal::TerminalOptions options;
-        options.examples = examples;
-        options.files << kUsdChf;
-        options.workspace = workspacePath;
-        options.holdBack = 1500;
-        terminal.reset(new Terminal(*emulator, options));
-        terminal->window()->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(terminal->window()));
-        terminal->window()->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(terminal->window()));
-        terminal->start();
-        ASSERT_TRUE(QTest::qWaitFor([this] { return terminal->isReady(); }, 20000));
-    }
-    void Close() {
-        terminal.reset();
-        emulator.reset();
-    }
-
-    host::ChartWindows& Charts() { return emulator->charts(); }
-    void Trigger(const char* action) {
-        QAction* a = terminal->action(QString::fromLatin1(action));
-        ASSERT_NE(a, nullptr) << action;
-        a->trigger();
-    }
-    // Columns, bricks or strokes the data core holds for each chart type's objects.
-    std::map<ChartType, int> Figures() {
-        std::map<ChartType, int> out;
-        for (host::data::ChartObject* c : emulator->data().chartObjects()) out[c->type()] += c->array()->pointCount;
-        return out;
-    }
-    // Drags the instrument's line of the Instruments panel onto the middle of the window: the
-    // drag data is what the panel's own drag carries.
-    bool DragInstrument(void* widget, const QString& name) {
-        host::terminal::InstrumentPanel* panel = terminal->instruments();
-        if (!panel->select(name)) return false;
-        std::unique_ptr<QMimeData> mime(panel->model()->mimeData(panel->selectionModel()->selectedIndexes()));
-        QWidget* chart = Charts().chartWidget(widget);
-        return mime && chart && Charts().dragDrop(widget, mime.get(), chart->rect().center());
-    }
-    // Every chart window in the order the window area stacks them, with its picture.
-    // The chart windows' pictures in stacking order, once they have settled: posted resizes
-    // and layouts of a window just opened can still change them on a busy machine.
-    std::vector<std::pair<ChartType, QImage> > Grabs() {
-        std::vector<std::pair<ChartType, QImage> > last = GrabsNow();
-        QElapsedTimer clock;
-        clock.start();
-        for (;;) {
-            QTest::qWait(50);
-            std::vector<std::pair<ChartType, QImage> > now = GrabsNow();
-            if (now == last || clock.elapsed() > 5000) return now;
-            last = std::move(now);
-        }
-    }
-    std::vector<std::pair<ChartType, QImage> > GrabsNow() {
-        std::vector<std::pair<ChartType, QImage> > out;
-        for (QMdiSubWindow* sub : emulator->mainWindow().mdiArea()->subWindowList(QMdiArea::StackingOrder))
-            for (void* w : Charts().widgets())
-                if (Charts().subWindow(w) == sub) {
-                    ChartType type;
-                    Charts().typeOf(w, &type);
-                    out.push_back({type, Charts().container(w)->grab().toImage()});
-                }
-        return out;
-    }
-
-    QTemporaryDir dir;
-    QString workspace;
-    std::unique_ptr<host::Emulator> emulator;
-    std::unique_ptr<Terminal> terminal;
-};
 
 TEST_F(TerminalSession, ChartsGrowUndoTradeAndComeBackFromTheWorkspace) {
     Open(workspace);
@@ -274,17 +179,18 @@ TEST_F(TerminalSession, PanelsAndMenusReachTheModule) {
     EXPECT_EQ(advice, QStringLiteral("Price type Bid (charts: switch to Middle)"));
     EXPECT_EQ(terminal->window()->findChild<QLabel*>(QStringLiteral("priceAdvice"))->text(), advice);
 
-    // Export renders the window; printing goes through the module's print dialog, which the
-    // emulator answers with a PDF file here.
+    // Export renders the window's page (TerminalPrintAndWindows has the rest); printing
+    // through the module goes through its print dialog, which the emulator answers with a
+    // PDF file here.
     const QString png = dir.filePath(QStringLiteral("chart.png")), pdf = dir.filePath(QStringLiteral("chart.pdf"));
     ASSERT_TRUE(terminal->exportActive(png));
-    EXPECT_EQ(QImage(png).size(), container->size());
+    EXPECT_EQ(QImage(png).width(), container->width());
     ASSERT_TRUE(terminal->exportActive(pdf));
     QFile pdfFile(pdf);
     ASSERT_TRUE(pdfFile.open(QIODevice::ReadOnly));
     EXPECT_TRUE(pdfFile.read(5) == "%PDF-");
     emulator->dialogs().clearAnswers();
-    Trigger("print");
+    Trigger("printModule");
     ASSERT_EQ(emulator->dialogs().answers().size(), 1u);
     EXPECT_EQ(emulator->dialogs().answers()[0].answer, QStringLiteral("accepted"));
     EXPECT_TRUE(QFile::exists(emulator->dialogs().answers()[0].file));

@@ -87,6 +87,7 @@ int runTerminal(const QStringList& args) {
     options.examples = !host::cli::hasFlag(args, "--no-examples");
     options.holdBack = option(args, "--hold-back", "2000").toULong(&ok);
     if (!ok) return fail(QStringLiteral("--hold-back takes a number of quotes"));
+    options.holdBackGiven = args.contains(QStringLiteral("--hold-back"));
     options.replaySpeed = option(args, "--speed", "100").toInt(&ok);
     if (!ok || options.replaySpeed < 1) return fail(QStringLiteral("--speed takes quotes per second (1 or more)"));
     const QStringList size = option(args, "--size", "1400x900").split(QLatin1Char('x'));

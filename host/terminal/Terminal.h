@@ -14,14 +14,17 @@
 // draws a chart. Price files are read in the background (PriceFileLoader).
 #pragma once
 
+#include <QDialog>
 #include <QObject>
 #include <QPointer>
 #include <QSize>
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <memory>
 #include <vector>
 
+#include "host/DealingService.h"
 #include "host/data/ChartType.h"
 #include "host/terminal/Workspace.h"
 
@@ -44,7 +47,9 @@ class AccountsPanel;
 class BlotterPanel;
 class InstrumentPanel;
 class JournalPanel;
+class LatestPrices;
 class PriceFileLoader;
+class ProblemBoxes;
 class ReplayFeed;
 
 struct TerminalOptions {
@@ -52,7 +57,10 @@ struct TerminalOptions {
     QString workspace;        // restored at start, saved on quit; empty: none until saved as
     QString screenshot;       // once every window has painted, the main window into this PNG
     bool quit = false;        // and then quit
-    std::size_t holdBack = 2000;  // last quotes of each price file kept for the replay
+    // Last quotes of each price file kept for the replay: at most a quarter of the file,
+    // unless `holdBackGiven` (--hold-back), when it is kept as said (one quote stays live).
+    std::size_t holdBack = 2000;
+    bool holdBackGiven = false;
     int replaySpeed = 100;    // quotes per second
     QSize size{1400, 900};    // of the main window
     bool sizeGiven = false;   // `size` was asked for: it wins over the workspace's geometry
@@ -82,6 +90,8 @@ public:
     AccountsPanel* accounts() const { return accounts_; }
     BlotterPanel* blotter() const { return blotter_; }
     JournalPanel* journal() const { return journal_; }
+    ProblemBoxes* problemBoxes() const { return problemBoxes_; }
+    LatestPrices& latestPrices() { return *latest_; }
     // An action by its object name ("newPf", "undo", "play" ...); null when there is none.
     QAction* action(const QString& name) const;
 
@@ -109,6 +119,11 @@ public:
     // The active window's property page in the terminal's property dialog; false without a
     // window or when none opened (the reason is shown).
     bool showProperties();
+    // The ticket for a deal or an order the module asked for (the dealing service hands the
+    // request over); modal to the main window. The ticket, or null when none opened.
+    QDialog* openTicket(const DealingService::Trade& request);
+    // Help > Keys and mouse; the dialog (one at a time).
+    QDialog* showKeys();
     // The language the module starts in next time.
     void setLanguage(const QString& language);
     // The active window printed by the module (5012); false without one.
@@ -173,6 +188,10 @@ private:
     AccountsPanel* accounts_ = nullptr;
     BlotterPanel* blotter_ = nullptr;
     JournalPanel* journal_ = nullptr;
+    ProblemBoxes* problemBoxes_ = nullptr;
+    std::unique_ptr<LatestPrices> latest_;
+    QPointer<QDialog> keys_;
+    QString studyHint_;  // the status-bar hint of the study tool chosen, while it shows
     QLabel* message_ = nullptr;
     QLabel* replayState_ = nullptr;
     QLabel* priceAdvice_ = nullptr;

@@ -14,6 +14,7 @@
 #include "host/Emulator.h"
 #include "host/MainWindowService.h"
 #include "host/WorkDataStore.h"
+#include "host/terminal/BlotterRecords.h"
 #include "host/data/Instrument.h"
 #include "host/workdata/WorkTree.h"
 
@@ -78,6 +79,8 @@ bool Workspace::read(WorkDataStore& store, const QString& path, Contents* conten
     if (number(*top, "ReplaySpeed", 1, 1000000, &value)) c.replaySpeed = int(value);
     c.mainGeometry = base64(*top, "MainGeometry");
     c.docks = base64(*top, "Docks");
+    c.latestPrices = attribute(*top, "LatestPrices") != QLatin1String("0");
+    c.trades = BlotterRecords::read(*top, skipped);
     for (const auto& child : top->children) {
         const workdata::Node& n = *child;
         if (n.name == QLatin1String("Instrument")) {
@@ -144,6 +147,7 @@ bool Workspace::write(Emulator& emulator, const QString& path, const Contents& c
     store.setAttribute(root, QStringLiteral("Language"), choices.language);
     store.setAttribute(root, QStringLiteral("PriceType"), QString::number(choices.priceType));
     store.setAttribute(root, QStringLiteral("ReplaySpeed"), QString::number(choices.replaySpeed));
+    store.setAttribute(root, QStringLiteral("LatestPrices"), choices.latestPrices ? QStringLiteral("1") : QStringLiteral("0"));
     if (!choices.mainGeometry.isEmpty())
         store.setAttribute(root, QStringLiteral("MainGeometry"), QString::fromLatin1(choices.mainGeometry.toBase64()));
     if (!choices.docks.isEmpty())
@@ -186,6 +190,8 @@ bool Workspace::write(Emulator& emulator, const QString& path, const Contents& c
         if (!emulator.layouts().saveInto(widget, layout, &why))
             return fail(error, QStringLiteral("%1: window \"%2\": %3").arg(path, charts.title(widget), why));
     }
+    if (!BlotterRecords::write(store, root, emulator.dealing().blotter()))
+        return fail(error, QStringLiteral("%1: the blotter could not be written").arg(path));
     return store.save(root, error);
 }
 

@@ -5,8 +5,10 @@
 // Then what a careless person feeds it: broken price files and workspaces.
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QDialog>
 #include <QDockWidget>
 #include <QElapsedTimer>
 #include <QFile>
@@ -39,6 +41,7 @@
 #include "host/terminal/BlotterPanel.h"
 #include "host/terminal/InstrumentPanel.h"
 #include "host/terminal/JournalPanel.h"
+#include "host/terminal/LatestPrices.h"
 #include "host/terminal/ReplayFeed.h"
 #include "host/terminal/Terminal.h"
 #include "host/terminal/Workspace.h"
@@ -108,7 +111,10 @@ protected:
         if (!panel->select(name)) return false;
         std::unique_ptr<QMimeData> mime(panel->model()->mimeData(panel->selectionModel()->selectedIndexes()));
         QWidget* chart = Charts().chartWidget(widget);
-        return mime && chart && Charts().dragDrop(widget, mime.get(), chart->rect().center());
+        if (!mime || !chart || !Charts().dragDrop(widget, mime.get(), chart->rect().center())) return false;
+        // A new window, once filled, is scrolled to its newest figures (Options > Show the
+        // latest prices in new charts).
+        return QTest::qWaitFor([this, widget] { return !terminal->latestPrices().watching(widget); }, 5000);
     }
     // Every chart window in the order the window area stacks them, with its picture.
     // The chart windows' pictures in stacking order, once they have settled: posted resizes
@@ -204,16 +210,27 @@ TEST_F(TerminalSession, ChartsGrowUndoTradeAndComeBackFromTheWorkspace) {
     ASSERT_TRUE(terminal->undo());
     EXPECT_EQ(Charts().closeButtons(pf).size(), 1u);
 
-    // A deal from the Renko window's context menu lands in the blotter.
+    // A deal from the Renko window's context menu opens the ticket, modal; bought there, it
+    // lands in the blotter with the account's name.
     void* renko = Charts().widgets()[1];
     const QPoint middle = Charts().chartWidget(renko)->rect().center();
     ASSERT_TRUE(Charts().chooseFromContextMenu(
         renko, middle, {emulator->moduleText("PF0019"), emulator->moduleText("Tr0038Deal")}, &error))
         << error;
+    QDialog* ticket = nullptr;
+    ASSERT_TRUE(QTest::qWaitFor([&ticket] { return (ticket = qobject_cast<QDialog*>(QApplication::activeModalWidget())) != nullptr; }, 5000))
+        << terminal->messages().join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(ticket->objectName(), QStringLiteral("tradeTicket"));
+    EXPECT_TRUE(terminal->blotter()->rowCount() == 0);
+    ticket->findChild<QAbstractButton*>(QStringLiteral("buy"))->click();
+    ticket->findChild<QAbstractButton*>(QStringLiteral("book"))->click();
     QTest::qWait(300);
     ASSERT_EQ(terminal->blotter()->rowCount(), 1);
-    EXPECT_EQ(terminal->blotter()->item(0, 1)->text(), QStringLiteral("USDCHF"));
-    EXPECT_EQ(terminal->blotter()->item(0, 3)->text(), QStringLiteral("deal"));
+    using B = host::terminal::BlotterPanel;
+    EXPECT_EQ(terminal->blotter()->item(0, B::kInstrument)->text(), QStringLiteral("USDCHF"));
+    EXPECT_EQ(terminal->blotter()->item(0, B::kKind)->text(), QStringLiteral("deal"));
+    EXPECT_EQ(terminal->blotter()->item(0, B::kSide)->text(), QStringLiteral("buy"));
+    EXPECT_EQ(terminal->blotter()->item(0, B::kAccount)->text(), QStringLiteral("Demo account"));
 
     // The main window made smaller and moved, and a panel closed: all come back with the
     // workspace. (Qt keeps a restored window's title bar on the screen: a place below its
@@ -234,6 +251,7 @@ TEST_F(TerminalSession, ChartsGrowUndoTradeAndComeBackFromTheWorkspace) {
     ASSERT_TRUE(QFile::exists(workspace));
 
     Open(workspace);
+    EXPECT_EQ(terminal->blotter()->rowCount(), 1);  // the blotter is the workspace's
     EXPECT_EQ(terminal->window()->size(), mainSize);
     EXPECT_EQ(terminal->window()->pos(), mainPlace);
     EXPECT_FALSE(terminal->window()->findChild<QDockWidget*>(QStringLiteral("accountsDock"))->isVisible());

@@ -14,14 +14,14 @@ namespace terminal {
 void LatestPrices::setEnabled(bool on) {
     enabled_ = on;
     if (on) return;
-    for (void* w : fresh_)
-        if (QWidget* chart = charts_.chartWidget(w)) chart->removeEventFilter(this);
+    for (const Fresh& f : fresh_)
+        if (QWidget* chart = charts_.chartWidget(f.widget)) chart->removeEventFilter(this);
     fresh_.clear();
 }
 
 void LatestPrices::watch(void* widget) {
     if (!enabled_ || !widget || watching(widget)) return;
-    fresh_.push_back(widget);
+    fresh_.push_back({widget, charts_.title(widget)});
     if (QWidget* chart = charts_.chartWidget(widget)) chart->installEventFilter(this);
 }
 
@@ -37,22 +37,25 @@ bool LatestPrices::eventFilter(QObject* watched, QEvent* event) {
     return QObject::eventFilter(watched, event);
 }
 
-bool LatestPrices::watching(void* widget) const { return std::find(fresh_.begin(), fresh_.end(), widget) != fresh_.end(); }
+bool LatestPrices::watching(void* widget) const {
+    return std::any_of(fresh_.begin(), fresh_.end(), [widget](const Fresh& f) { return f.widget == widget; });
+}
 
 int LatestPrices::check() {
     if (fresh_.empty()) return 0;
     const std::vector<void*> open = charts_.widgets();
     int scrolled = 0;
-    std::vector<void*> still;
-    for (void* w : fresh_) {
-        if (std::find(open.begin(), open.end(), w) == open.end()) continue;  // closed meanwhile
-        const QAbstractSlider* bar = charts_.timeScrollBar(w);
-        if (!bar || bar->maximum() <= bar->minimum()) {
-            still.push_back(w);
+    std::vector<Fresh> still;
+    for (const Fresh& f : fresh_) {
+        if (std::find(open.begin(), open.end(), f.widget) == open.end()) continue;  // closed meanwhile
+        const QAbstractSlider* bar = charts_.timeScrollBar(f.widget);
+        const bool filled = charts_.title(f.widget) != f.title || (bar && bar->maximum() > bar->minimum());
+        if (!filled) {
+            still.push_back(f);
             continue;
         }
-        if (QWidget* chart = charts_.chartWidget(w)) chart->removeEventFilter(this);
-        charts_.pressKey(w, Qt::Key_End);
+        if (QWidget* chart = charts_.chartWidget(f.widget)) chart->removeEventFilter(this);
+        charts_.pressKey(f.widget, Qt::Key_End);
         ++scrolled;
     }
     fresh_.swap(still);

@@ -289,7 +289,7 @@ void Terminal::buildMenus() {
     }
     price->addSeparator();
     addAction(price, this, "askPriceType", tr("Ask the charts"), QKeySequence(), [this] { askPriceType(); });
-    QAction* latest = addAction(opts, this, "latestPrices", tr("Show the latest prices in new charts"), QKeySequence(),
+    QAction* latest = addAction(opts, this, "latestPrices", tr("Show the latest prices in &new charts"), QKeySequence(),
                                 [this] { latest_->setEnabled(action(QStringLiteral("latestPrices"))->isChecked()); });
     latest->setCheckable(true);
     latest->setChecked(latest_->enabled());

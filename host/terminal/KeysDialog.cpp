@@ -110,8 +110,8 @@ KeysDialog::KeysDialog(const QMenuBar* menus, QWidget* parent) : QDialog(parent)
         table_->setItem(int(r), 1, new QTableWidgetItem(all[r].keys));
         table_->setItem(int(r), 2, new QTableWidgetItem(all[r].does));
     }
+    table_->setWordWrap(true);
     table_->resizeColumnsToContents();
-    table_->resizeRowsToContents();
     QDialogButtonBox* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(search_, &QLineEdit::textChanged, this, &KeysDialog::filter);
@@ -119,7 +119,9 @@ KeysDialog::KeysDialog(const QMenuBar* menus, QWidget* parent) : QDialog(parent)
     layout->addWidget(search_);
     layout->addWidget(table_, 1);
     layout->addWidget(buttons);
-    resize(860, 620);
+    resize(1060, 660);
+    // Long texts wrap within the last column once it has its width.
+    connect(table_->horizontalHeader(), &QHeaderView::sectionResized, table_, [this] { table_->resizeRowsToContents(); });
 }
 
 void KeysDialog::filter(const QString& text) {

@@ -72,11 +72,11 @@ public:
     enum class Side { None, Buy, Sell };
     struct Trade {
         QDateTime received;  // UTC
-        void* dealing;       // the deal interface the request was sent to; null when gone
-        std::int32_t accountId;
+        void* dealing = nullptr;  // the deal interface the request was sent to; null when gone
+        std::int32_t accountId = 0;
         std::string instrument;
-        TradeKind kind;
-        double price;        // orders: the price asked; deals: as sent (0: at the market)
+        TradeKind kind = TradeKind::Deal;
+        double price = 0;    // orders: the price asked; deals: as sent (0: at the market)
         std::string dealingName;  // kept as booked: the blotter outlives accounts and dealings
         QString accountName;
         Side side = Side::None;

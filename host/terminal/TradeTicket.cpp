@@ -82,7 +82,7 @@ TradeTicket::TradeTicket(DealingService& dealing, const DealingService::Trade& r
         for (const fxdDealAccount& a : dealing.accounts(d)) {
             const QString name = dealing.accountName(d, a.accountId);
             account_->addItem(tr("%1 (%2, %3)").arg(name).arg(a.accountId).arg(QString::fromStdString(dealing.dealingName(d))),
-                              QVariant::fromValue(QList<QVariant>{QVariant::fromValue(reinterpret_cast<qulonglong>(d)),
+                              QVariant::fromValue(QList<QVariant>{QVariant::fromValue(reinterpret_cast<quintptr>(d)),
                                                                   QVariant(int(a.accountId))}));
             if (d == request.dealing && a.accountId == request.accountId) account_->setCurrentIndex(account_->count() - 1);
         }
@@ -104,7 +104,7 @@ TradeTicket::TradeTicket(DealingService& dealing, const DealingService::Trade& r
     top->addWidget(hint_);
     top->addWidget(buttons);
 
-    connect(side_, static_cast<void (QButtonGroup::*)(int)>(&QButtonGroup::buttonClicked), this, [this] { update(); });
+    connect(side_, static_cast<void (QButtonGroup::*)(QAbstractButton*)>(&QButtonGroup::buttonClicked), this, [this] { update(); });
     connect(amount_, static_cast<void (QDoubleSpinBox::*)(double)>(&QDoubleSpinBox::valueChanged), this, [this] { update(); });
     if (price_)
         connect(price_, static_cast<void (QDoubleSpinBox::*)(double)>(&QDoubleSpinBox::valueChanged), this, [this] { update(); });
@@ -126,7 +126,7 @@ DealingService::Trade TradeTicket::trade() const {
     }
     const QList<QVariant> account = account_->currentData().toList();
     if (account.size() == 2) {
-        t.dealing = reinterpret_cast<void*>(account[0].toULongLong());
+        t.dealing = reinterpret_cast<void*>(account[0].value<quintptr>());
         t.accountId = account[1].toInt();
     }
     return t;

@@ -33,6 +33,7 @@ DealingService::DealingService(Host& host, CoreServices& core) : host_(host), co
 void* DealingService::addDealing(const std::string& name) {
     void* handle = host_.newHandle();
     dealings_[handle].name = name;
+    order_.push_back(handle);
     host_.addInterface({"DEALING", "TELVIX", name, handle});
     return handle;
 }
@@ -175,6 +176,8 @@ int DealingService::trade(void* target, const fxdTradeRequest* request, TradeKin
     t.instrument.assign(r.instrument, strnlen(r.instrument, sizeof r.instrument));
     t.kind = kind;
     t.price = r.price;
+    t.dealingName = d->name;
+    t.accountName = accountName(target, t.accountId);
     detail = std::string(kindName(kind)) + " " + t.instrument + " account=" + std::to_string(t.accountId);
     if (kind == TradeKind::Order) detail += " price=" + std::to_string(t.price);
     const bool known = std::any_of(d->accounts.begin(), d->accounts.end(),
@@ -190,19 +193,66 @@ int DealingService::trade(void* target, const fxdTradeRequest* request, TradeKin
         detail += std::string(": refused, ") + refused;
         return 1;
     }
+    if (ticket_) {
+        detail += ": to the ticket";
+        ticket_(t);
+        return 0;
+    }
     blotter_.push_back(t);
     return 0;
+}
+
+QString DealingService::accountName(void* dealing, std::int32_t accountId) const {
+    const Dealing* d = find(dealing);
+    if (!d) return QString();
+    for (const fxdDealAccount& a : d->accounts)
+        if (a.accountId == accountId) {
+            std::size_t n = 0;
+            while (n < sizeof a.name / sizeof a.name[0] && a.name[n]) ++n;
+            return QString::fromUtf16(reinterpret_cast<const ushort*>(a.name), int(n));
+        }
+    return QString();
+}
+
+bool DealingService::book(Trade trade) {
+    const Dealing* d = find(trade.dealing);
+    if (!d || accountName(trade.dealing, trade.accountId).isEmpty() || trade.instrument.empty() ||
+        !std::isfinite(trade.price) || trade.price < 0 || (trade.kind == TradeKind::Order && trade.price <= 0) ||
+        !std::isfinite(trade.amount) || trade.amount <= 0 || trade.side == Side::None)
+        return false;
+    trade.received = QDateTime::currentDateTimeUtc();
+    trade.dealingName = d->name;
+    trade.accountName = accountName(trade.dealing, trade.accountId);
+    blotter_.push_back(trade);
+    return true;
+}
+
+void DealingService::setBlotter(std::vector<Trade> trades) {
+    for (Trade& t : trades) {
+        t.dealing = nullptr;
+        for (void* h : order_)
+            if (dealings_.at(h).name == t.dealingName) {
+                t.dealing = h;
+                break;
+            }
+    }
+    blotter_ = std::move(trades);
+    ++generation_;
 }
 
 std::string DealingService::describeBlotter() const {
     std::string out;
     char line[512];
     for (const Trade& t : blotter_) {
-        std::snprintf(line, sizeof line, "%s  %-16s %8d  %-5s  %-20s %.10g\n",
+        std::snprintf(line, sizeof line, "%s  %-16s %8d  %-5s  %-20s %.10g",
                       t.received.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz")).toUtf8().constData(),
-                      dealingName(t.dealing).c_str(), int(t.accountId), kindName(t.kind), t.instrument.c_str(),
-                      t.price);
+                      t.dealingName.c_str(), int(t.accountId), kindName(t.kind), t.instrument.c_str(), t.price);
         out += line;
+        if (t.side != Side::None) {
+            std::snprintf(line, sizeof line, "  %s %.10g", sideName(t.side), t.amount);
+            out += line;
+        }
+        out += '\n';
     }
     return out;
 }

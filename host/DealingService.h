@@ -5,7 +5,8 @@
 // from a chart.
 //
 // A deal or order is sent to the deal interface of its account with p1 = fxdTradeRequest.
-// The terminal would open its dealing dialog; the emulator books it into a blotter. It is
+// The emulator books it into a blotter at once; a terminal that sets a ticket (setTicket)
+// gets the request instead and books what the person confirms (book). A request is
 // refused (answer 1, nothing booked, the reason in the journal) when the target is no
 // dealing of this service, the record is null, the instrument is empty, the account is not
 // one of that dealing's, or the price is not finite (an order's must also be above 0).
@@ -15,6 +16,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -66,20 +68,46 @@ public:
     static QString demoAccountName(int k);
 
     enum class TradeKind { Deal, Order };
+    // Requests from a chart carry no side and no amount; a ticket adds them.
+    enum class Side { None, Buy, Sell };
     struct Trade {
         QDateTime received;  // UTC
-        void* dealing;       // the deal interface the request was sent to
-        std::int32_t accountId;
+        void* dealing = nullptr;  // the deal interface the request was sent to; null when gone
+        std::int32_t accountId = 0;
         std::string instrument;
-        TradeKind kind;
-        double price;        // orders: the price asked; deals: as sent (normally 0)
+        TradeKind kind = TradeKind::Deal;
+        double price = 0;    // orders: the price asked; deals: as sent (0: at the market)
+        std::string dealingName;  // kept as booked: the blotter outlives accounts and dealings
+        QString accountName;
+        Side side = Side::None;
+        double amount = 0;
     };
     // Deals and orders booked, oldest first.
     const std::vector<Trade>& blotter() const { return blotter_; }
-    void clearBlotter() { blotter_.clear(); }
-    // One line per trade: time, dealing, account, kind, instrument, price.
+    void clearBlotter() { setBlotter(std::vector<Trade>()); }
+    // Replaces the blotter (a workspace's); trades whose dealing is known by name get its
+    // handle, the others none.
+    void setBlotter(std::vector<Trade> trades);
+    // Changes whenever the blotter is replaced rather than added to.
+    unsigned blotterGeneration() const { return generation_; }
+    // One line per trade: time, dealing, account, kind, instrument, price (side and amount
+    // when a ticket gave them).
     std::string describeBlotter() const;
     static const char* kindName(TradeKind kind) { return kind == TradeKind::Deal ? "deal" : "order"; }
+    static const char* sideName(Side side) { return side == Side::Buy ? "buy" : side == Side::Sell ? "sell" : ""; }
+
+    // With a ticket, an acceptable request is handed to it (answer 0) instead of booked; the
+    // ticket books what the person confirms. An empty function books at once again.
+    using Ticket = std::function<void(const Trade& request)>;
+    void setTicket(Ticket ticket) { ticket_ = std::move(ticket); }
+    // Books a trade confirmed on a ticket: stamped now, with the names of its dealing and
+    // account as they are now. False (nothing booked) for an account that is not one of
+    // that dealing's, or a price or amount that cannot be traded.
+    bool book(Trade trade);
+    // The name of an account of a dealing; empty when there is none.
+    QString accountName(void* dealing, std::int32_t accountId) const;
+    // Every dealing's handle, in the order they were added.
+    std::vector<void*> dealings() const { return order_; }
 
 private:
     struct Dealing {
@@ -98,7 +126,10 @@ private:
     Host& host_;
     CoreServices& core_;
     std::map<void*, Dealing> dealings_;
+    std::vector<void*> order_;
     std::vector<Trade> blotter_;
+    unsigned generation_ = 0;
+    Ticket ticket_;
 };
 
 }  // namespace host

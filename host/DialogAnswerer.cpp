@@ -54,7 +54,7 @@ void DialogAnswerer::setActive(bool active) {
 
 bool DialogAnswerer::answerNow() {
     QWidget* w = QApplication::activeModalWidget();
-    if (!w) return false;
+    if (!w || w->property(leaveAloneProperty()).toBool()) return false;
     Answer answer{Answer::Other, w->windowTitle(), QString(), QStringList(), QString(), QString()};
     if (w == last_) {
         // Answered before and still up: hidden, which ends a dialog's exec() in any case.

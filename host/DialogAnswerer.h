@@ -15,7 +15,9 @@
 //   any other     rejected (closed, for a modal widget that is not a dialog).
 //
 // Every answer is recorded. Policy Leave keeps the answerer's hands off that kind of
-// dialog, for a test that wants to answer it itself.
+// dialog, for a test that wants to answer it itself. A dialog of the terminal's own that a
+// person fills in (the trade ticket) carries the property leaveAloneProperty() and is
+// never answered.
 #pragma once
 
 #include <QObject>
@@ -63,6 +65,9 @@ public:
     // While inactive the answerer looks at no dialog (a person at the terminal answers them).
     void setActive(bool active);
     bool active() const { return timer_.isActive(); }
+
+    // Set true on a dialog the answerer must not answer.
+    static const char* leaveAloneProperty() { return "pfhostLeaveAlone"; }
 
     // Answers the active modal dialog now; true when there was one it answered.
     bool answerNow();

@@ -14,6 +14,7 @@ PACKAGES=(
   libxml2-utils
   fonts-dejavu-core
   xvfb xauth poppler-utils
+  xdotool  # the terminal driven with real X events under Xvfb
   ccache  # shared by the builds of every checkout
   file  # the Debian package (CPack) finds its binaries with it
 )

@@ -21,7 +21,7 @@ namespace {
 const char kUsage[] =
     "[FILES.csv...] [--workspace FILE.xml | --no-workspace] [--screenshot FILE.png [--quit]] [--hold-back N] [--speed N] "
     "[--size WxH] [--accounts N] [--answer yes|no] [--language NAME] [--no-examples] "
-    "[--window pf|renko|kagi:INSTRUMENT ...] [--replay N] [--journal NUMBERS]";
+    "[--window pf|renko|kagi:INSTRUMENT ...] [--replay N] [--journal NUMBERS] [--verbose]";
 
 // Options that take a value; every other word that is not an option is a price file.
 const char* const kValued[] = {"--replay", "--journal", "--window", "--workspace", "--screenshot", "--hold-back", "--speed", "--size", "--accounts",
@@ -60,7 +60,7 @@ int runTerminal(const QStringList& args) {
         } else if (a.startsWith(QLatin1String("--"))) {
             if (a == QLatin1String("--help")) return help();
             if (a != QLatin1String("--quit") && a != QLatin1String("--no-examples") && a != QLatin1String("--log-stderr") &&
-                a != QLatin1String("--no-workspace"))
+                a != QLatin1String("--no-workspace") && a != QLatin1String("--verbose"))
                 return fail(QStringLiteral("unknown option %1\nusage: pfhost terminal %2").arg(a, QLatin1String(kUsage)));
         } else {
             options.files << a;
@@ -87,6 +87,7 @@ int runTerminal(const QStringList& args) {
     options.examples = !host::cli::hasFlag(args, "--no-examples");
     options.holdBack = option(args, "--hold-back", "2000").toULong(&ok);
     if (!ok) return fail(QStringLiteral("--hold-back takes a number of quotes"));
+    options.holdBackGiven = args.contains(QStringLiteral("--hold-back"));
     options.replaySpeed = option(args, "--speed", "100").toInt(&ok);
     if (!ok || options.replaySpeed < 1) return fail(QStringLiteral("--speed takes quotes per second (1 or more)"));
     const QStringList size = option(args, "--size", "1400x900").split(QLatin1Char('x'));
@@ -119,8 +120,13 @@ int runTerminal(const QStringList& args) {
         host::terminal::Terminal terminal(emulator, options);
         // Problems are said on the console as well: a picture taken with --quit leaves no
         // window to read them in.
-        QObject::connect(&terminal, &host::terminal::Terminal::messageShown, [](const QString& text, bool problem) {
+        // With --verbose every message of the status bar is printed as well (on stdout), for
+        // scripts that drive the terminal.
+        const bool verbose = host::cli::hasFlag(args, "--verbose");
+        QObject::connect(&terminal, &host::terminal::Terminal::messageShown, [verbose](const QString& text, bool problem) {
             if (problem) std::fprintf(stderr, "pfhost terminal: %s\n", text.toLocal8Bit().constData());
+            else if (verbose) std::printf("pfhost terminal: %s\n", text.toLocal8Bit().constData());
+            if (verbose) std::fflush(stdout);
         });
         if (!options.workspace.isEmpty() && !QFileInfo::exists(options.workspace))
             std::fprintf(stderr, "pfhost terminal: no workspace %s yet; it is made on quit\n",

@@ -9,6 +9,7 @@
 #include <sstream>
 #include <vector>
 
+#include "host/data/CsvFormat.h"
 #include "host/data/PriceGrid.h"
 
 namespace host {
@@ -16,40 +17,8 @@ namespace data {
 
 namespace {
 
-enum Column { kTime, kOpen, kHigh, kLow, kClose, kVolume, kColumns };
-const char* const kColumnNames[kColumns] = {"time", "open", "high", "low", "close", "volume"};
-
-std::string trimmed(const std::string& s) {
-    std::size_t b = 0, e = s.size();
-    while (b < e && std::isspace(static_cast<unsigned char>(s[b]))) ++b;
-    while (e > b && std::isspace(static_cast<unsigned char>(s[e - 1]))) --e;
-    return s.substr(b, e - b);
-}
-
-std::vector<std::string> splitFields(const std::string& line) {
-    std::vector<std::string> out;
-    std::string item;
-    std::istringstream in(line);
-    while (std::getline(in, item, ',')) out.push_back(trimmed(item));
-    if (!line.empty() && line.back() == ',') out.push_back(std::string());
-    return out;
-}
-
-// Digits after the decimal point as written, e.g. "1.1930" -> 4, "3.1" -> 1, "3" -> 0.
-int writtenDecimals(const std::string& text) {
-    const std::size_t dot = text.find('.');
-    if (dot == std::string::npos) return 0;
-    std::size_t n = 0;
-    while (dot + 1 + n < text.size() && std::isdigit(static_cast<unsigned char>(text[dot + 1 + n]))) ++n;
-    return int(n);
-}
-
-bool parseNumber(const std::string& text, double* value) {
-    if (text.empty()) return false;
-    char* end = nullptr;
-    errno = 0;
-    *value = std::strtod(text.c_str(), &end);
-    return errno == 0 && end && *end == 0;
+bool blank(const std::string& line) {
+    return std::all_of(line.begin(), line.end(), [](unsigned char c) { return std::isspace(c) != 0; });
 }
 
 std::unique_ptr<Instrument> fail(std::string* error, const std::string& text) {
@@ -109,46 +78,52 @@ std::unique_ptr<Instrument> CsvPriceReader::read(std::istream& in, const std::st
     const int kProgressLines = 16384;
     std::string line;
     if (!std::getline(in, line)) return fail(error, "empty file");
-    int index[kColumns];
-    std::fill(index, index + kColumns, -1);
-    const std::vector<std::string> header = splitFields(line);
-    for (std::size_t i = 0; i < header.size(); ++i) {
-        std::string h = header[i];
-        std::transform(h.begin(), h.end(), h.begin(), [](unsigned char c) { return char(std::tolower(c)); });
-        for (int c = 0; c < kColumns; ++c)
-            if (h == kColumnNames[c]) index[c] = int(i);
-    }
-    if (index[kTime] < 0 || index[kClose] < 0)
-        return fail(error, "the header needs the columns time and close");
-    const bool ohlc = index[kOpen] >= 0 && index[kHigh] >= 0 && index[kLow] >= 0;
+    CsvFormat format;
+    std::string why;
+    if (!CsvFormat::fromHeader(line, &format, &why)) return fail(error, why);
+    const bool ohlc = format.hasOhlc();
+    using C = CsvFormat;
+    // The price columns read: all of OHLC or only the close; the volume when there is one.
+    std::vector<C::Column> prices = {C::kClose};
+    if (ohlc) prices = {C::kOpen, C::kHigh, C::kLow, C::kClose};
+    if (format.index(C::kVolume) >= 0) prices.push_back(C::kVolume);
 
     std::vector<Quote> quotes;
     int decimals = 0;
-    int lineNumber = 1;
+    long lineNumber = 1;
+    const auto field = [&format](const std::vector<std::string>& fields, C::Column c) -> const std::string* {
+        const int i = format.index(c);
+        return i >= 0 && std::size_t(i) < fields.size() ? &fields[std::size_t(i)] : nullptr;
+    };
     while (std::getline(in, line)) {
         ++lineNumber;
         if (progress && lineNumber % kProgressLines == 0) {
             const std::streamoff at = in.tellg();
             if (!progress(at > 0 ? std::uint64_t(at) : 0)) return fail(error, "stopped");
         }
-        if (trimmed(line).empty()) continue;
-        const std::vector<std::string> fields = splitFields(line);
-        double values[kColumns] = {0, 0, 0, 0, 0, 0};
-        for (int c = 0; c < kColumns; ++c) {
-            if (index[c] < 0 || (!ohlc && c != kTime && c != kClose && c != kVolume)) continue;
-            if (std::size_t(index[c]) >= fields.size() || !parseNumber(fields[index[c]], &values[c]))
-                return fail(error, "line " + std::to_string(lineNumber) + ": bad " + kColumnNames[c]);
-            if (c != kTime && c != kVolume) decimals = std::max(decimals, writtenDecimals(fields[index[c]]));
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        if (blank(line)) continue;
+        const std::string at = "line " + std::to_string(lineNumber) + ": ";
+        const std::vector<std::string> fields = format.split(line);
+        const std::string* date = field(fields, C::kWhen);
+        const std::string* tod = field(fields, C::kTimeOfDay);
+        if (format.index(C::kTimeOfDay) >= 0 && !tod) return fail(error, at + "bad time");
+        std::int64_t seconds = 0;
+        if (!date || !CsvFormat::when(*date, std::string(), &seconds))
+            return fail(error, at + "bad " + format.columnName(C::kWhen));
+        if (tod && !CsvFormat::when(*date, *tod, &seconds)) return fail(error, at + "bad time");
+        if (seconds < 0 || seconds > 2147483647LL) return fail(error, at + "time out of range");
+        Quote q{std::int32_t(seconds), 0, 0, 0, 0, 0};
+        double* const slot[C::kColumns] = {nullptr, nullptr, &q.open, &q.high, &q.low, &q.close, &q.volume};
+        for (C::Column c : prices) {
+            const std::string* text = field(fields, c);
+            if (!text || !format.number(*text, slot[c]))
+                return fail(error, at + "bad " + format.columnName(c));
+            if (c != C::kVolume) decimals = std::max(decimals, format.decimals(*text));
         }
-        if (values[kTime] < 0 || values[kTime] > 2147483647.0)
-            return fail(error, "line " + std::to_string(lineNumber) + ": time out of range");
-        Quote q{std::int32_t(values[kTime]), values[kOpen], values[kHigh], values[kLow], values[kClose],
-                values[kVolume]};
         if (!ohlc) q.open = q.high = q.low = q.close;
-        if (!Instrument::validClose(q.close))
-            return fail(error, "line " + std::to_string(lineNumber) + ": close out of range");
-        if (!quotes.empty() && q.time < quotes.back().time)
-            return fail(error, "line " + std::to_string(lineNumber) + ": time goes backwards");
+        if (!Instrument::validClose(q.close)) return fail(error, at + "close out of range");
+        if (!quotes.empty() && q.time < quotes.back().time) return fail(error, at + "time goes backwards");
         quotes.push_back(q);
     }
     if (quotes.empty()) return fail(error, "no quotes");

@@ -1,8 +1,10 @@
 // Reads an instrument from a CSV price file: one header line naming the columns, then one
-// quote per line, comma separated, times as UNIX seconds (UTC). Two layouts are known:
-// "time,close" and "time,open,high,low,close,volume" (columns are found by name, in any
-// order). The precision is the largest number of decimals of any price; the period is
-// the most common distance between consecutive quotes.
+// quote per line. The header gives the layout (CsvFormat): comma, semicolon or tab
+// separated; the time as UNIX seconds or an ISO date with an optional time of day (or a
+// separate time column); close required, open, high, low and volume taken when present;
+// columns in any order and any case. A file is refused at its first line that cannot be
+// read, with that line's number in the message. The precision is the largest number of
+// decimals of any price; the period is the most common distance between consecutive quotes.
 #pragma once
 
 #include <cstdint>

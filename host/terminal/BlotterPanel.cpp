@@ -1,6 +1,7 @@
 #include "host/terminal/BlotterPanel.h"
 
 #include <QHeaderView>
+#include <QLocale>
 #include <cmath>
 
 #include "host/DealingService.h"
@@ -9,9 +10,10 @@ namespace host {
 namespace terminal {
 
 BlotterPanel::BlotterPanel(DealingService& dealing, QWidget* parent)
-    : QTableWidget(0, 6, parent), dealing_(dealing) {
+    : QTableWidget(0, kColumns, parent), dealing_(dealing), generation_(dealing.blotterGeneration()) {
     setObjectName(QStringLiteral("blotter"));
-    setHorizontalHeaderLabels({tr("Time"), tr("Instrument"), tr("Account"), tr("Kind"), tr("Price"), tr("Dealing")});
+    setHorizontalHeaderLabels({tr("Time (UTC)"), tr("Instrument"), tr("Side"), tr("Amount"), tr("Kind"), tr("Price"),
+                               tr("Account"), tr("Dealing")});
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setSelectionBehavior(QAbstractItemView::SelectRows);
     verticalHeader()->hide();
@@ -20,27 +22,40 @@ BlotterPanel::BlotterPanel(DealingService& dealing, QWidget* parent)
 
 bool BlotterPanel::refresh() {
     const auto& book = dealing_.blotter();
-    if (book.size() < shown_) {
+    if (book.size() < shown_ || generation_ != dealing_.blotterGeneration()) {
         setRowCount(0);
         shown_ = 0;
+        generation_ = dealing_.blotterGeneration();
     }
     if (book.size() == shown_) return false;
+    using Trade = DealingService::Trade;
     for (; shown_ < book.size(); ++shown_) {
-        const DealingService::Trade& t = book[shown_];
+        const Trade& t = book[shown_];
         const int row = rowCount();
         insertRow(row);
-        // A deal is sent at the market (price 0); an order at the price the person chose.
+        // A deal sent at the market has price 0; one booked on a ticket the market price then.
         const QString price = t.kind == DealingService::TradeKind::Deal && t.price == 0
                                   ? tr("market")
                                   : QString::number(t.price, 'f', 4);
+        const QString side = t.side == DealingService::Side::Buy    ? tr("buy")
+                             : t.side == DealingService::Side::Sell ? tr("sell")
+                                                                    : QString();
         const QStringList cells = {t.received.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")),
                                    QString::fromStdString(t.instrument),
-                                   QString::number(t.accountId),
+                                   side,
+                                   t.amount > 0 ? QLocale(QLocale::English, QLocale::UnitedStates).toString(t.amount, 'f', 0) : QString(),
                                    t.kind == DealingService::TradeKind::Deal ? tr("deal") : tr("order"),
                                    price,
-                                   QString::fromStdString(dealing_.dealingName(t.dealing))};
-        for (int c = 0; c < cells.size(); ++c) setItem(row, c, new QTableWidgetItem(cells[c]));
+                                   t.accountName.isEmpty() ? QString::number(t.accountId) : t.accountName,
+                                   QString::fromStdString(t.dealingName)};
+        for (int c = 0; c < cells.size(); ++c) {
+            QTableWidgetItem* item = new QTableWidgetItem(cells[c]);
+            if (c == kAmount || c == kPrice) item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+            setItem(row, c, item);
+        }
     }
+    // Every column as wide as its widest text: the time is never cut.
+    resizeColumnsToContents();
     scrollToBottom();
     return true;
 }

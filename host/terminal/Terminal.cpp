@@ -4,6 +4,7 @@
 #include <QActionGroup>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QDockWidget>
 #include <QFileDialog>
 #include <QLabel>
@@ -31,7 +32,10 @@
 #include "host/terminal/BlotterPanel.h"
 #include "host/terminal/InstrumentPanel.h"
 #include "host/terminal/JournalPanel.h"
+#include "host/terminal/KeysDialog.h"
+#include "host/terminal/LatestPrices.h"
 #include "host/terminal/PriceFileLoader.h"
+#include "host/terminal/ProblemBoxes.h"
 #include "host/terminal/ReplayFeed.h"
 #include "host/terminal/TerminalPrint.h"
 #include "host/terminal/WindowArrangement.h"
@@ -86,6 +90,15 @@ Terminal::Terminal(Emulator& emulator, const TerminalOptions& options, QObject* 
     main->setWindowTitle(tr("pfhost terminal"));
     main->resize(options_.size);
     main->installEventFilter(this);
+    problemBoxes_ = new ProblemBoxes(main, tr("pfhost terminal"), this);
+    latest_.reset(new LatestPrices(emulator_.charts()));
+    // Deals and orders from the charts come to the terminal's ticket, after the module's
+    // request has returned (its menu is closed by then).
+    emulator_.dealing().setTicket([this](const DealingService::Trade& request) {
+        QTimer::singleShot(0, this, [this, request] { openTicket(request); });
+    });
+    // Escape on a chart cancels the study tool as well as what the chart is placing.
+    qApp->installEventFilter(this);
     buildPanels();
     buildMenus();
     buildStatusBar();
@@ -112,6 +125,8 @@ Terminal::~Terminal() {
     if (QMainWindow* main = window()) main->removeEventFilter(this);
     emulator_.mainWindow().setPropertiesHandler(nullptr);
     emulator_.studies().setPropertiesHandler(nullptr);
+    qApp->removeEventFilter(this);
+    emulator_.dealing().setTicket(DealingService::Ticket());
 }
 
 QMainWindow* Terminal::window() const { return emulator_.mainWindow().window(); }
@@ -219,11 +234,24 @@ void Terminal::buildMenus() {
     pointer->setChecked(true);
     studyTools_->addAction(pointer);
     studies->addSeparator();
+    // Each tool has a shortcut of Alt+Shift and a letter of its name, and a button on the
+    // Studies tool bar.
+    const std::pair<const char*, const char*> studyKeys[] = {
+        {"HLine", "Alt+Shift+H"}, {"VLine", "Alt+Shift+V"}, {"Line", "Alt+Shift+T"}, {"Text", "Alt+Shift+X"},
+        {"Arc", "Alt+Shift+F"}, {"Chanel", "Alt+Shift+C"}, {"Andrews Pitchfork", "Alt+Shift+A"}, {"PolyLine", "Alt+Shift+L"}};
+    pointer->setShortcut(QKeySequence(tr("Alt+Shift+P")));
+    QToolBar* studyBar = main->addToolBar(tr("Studies"));
+    studyBar->setObjectName(QStringLiteral("studyToolBar"));
+    studyBar->addAction(pointer);
     for (const std::string& name : ls::studyNames()) {
         ls::StudyKind kind;
         if (!ls::kindFromName(name, &kind)) continue;
         const QString type = QString::fromStdString(name);
-        QAction* a = addAction(studies, this, "study", ls::studyTitle(kind), QKeySequence(), [this, type] { chooseStudy(type); });
+        QKeySequence key;
+        for (const auto& k : studyKeys)
+            if (name == k.first) key = QKeySequence(QString::fromLatin1(k.second));
+        QAction* a = addAction(studies, this, "study", ls::studyTitle(kind), key, [this, type] { chooseStudy(type); });
+        studyBar->addAction(a);
         a->setObjectName(QStringLiteral("study:") + type);
         a->setData(type);
         a->setCheckable(true);
@@ -263,6 +291,10 @@ void Terminal::buildMenus() {
     }
     price->addSeparator();
     addAction(price, this, "askPriceType", tr("Ask the charts"), QKeySequence(), [this] { askPriceType(); });
+    QAction* latest = addAction(opts, this, "latestPrices", tr("Show the latest prices in &new charts"), QKeySequence(),
+                                [this] { latest_->setEnabled(action(QStringLiteral("latestPrices"))->isChecked()); });
+    latest->setCheckable(true);
+    latest->setChecked(latest_->enabled());
     QMenu* language = opts->addMenu(tr("&Language"));
     languages_ = new QActionGroup(this);
     for (const char* l : kLanguages) {
@@ -291,6 +323,20 @@ void Terminal::buildMenus() {
     connect(windows, &QMenu::aboutToShow, this, [this, windows] {
         arrangement_->listIn(windows, [](QMdiSubWindow* sub) { return sub->windowTitle(); });
     });
+
+    QMenu* help = bar->addMenu(tr("&Help"));
+    addAction(help, this, "keysAndMouse", tr("&Keys and mouse"), QKeySequence(QKeySequence::HelpContents), [this] { showKeys(); });
+}
+
+QDialog* Terminal::showKeys() {
+    if (!keys_) {
+        keys_ = new KeysDialog(window()->menuBar(), window());
+        keys_->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    keys_->show();
+    keys_->raise();
+    keys_->activateWindow();
+    return keys_;
 }
 
 void Terminal::buildStatusBar() {
@@ -340,6 +386,14 @@ void Terminal::refresh() {
     const QString tool = QString::fromStdString(emulator_.studies().tool());
     for (QAction* a : studyTools_->actions())
         if (a->data().toString() == tool && !a->isChecked()) a->setChecked(true);
+    // The hint of a study tool ends once the study is placed (the chart puts the tool
+    // down) or cancelled.
+    if (tool.isEmpty() && !studyHint_.isEmpty()) {
+        if (message_->text() == studyHint_) message_->clear();
+        studyHint_.clear();
+    }
+    // A new chart window that has just been filled shows its newest figures.
+    latest_->check();
     const bool chart = activeChart() != nullptr;
     for (const char* name : {"closeChart", "addInstrument", "print", "printModule", "exportPng", "exportPdf", "properties"})
         action(QString::fromLatin1(name))->setEnabled(chart);
@@ -352,17 +406,20 @@ void Terminal::showMessage(const QString& text, bool problem) {
     message_->setStyleSheet(problem ? QStringLiteral("color: #b00000") : QString());
     message_->setToolTip(text);
     emit messageShown(text, problem);
-    // A problem is also said in a box, unless the emulator answers dialogs for a test or a
-    // picture; the box does not block the window.
-    if (problem && !emulator_.dialogs().active()) {
-        QMessageBox* box = new QMessageBox(QMessageBox::Warning, tr("pfhost terminal"), text, QMessageBox::Ok, window());
-        box->setAttribute(Qt::WA_DeleteOnClose);
-        box->setModal(false);
-        box->show();
-    }
+    // A problem is also said in a box, one at a time, unless the emulator answers dialogs
+    // for a test or a picture.
+    if (problem && !emulator_.dialogs().active()) problemBoxes_->add(text);
 }
 
 bool Terminal::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape &&
+        !emulator_.studies().tool().empty()) {
+        QWidget* target = qobject_cast<QWidget*>(watched);
+        if (target && emulator_.mainWindow().mdiArea()->isAncestorOf(target)) {
+            chooseStudy(QString());
+            showMessage(tr("Study cancelled."));
+        }
+    }
     if (watched == window() && event->type() == QEvent::Close && !closing_) {
         closing_ = true;
         replay_->pause();

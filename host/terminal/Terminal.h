@@ -14,6 +14,7 @@
 // draws a chart. Price files are read in the background (PriceFileLoader).
 #pragma once
 
+#include <QDialog>
 #include <QObject>
 #include <QPointer>
 #include <QSize>
@@ -24,6 +25,7 @@
 #include <memory>
 #include <vector>
 
+#include "host/DealingService.h"
 #include "host/data/ChartType.h"
 #include "host/terminal/Workspace.h"
 
@@ -48,7 +50,9 @@ class BlotterPanel;
 class ChartSettingsDialog;
 class InstrumentPanel;
 class JournalPanel;
+class LatestPrices;
 class PriceFileLoader;
+class ProblemBoxes;
 class ReplayFeed;
 class StudyDialog;
 class TerminalPrint;
@@ -59,7 +63,10 @@ struct TerminalOptions {
     QString workspace;        // restored at start, saved on quit; empty: none until saved as
     QString screenshot;       // once every window has painted, the main window into this PNG
     bool quit = false;        // and then quit
-    std::size_t holdBack = 2000;  // last quotes of each price file kept for the replay
+    // Last quotes of each price file kept for the replay: at most a quarter of the file,
+    // unless `holdBackGiven` (--hold-back), when it is kept as said (one quote stays live).
+    std::size_t holdBack = 2000;
+    bool holdBackGiven = false;
     int replaySpeed = 100;    // quotes per second
     QSize size{1400, 900};    // of the main window
     bool sizeGiven = false;   // `size` was asked for: it wins over the workspace's geometry
@@ -89,6 +96,8 @@ public:
     AccountsPanel* accounts() const { return accounts_; }
     BlotterPanel* blotter() const { return blotter_; }
     JournalPanel* journal() const { return journal_; }
+    ProblemBoxes* problemBoxes() const { return problemBoxes_; }
+    LatestPrices& latestPrices() { return *latest_; }
     // An action by its object name ("newPf", "undo", "play" ...); null when there is none.
     QAction* action(const QString& name) const;
 
@@ -116,6 +125,11 @@ public:
     // The active window's property page in the terminal's property dialog; false without a
     // window or when none opened (the reason is shown).
     bool showProperties();
+    // The ticket for a deal or an order the module asked for (the dealing service hands the
+    // request over); modal to the main window. The ticket, or null when none opened.
+    QDialog* openTicket(const DealingService::Trade& request);
+    // Help > Keys and mouse; the dialog (one at a time).
+    QDialog* showKeys();
     // The language the module starts in next time.
     void setLanguage(const QString& language);
     // File > Print chart: the terminal's page of the active window (header line and the
@@ -207,6 +221,10 @@ private:
     AccountsPanel* accounts_ = nullptr;
     BlotterPanel* blotter_ = nullptr;
     JournalPanel* journal_ = nullptr;
+    ProblemBoxes* problemBoxes_ = nullptr;
+    std::unique_ptr<LatestPrices> latest_;
+    QPointer<QDialog> keys_;
+    QString studyHint_;  // the status-bar hint of the study tool chosen, while it shows
     QLabel* message_ = nullptr;
     QLabel* replayState_ = nullptr;
     QLabel* priceAdvice_ = nullptr;

@@ -27,9 +27,11 @@
 #include "host/PropertyService.h"
 #include "host/UndoStack.h"
 #include "host/data/Instrument.h"
+#include "host/ls/StudyGeometry.h"
 #include "host/terminal/AccountsPanel.h"
 #include "host/terminal/InstrumentPanel.h"
 #include "host/terminal/JournalPanel.h"
+#include "host/terminal/LatestPrices.h"
 #include "host/terminal/PriceFileLoader.h"
 #include "host/terminal/ReplayFeed.h"
 #include "host/terminal/Terminal.h"
@@ -59,6 +61,7 @@ void* Terminal::newChart(data::ChartType type) {
         showMessage(tr("The module made no %1 chart window.").arg(QString::fromLatin1(data::chartTypeName(type))), true);
         return nullptr;
     }
+    latest_->watch(widget);
     if (QMdiSubWindow* sub = emulator_.charts().subWindow(widget)) {
         arrangement_->place(sub);
         emulator_.mainWindow().mdiArea()->setActiveSubWindow(sub);
@@ -103,6 +106,7 @@ bool Terminal::addToActiveChart(const QString& instrument) {
     }
     const int answer = emulator_.charts().drop(widget, {instrument.toStdString()});
     if (answer != 0) showMessage(tr("The chart window did not take %1 (answer %2).").arg(instrument).arg(answer), true);
+    latest_->check();
     refresh();
     return answer == 0;
 }
@@ -128,7 +132,14 @@ bool Terminal::chooseStudy(const QString& type) {
         showMessage(tr("No line study of type %1.").arg(type), true);
         return false;
     } else {
-        showMessage(tr("Click the chart to place the points of the %1.").arg(type));
+        ls::StudyKind kind = ls::StudyKind::HLine;
+        const int points = ls::kindFromName(type.toStdString(), &kind) ? ls::controlPointCount(kind) : 1;
+        const QString title = ls::kindFromName(type.toStdString(), &kind) ? ls::studyTitle(kind) : type;
+        studyHint_ = points == 1 ? tr("Click the chart to place the %1; Escape cancels.").arg(title)
+                     : kind == ls::StudyKind::PolyLine
+                         ? tr("Click the chart to place the points of the %1, double click the last; Escape cancels.").arg(title)
+                         : tr("Click the chart to place the %1 points of the %2; Escape cancels.").arg(points).arg(title);
+        showMessage(studyHint_);
     }
     refresh();
     return true;
@@ -292,7 +303,7 @@ void Terminal::loaderDone(PriceFileLoader* loader) {
         if (saved != liveCounts_.end())
             split.live = saved->second;
         else
-            split.holdBack = std::min(options_.holdBack, quotes / 2);
+            split.holdBack = std::min(options_.holdBack, options_.holdBackGiven ? (quotes ? quotes - 1 : 0) : quotes / 4);
         std::size_t repeated = 0;
         const auto& q = instrument->quotes();
         for (std::size_t i = 1; i < q.size(); ++i)

@@ -1,5 +1,6 @@
 // The terminal's workspace: saved on request and on quit, opened from the File menu with the
 // price files it needs read in the background, and the main window's place and panels.
+#include <QAction>
 #include <QFileInfo>
 #include <QMainWindow>
 #include <QProgressBar>
@@ -8,10 +9,12 @@
 
 #include "host/ChartWindows.h"
 #include "host/DataCore.h"
+#include "host/DealingService.h"
 #include "host/Emulator.h"
 #include "host/data/Instrument.h"
 #include "host/terminal/AccountsPanel.h"
 #include "host/terminal/InstrumentPanel.h"
+#include "host/terminal/LatestPrices.h"
 #include "host/terminal/PriceFileLoader.h"
 #include "host/terminal/ReplayFeed.h"
 #include "host/terminal/Terminal.h"
@@ -27,6 +30,7 @@ Workspace::Contents Terminal::choices() const {
     c.replaySpeed = replay_->speed();
     c.mainGeometry = window()->saveGeometry();
     c.docks = window()->saveState(Workspace::kDocksVersion);
+    c.latestPrices = latest_->enabled();
     return c;
 }
 
@@ -39,6 +43,10 @@ void Terminal::restoreMainWindow(const Workspace::Contents& contents) {
     if (options_.sizeGiven) main->resize(options_.size);
     if (!contents.docks.isEmpty() && !main->restoreState(contents.docks, Workspace::kDocksVersion))
         showMessage(tr("Workspace: the panels' saved arrangement was not readable; kept as it is."));
+    // The workspace's options and blotter come with its windows.
+    latest_->setEnabled(contents.latestPrices);
+    if (QAction* latest = action(QStringLiteral("latestPrices"))) latest->setChecked(contents.latestPrices);
+    emulator_.dealing().setBlotter(contents.trades);
 }
 
 bool Terminal::saveWorkspace(const QString& path) {

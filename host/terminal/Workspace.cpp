@@ -16,6 +16,7 @@
 #include "host/LineStudies.h"
 #include "host/MainWindowService.h"
 #include "host/WorkDataStore.h"
+#include "host/terminal/BlotterRecords.h"
 #include "host/data/Instrument.h"
 #include "host/terminal/WindowSettings.h"
 #include "host/workdata/WorkTree.h"
@@ -81,6 +82,8 @@ bool Workspace::read(WorkDataStore& store, const QString& path, Contents* conten
     if (number(*top, "ReplaySpeed", 1, 1000000, &value)) c.replaySpeed = int(value);
     c.mainGeometry = base64(*top, "MainGeometry");
     c.docks = base64(*top, "Docks");
+    c.latestPrices = attribute(*top, "LatestPrices") != QLatin1String("0");
+    c.trades = BlotterRecords::read(*top, skipped);
     for (const auto& child : top->children) {
         const workdata::Node& n = *child;
         if (n.name == QLatin1String("Instrument")) {
@@ -148,6 +151,7 @@ bool Workspace::write(Emulator& emulator, const QString& path, const Contents& c
     store.setAttribute(root, QStringLiteral("Language"), choices.language);
     store.setAttribute(root, QStringLiteral("PriceType"), QString::number(choices.priceType));
     store.setAttribute(root, QStringLiteral("ReplaySpeed"), QString::number(choices.replaySpeed));
+    store.setAttribute(root, QStringLiteral("LatestPrices"), choices.latestPrices ? QStringLiteral("1") : QStringLiteral("0"));
     if (!choices.mainGeometry.isEmpty())
         store.setAttribute(root, QStringLiteral("MainGeometry"), QString::fromLatin1(choices.mainGeometry.toBase64()));
     if (!choices.docks.isEmpty())
@@ -191,6 +195,8 @@ bool Workspace::write(Emulator& emulator, const QString& path, const Contents& c
             return fail(error, QStringLiteral("%1: window \"%2\": %3").arg(path, charts.title(widget), why));
         saveWindowSettings(emulator, widget, node);
     }
+    if (!BlotterRecords::write(store, root, emulator.dealing().blotter()))
+        return fail(error, QStringLiteral("%1: the blotter could not be written").arg(path));
     return store.save(root, error);
 }
 

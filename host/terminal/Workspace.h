@@ -2,7 +2,7 @@
 // the instruments the windows show (with how far their replay has gone) and the terminal's
 // choices, in one work-data document:
 //
-//   <Workspace Version="1" Language="English" PriceType="0" ReplaySpeed="100"
+//   <Workspace Version="1" Language="English" PriceType="0" ReplaySpeed="100" LatestPrices="1"
 //              MainGeometry="AdnQywAD…" Docks="AAAA/wAA…">
 //     <Instrument Name="USDCHF" Source="" Live="60497"/>   (an example: found by name)
 //     <Instrument Name="EURUSD" Source="/data/eurusd.csv" Live="1200"/>
@@ -11,6 +11,7 @@
 //       <Chart …/> <Study …/>              the terminal's settings of its charts and studies
 //                                          (WindowSettings.h)
 //     </Window>
+//     <Blotter> <Trade …/> … </Blotter>  every deal and order booked (BlotterRecords.h)
 //   </Workspace>
 //
 // Windows are kept bottom first, so that opening them in order stacks them as they were.
@@ -27,6 +28,7 @@
 #include <QStringList>
 #include <vector>
 
+#include "host/DealingService.h"
 #include "host/data/ChartType.h"
 
 namespace host {
@@ -57,8 +59,10 @@ public:
         int replaySpeed = 0; // quotes per second; 0: not said
         QByteArray mainGeometry;  // QMainWindow::saveGeometry; empty: not said or not readable
         QByteArray docks;         // QMainWindow::saveState; the same
+        bool latestPrices = true;  // Options > Show the latest prices in new charts
         std::vector<Instrument> instruments;
         std::vector<Window> windows;
+        std::vector<DealingService::Trade> trades;  // the blotter (BlotterRecords.h)
     };
 
     static const char* rootName() { return "Workspace"; }

@@ -320,7 +320,7 @@ TEST(CsvPriceReader, PrecisionPeriodAndLayoutComeFromTheFile) {
 TEST(CsvPriceReader, BrokenFilesAreRefusedWithTheReason) {
     const std::pair<const char*, const char*> cases[] = {
         {"", "empty file"},
-        {"time,open\n1,2\n", "the header needs the columns time and close"},
+        {"time,open\n1,2\n", "the header needs a time column (time, or date, datetime or timestamp) and a close column"},
         {"time,close\n1,abc\n", "line 2: bad close"},
         {"time,close\n1,1.5\n2\n", "line 3: bad close"},
         {"time,close\n5,1\n4,1\n", "line 3: time goes backwards"},
@@ -334,6 +334,56 @@ TEST(CsvPriceReader, BrokenFilesAreRefusedWithTheReason) {
     std::string error;
     EXPECT_EQ(host::data::CsvPriceReader::readFile("/nonexistent/prices.csv", "", &error), nullptr);
     EXPECT_NE(error.find("cannot open"), std::string::npos);
+}
+
+// Broker exports: ISO dates with or without a time, a separate time column, semicolons with
+// decimal commas, tabs, quoted fields, Windows line ends, a byte order mark.
+TEST(CsvPriceReader, BrokerLayoutsGiveTheSameQuotes) {
+    const char* const files[] = {
+        "Date,Open,High,Low,Close\n2024-01-02,0.8412,0.8450,0.8400,0.8431\n2024-01-03,0.8431,0.8460,0.8420,0.8455\n",
+        "\xEF\xBB\xBF\"DATE\";\"OPEN\";\"HIGH\";\"LOW\";\"CLOSE\";\"VOLUME\"\r\n"
+        "2024-01-02;0,8412;0,8450;0,8400;0,8431;1200\r\n2024-01-03;0,8431;0,8460;0,8420;0,8455;900\r\n",
+        "datetime\topen\thigh\tlow\tclose\n2024-01-02T00:00:00Z\t0.8412\t0.845\t0.84\t0.8431\n"
+        "2024-01-03 00:00\t0.8431\t0.846\t0.842\t0.8455\n",
+        "<DATE>,<TIME>,<OPEN>,<HIGH>,<LOW>,<CLOSE>\n2024.01.02,00:00,0.8412,0.8450,0.8400,0.8431\n"
+        "2024.01.03,00:00:00,0.8431,0.8460,0.8420,0.8455\n",
+        "Timestamp,Close,Open,Low,High\n1704153600,0.8431,0.8412,0.8400,0.8450\n2024-01-03T02:00+02:00,0.8455,0.8431,0.8420,0.8460\n"};
+    for (const char* text : files) {
+        std::string error;
+        auto i = Read(text, &error);
+        ASSERT_NE(i, nullptr) << text << ": " << error;
+        ASSERT_EQ(i->quotes().size(), 2u) << text;
+        EXPECT_TRUE(i->hasOhlc());
+        EXPECT_EQ(std::make_pair(i->precision(), char(i->period().type)), std::make_pair(4, 'D')) << text;
+        const auto& q = i->quotes()[0];
+        EXPECT_EQ(std::make_tuple(q.time, q.open, q.high, q.low, q.close), std::make_tuple(1704153600, 0.8412, 0.845, 0.84, 0.8431))
+            << text;
+        EXPECT_EQ(i->quotes()[1].time, 1704153600 + 86400) << text;
+    }
+    // A date with a separate time column, half-hourly; only closes.
+    auto intraday = Read("date;time;close\n2024-02-29;23:30;1,5\n2024-03-01;00:00;1,25\n");
+    ASSERT_NE(intraday, nullptr);
+    EXPECT_EQ(intraday->quotes()[0].time, 1709249400);
+    EXPECT_EQ(std::make_pair(char(intraday->period().type), int(intraday->period().length)), std::make_pair('I', 30));
+    EXPECT_EQ(intraday->quotes()[1].close, 1.25);
+}
+
+TEST(CsvPriceReader, BrokerFilesThatCannotBeReadSayWhere) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"Date,Close\n2024-01-02,1.5\n2024-02-30,1.6\n", "line 3: bad date"},
+        {"Date,Close\n2024-01-02,1.5\n02/01/2024,1.6\n", "line 3: bad date"},
+        {"Date,Time,Close\n2024-01-02,10:00,1.5\n2024-01-02,25:00,1.6\n", "line 3: bad time"},
+        {"Date,Time,Close\n2024-01-02,10:00,1.5\n2024-01-02\n", "line 3: bad time"},
+        {"Date;Close\n2024-01-02;1,5\n2024-01-03;1,5x\n", "line 3: bad close"},
+        {"Date,Open,High,Low,Close\n2024-01-02,1,2,,1.5\n", "line 2: bad low"},
+        {"Date,Close\n1969-12-31,1.5\n", "line 2: time out of range"},
+        {"Date,Close\n2024-01-03,1.5\n2024-01-02,1.5\n", "line 3: time goes backwards"},
+        {"Day,Price\n2024-01-02,1.5\n", "the header needs a time column (time, or date, datetime or timestamp) and a close column"}};
+    for (const auto& c : cases) {
+        std::string error;
+        EXPECT_EQ(Read(c.first, &error), nullptr) << c.first;
+        EXPECT_EQ(error, c.second) << c.first;
+    }
 }
 
 TEST(CsvPriceReader, NamesAndPeriods) {

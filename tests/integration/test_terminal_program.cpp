@@ -4,6 +4,7 @@
 // without --workspace the user's default workspace is kept (here in a temporary config folder).
 #include <gtest/gtest.h>
 
+#include <QDate>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -96,6 +97,32 @@ TEST_F(TerminalProgram, ScreenshotOfAPriceFileAndTheExampleWorkspaceThenSavedOnQ
     EXPECT_TRUE(Read(workspace).contains("Docks=\""));
     // The user's default workspace is left alone when one is named.
     EXPECT_FALSE(QFileInfo::exists(config));
+}
+
+// The replay holds back the last quotes of a file: 2000 at most, never more than a quarter of
+// the file, unless --hold-back says how many (one quote stays for the charts).
+TEST_F(TerminalProgram, TheReplayHoldsBackAQuarterOfAFileUnlessToldOtherwise) {
+    const QString csv = Path("eurusd.csv");
+    {
+        QFile f(csv);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("Date,Close\n");
+        const QDate first(2020, 1, 1);
+        for (int d = 0; d < 80; ++d) f.write(first.addDays(d).toString(Qt::ISODate).toLatin1() + ",1.1" + QByteArray::number(d % 10) + "\n");
+    }
+    const std::pair<QStringList, const char*> cases[] = {
+        {QStringList(), "Live=\"60\""},
+        {QStringList{QStringLiteral("--hold-back"), QStringLiteral("50")}, "Live=\"30\""},
+        {QStringList{QStringLiteral("--hold-back"), QStringLiteral("500")}, "Live=\"1\""}};
+    for (const auto& c : cases) {
+        const QString workspace = Path("held.xml");
+        QFile::remove(workspace);
+        const Result r = Run(QStringList{csv, QStringLiteral("--no-examples"), QStringLiteral("--workspace"), workspace,
+                                         QStringLiteral("--screenshot"), Path("held.png"), QStringLiteral("--quit")} +
+                             c.first);
+        ASSERT_EQ(r.status, 0) << r.err.toStdString();
+        EXPECT_TRUE(Read(workspace).contains(c.second)) << c.first.join(' ').toStdString() << ": " << Read(workspace).left(600).toStdString();
+    }
 }
 
 TEST_F(TerminalProgram, BrokenAndMissingWorkspacesAreSaidAndTheTerminalStarts) {

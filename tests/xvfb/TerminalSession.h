@@ -27,6 +27,7 @@
 #include "host/MainWindowService.h"
 #include "host/data/ChartObject.h"
 #include "host/terminal/InstrumentPanel.h"
+#include "host/terminal/LatestPrices.h"
 #include "host/terminal/Terminal.h"
 
 using host::data::ChartType;
@@ -92,7 +93,10 @@ protected:
         if (!panel->select(name)) return false;
         std::unique_ptr<QMimeData> mime(panel->model()->mimeData(panel->selectionModel()->selectedIndexes()));
         QWidget* chart = Charts().chartWidget(widget);
-        return mime && chart && Charts().dragDrop(widget, mime.get(), chart->rect().center());
+        if (!mime || !chart || !Charts().dragDrop(widget, mime.get(), chart->rect().center())) return false;
+        // A new window, once filled, is scrolled to its newest figures (Options > Show the
+        // latest prices in new charts).
+        return QTest::qWaitFor([this, widget] { return !terminal->latestPrices().watching(widget); }, 5000);
     }
     // Every chart window in the order the window area stacks them, with its picture.
     // The chart windows' pictures in stacking order, once they have settled: posted resizes

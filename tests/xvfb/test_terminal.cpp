@@ -5,13 +5,18 @@
 // Then what a careless person feeds it: broken price files and workspaces.
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QDialog>
 #include <QDockWidget>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
 #include <QListWidget>
+#include <QMenuBar>
+#include <QTableWidget>
+#include <QToolBar>
 #include <QMainWindow>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -21,6 +26,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <algorithm>
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -35,10 +42,13 @@
 #include "host/UndoStack.h"
 #include "host/data/ChartObject.h"
 #include "host/data/Instrument.h"
+#include "host/ls/StudyGeometry.h"
 #include "host/terminal/AccountsPanel.h"
 #include "host/terminal/BlotterPanel.h"
 #include "host/terminal/InstrumentPanel.h"
 #include "host/terminal/JournalPanel.h"
+#include "host/terminal/KeysDialog.h"
+#include "host/terminal/LatestPrices.h"
 #include "host/terminal/ReplayFeed.h"
 #include "host/terminal/Terminal.h"
 #include "host/terminal/Workspace.h"
@@ -109,16 +119,27 @@ TEST_F(TerminalSession, ChartsGrowUndoTradeAndComeBackFromTheWorkspace) {
     ASSERT_TRUE(terminal->undo());
     EXPECT_EQ(Charts().closeButtons(pf).size(), 1u);
 
-    // A deal from the Renko window's context menu lands in the blotter.
+    // A deal from the Renko window's context menu opens the ticket, modal; bought there, it
+    // lands in the blotter with the account's name.
     void* renko = Charts().widgets()[1];
     const QPoint middle = Charts().chartWidget(renko)->rect().center();
     ASSERT_TRUE(Charts().chooseFromContextMenu(
         renko, middle, {emulator->moduleText("PF0019"), emulator->moduleText("Tr0038Deal")}, &error))
         << error;
+    QDialog* ticket = nullptr;
+    ASSERT_TRUE(QTest::qWaitFor([&ticket] { return (ticket = qobject_cast<QDialog*>(QApplication::activeModalWidget())) != nullptr; }, 5000))
+        << terminal->messages().join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(ticket->objectName(), QStringLiteral("tradeTicket"));
+    EXPECT_TRUE(terminal->blotter()->rowCount() == 0);
+    ticket->findChild<QAbstractButton*>(QStringLiteral("buy"))->click();
+    ticket->findChild<QAbstractButton*>(QStringLiteral("book"))->click();
     QTest::qWait(300);
     ASSERT_EQ(terminal->blotter()->rowCount(), 1);
-    EXPECT_EQ(terminal->blotter()->item(0, 1)->text(), QStringLiteral("USDCHF"));
-    EXPECT_EQ(terminal->blotter()->item(0, 3)->text(), QStringLiteral("deal"));
+    using B = host::terminal::BlotterPanel;
+    EXPECT_EQ(terminal->blotter()->item(0, B::kInstrument)->text(), QStringLiteral("USDCHF"));
+    EXPECT_EQ(terminal->blotter()->item(0, B::kKind)->text(), QStringLiteral("deal"));
+    EXPECT_EQ(terminal->blotter()->item(0, B::kSide)->text(), QStringLiteral("buy"));
+    EXPECT_EQ(terminal->blotter()->item(0, B::kAccount)->text(), QStringLiteral("Demo account"));
 
     // The main window made smaller and moved, and a panel closed: all come back with the
     // workspace. (Qt keeps a restored window's title bar on the screen: a place below its
@@ -139,6 +160,7 @@ TEST_F(TerminalSession, ChartsGrowUndoTradeAndComeBackFromTheWorkspace) {
     ASSERT_TRUE(QFile::exists(workspace));
 
     Open(workspace);
+    EXPECT_EQ(terminal->blotter()->rowCount(), 1);  // the blotter is the workspace's
     EXPECT_EQ(terminal->window()->size(), mainSize);
     EXPECT_EQ(terminal->window()->pos(), mainPlace);
     EXPECT_FALSE(terminal->window()->findChild<QDockWidget*>(QStringLiteral("accountsDock"))->isVisible());
@@ -237,6 +259,86 @@ TEST_F(TerminalSession, PanelsAndMenusReachTheModule) {
     terminal->setLanguage(QStringLiteral("Chinese (Simplified)"));
     ASSERT_TRUE(terminal->saveWorkspace());
     EXPECT_EQ(host::terminal::Workspace::languageOf(workspace), QStringLiteral("Chinese (Simplified)"));
+}
+
+// Finding one's way: every shortcut of the terminal is in the keys table and none is taken
+// twice (Qt runs neither of two actions that share one); the study tools have shortcuts and
+// a tool bar; a tool's hint stays until the study is placed or cancelled with Escape.
+TEST_F(TerminalSession, KeysTableShortcutsAndStudyHints) {
+    Open(workspace);
+    void* pf = terminal->newChart(ChartType::PointAndFigure);
+    ASSERT_TRUE(DragInstrument(pf, QStringLiteral("USDCHF")));
+
+    std::map<QString, QString> owner;
+    const std::vector<host::terminal::KeysDialog::Row> rows = host::terminal::KeysDialog::rows(terminal->window()->menuBar());
+    std::vector<QAction*> actions;
+    std::function<void(const QList<QAction*>&)> collect = [&](const QList<QAction*>& list) {
+        for (QAction* a : list) {
+            actions.push_back(a);
+            if (a->menu()) collect(a->menu()->actions());
+        }
+    };
+    collect(terminal->window()->menuBar()->actions());
+    for (QAction* a : actions) {
+        for (const QKeySequence& k : a->shortcuts()) {
+            const QString key = k.toString(QKeySequence::NativeText);
+            EXPECT_TRUE(owner.insert({key, a->text()}).second) << key.toStdString() << ": " << a->text().toStdString()
+                                                               << " and " << owner[key].toStdString();
+            EXPECT_TRUE(std::any_of(rows.begin(), rows.end(), [&key](const host::terminal::KeysDialog::Row& r) {
+                return r.keys.split(QStringLiteral(", ")).contains(key);
+            })) << key.toStdString() << " is not in the keys table";
+        }
+    }
+    // One shortcut per study tool, all on the Studies tool bar.
+    QToolBar* studyBar = terminal->window()->findChild<QToolBar*>(QStringLiteral("studyToolBar"));
+    ASSERT_NE(studyBar, nullptr);
+    for (const std::string& name : host::ls::studyNames()) {
+        QAction* tool = terminal->action(QStringLiteral("study:") + QString::fromStdString(name));
+        ASSERT_NE(tool, nullptr) << name;
+        EXPECT_FALSE(tool->shortcut().isEmpty()) << name;
+        EXPECT_TRUE(studyBar->actions().contains(tool)) << name;
+    }
+    QDialog* keys = terminal->showKeys();
+    ASSERT_NE(keys, nullptr);
+    EXPECT_EQ(keys->findChild<QTableWidget*>(QStringLiteral("keysTable"))->rowCount(), int(rows.size()));
+    keys->close();
+
+    // The trend line's tool by its shortcut: the hint says what to do until the second click
+    // places the line, then goes.
+    QLabel* message = terminal->window()->findChild<QLabel*>(QStringLiteral("terminalMessage"));
+    QWidget* chart = Charts().chartWidget(pf);
+    terminal->window()->activateWindow();
+    chart->setFocus();
+    QTest::keyClick(chart, Qt::Key_T, Qt::AltModifier | Qt::ShiftModifier);
+    EXPECT_EQ(emulator->studies().tool(), "Line");
+    EXPECT_TRUE(message->text().contains(QLatin1String("2 points of the Trend line"))) << message->text().toStdString();
+    const QPoint at = chart->rect().center();
+    for (const QPoint& p : {at - QPoint(60, 20), at + QPoint(60, 20)}) {
+        QTest::mouseMove(chart, p);
+        QTest::mouseClick(chart, Qt::LeftButton, Qt::NoModifier, p);
+        EXPECT_FALSE(message->text().isEmpty());  // the first click leaves the hint up
+        QTest::qWait(50);
+    }
+    ASSERT_TRUE(QTest::qWaitFor([this] { return emulator->studies().tool().empty(); }, 3000));
+    QTest::qWait(300);
+    EXPECT_EQ(emulator->studies().ids().size(), 1u);
+    EXPECT_TRUE(message->text().isEmpty()) << message->text().toStdString();
+
+    // Chosen from the tool bar, cancelled with Escape on the chart: the tool and the hint go.
+    studyBar->widgetForAction(terminal->action(QStringLiteral("study:HLine")))->setFocus();
+    QTest::mouseClick(studyBar->widgetForAction(terminal->action(QStringLiteral("study:HLine"))), Qt::LeftButton);
+    EXPECT_EQ(emulator->studies().tool(), "HLine");
+    EXPECT_TRUE(message->text().contains(QLatin1String("Horizontal line")));
+    QTest::keyClick(chart, Qt::Key_Escape);
+    EXPECT_TRUE(emulator->studies().tool().empty());
+    EXPECT_EQ(message->text(), QStringLiteral("Study cancelled."));
+    EXPECT_TRUE(terminal->action(QStringLiteral("toolPointer"))->isChecked() ||
+                QTest::qWaitFor([this] { return terminal->action(QStringLiteral("toolPointer"))->isChecked(); }, 1000));
+    EXPECT_EQ(emulator->studies().ids().size(), 1u);
+
+    // The window's own shortcuts do not take the terminal's: Ctrl+W on the chart closes it.
+    QTest::keyClick(chart, Qt::Key_W, Qt::ControlModifier);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return Charts().widgets().empty(); }, 2000));
 }
 
 // File > Open workspace while the terminal runs: an instrument it lacks is read in the

@@ -85,6 +85,13 @@ public:
     // Property requests (4511) and their 10041s, in order.
     const std::vector<std::int32_t>& propertyRequests() const { return properties_; }
     int beforeProperties() const { return before_; }
+    // Forgets the deleted ids, property requests and updates heard so far (a long run keeps
+    // its memory flat); live studies stay.
+    void forget() {
+        std::vector<std::int32_t>().swap(deleted_);
+        std::vector<std::int32_t>().swap(properties_);
+        std::vector<Update>().swap(updates_);
+    }
 
     // New settings for a study, as its property page would apply them; the chart hears of it
     // with 3073. False for an unknown id.

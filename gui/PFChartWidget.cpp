@@ -16,6 +16,7 @@
 #include "data/DataSource.h"
 #include "data/PointData.h"
 #include "data/ScaleEngine.h"
+#include "gui/Barrier.h"
 #include "gui/CSkin.h"
 #include "gui/TimeScrollBar.h"
 #include "gui/ToolBar.h"
@@ -68,13 +69,13 @@ PFChartWidget::PFChartWidget(PFChartModule* module, int chartType, void* hostHan
     setFocusPolicy(Qt::StrongFocus);
     setAcceptDrops(true);
     setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(this, SIGNAL(customContextMenuRequested(QPoint)), this, SLOT(OnCustomContextMenuRequested(QPoint)));
-    toolBar_ = new pf::gui::ToolBar(this);
+    pf::gui::ConnectGuarded(this, &QWidget::customContextMenuRequested, this, &PFChartWidget::OnCustomContextMenuRequested);
+    toolBar_ = new pf::gui::Guarded<pf::gui::ToolBar>(this);
     chart_.reset(new gx::Chart(this, ChartRect()));
     leftScale_.reset(new gx::LRScale(this));
     rightScale_.reset(new gx::LRScale(this));
     grid_.reset(new gx::Grid);
-    scrollBar_.reset(new CTimeScrollBar(this));
+    scrollBar_.reset(new pf::gui::Guarded<CTimeScrollBar>(this));
     scaleWidth_ = gx::LRScale::nWidth;
     ApplySkin(true);
     getStartParam();

@@ -218,6 +218,12 @@ public:
     // re-stacks the areas, rebuilds the title and repaints.
     void AfterDelete();
 
+    // After an exception ended one of the window's event handlers or slots (the module's
+    // barrier caught it): the half-done action is dropped so that the next event works. The
+    // zoom selection ends, a pending move step is forgotten, studies the host gave up on
+    // (detached by a failed request) leave their lines, and the window repaints.
+    void AbandonAction();
+
     // Paints the window; returns at once while busy, and while repaint is suspended
     // unless forced.
     void Draw(QPainter& painter, bool force);
@@ -285,7 +291,7 @@ public:
     boost::shared_ptr<gx::Area> GetCurrentArea() const { return currentArea_; }
     const QString& GetTitle() const { return title_; }
 
-public slots:
+    // ---- context menu entries and signals (connected through the module's barrier) ----
     void OnCustomContextMenuRequested(const QPoint& point);
     void OnHovered(QAction* action);
     void TradeDeal();

@@ -14,7 +14,6 @@
 #include "abi/messages.h"
 #include "abi/records/interface_records.h"
 #include "abi/records/workdata_records.h"
-#include "gui/GuardedSlot.h"
 #include "gui/PFChartWidget.h"
 #include "gui/ToolBar.h"
 #include "gx/Area.h"
@@ -37,78 +36,72 @@ void AcceptInstrumentDrag(QDragMoveEvent* event) {
 
 }  // namespace
 
-void PFChartWidget::dragEnterEvent(QDragEnterEvent* event) {
-    pf::gui::RunGuarded("dragEnterEvent", [&] { AcceptInstrumentDrag(event); });
-}
+void PFChartWidget::dragEnterEvent(QDragEnterEvent* event) { AcceptInstrumentDrag(event); }
 
-void PFChartWidget::dragMoveEvent(QDragMoveEvent* event) {
-    pf::gui::RunGuarded("dragMoveEvent", [&] { AcceptInstrumentDrag(event); });
-}
+void PFChartWidget::dragMoveEvent(QDragMoveEvent* event) { AcceptInstrumentDrag(event); }
 
 void PFChartWidget::dropEvent(QDropEvent* event) {
-    pf::gui::RunGuarded("dropEvent", [&] {
-        const QMimeData* data = event->mimeData();
-        QString type;
-        unsigned int message = 0;
-        if (gx::MimeData::Provides(data, kSymbolIndicatorType)) {
-            type = kSymbolIndicatorType;
-            message = MSG_DESCRIBE_DRAG;
-        } else if (gx::MimeData::Provides(data, kPrimitiveType)) {
-            type = kPrimitiveType;
-            message = MSG_DESCRIBE_PRIMITIVE;
-        } else {
-            event->ignore();
-            return;
-        }
-        setFocus(Qt::OtherFocusReason);
-        if (!module_ || !module_->sendToHost) {
-            event->ignore();
-            return;
-        }
+    const QMimeData* data = event->mimeData();
+    QString type;
+    unsigned int message = 0;
+    if (gx::MimeData::Provides(data, kSymbolIndicatorType)) {
+        type = kSymbolIndicatorType;
+        message = MSG_DESCRIBE_DRAG;
+    } else if (gx::MimeData::Provides(data, kPrimitiveType)) {
+        type = kPrimitiveType;
+        message = MSG_DESCRIBE_PRIMITIVE;
+    } else {
+        event->ignore();
+        return;
+    }
+    setFocus(Qt::OtherFocusReason);
+    if (!module_ || !module_->sendToHost) {
+        event->ignore();
+        return;
+    }
 
-        // The host reads its drag data and fills in the instrument it names.
-        const QByteArray bytes = data->data(type);
-        coreDragData drag;
-        drag.bytes = bytes.constData();
-        drag.length = bytes.size();
-        fxwcDropInstrument record;
-        std::memset(&record, 0, sizeof record);
-        if (module_->sendToHost(module_->hostHandle, message, reinterpret_cast<std::intptr_t>(&drag),
-                                reinterpret_cast<std::intptr_t>(&record)) != 0) {
-            event->ignore();
-            return;
-        }
-        // The texts are the host's: cut at their field's end whether terminated or not.
-        record.symbol[sizeof record.symbol - 1] = 0;
-        record.providerName[sizeof record.providerName - 1] = 0;
-        record.instrumentType[sizeof record.instrumentType - 1] = 0;
-        if (type == kPrimitiveType && std::strcmp(record.instrumentType, LS_PRIMITIVE_KIND) == 0) {
-            // A line study: made at the drop point with every point there.
-            void* const provider = record.baseHandle;
-            const std::int32_t color = record.style;
-            event->acceptProposedAction();
-            StartLineStudy(event->pos(), provider, QString::fromLocal8Bit(record.symbol),
-                           static_cast<std::uint32_t>(color), true);
-            repaint();
-            return;
-        }
-        void* const baseHandle = record.baseHandle;  // packed: fields are read by value
-        coreHeadNodeInfo head;
-        std::memset(&head, 0, sizeof head);
-        module_->sendToHost(module_->hostHandle, MSG_HEAD_NODE_INFO, reinterpret_cast<std::intptr_t>(baseHandle),
-                            reinterpret_cast<std::intptr_t>(&head));
+    // The host reads its drag data and fills in the instrument it names.
+    const QByteArray bytes = data->data(type);
+    coreDragData drag;
+    drag.bytes = bytes.constData();
+    drag.length = bytes.size();
+    fxwcDropInstrument record;
+    std::memset(&record, 0, sizeof record);
+    if (module_->sendToHost(module_->hostHandle, message, reinterpret_cast<std::intptr_t>(&drag),
+                            reinterpret_cast<std::intptr_t>(&record)) != 0) {
+        event->ignore();
+        return;
+    }
+    // The texts are the host's: cut at their field's end whether terminated or not.
+    record.symbol[sizeof record.symbol - 1] = 0;
+    record.providerName[sizeof record.providerName - 1] = 0;
+    record.instrumentType[sizeof record.instrumentType - 1] = 0;
+    if (type == kPrimitiveType && std::strcmp(record.instrumentType, LS_PRIMITIVE_KIND) == 0) {
+        // A line study: made at the drop point with every point there.
+        void* const provider = record.baseHandle;
+        const std::int32_t color = record.style;
         event->acceptProposedAction();
-
-        // The question runs an event loop of its own, in which the host may close the window.
-        const QPointer<PFChartWidget> self(this);
-        const bool add = IsReplaceInstrument();
-        if (!self) return;
-        if (add)
-            AddSecondaryPrimitive(baseHandle, record.symbol, record.providerName, record.periodType,
-                                  record.periodLength, record.startTime, &head, record.style);
-        toolBar_->ResetStateButtonList(false);
+        StartLineStudy(event->pos(), provider, QString::fromLocal8Bit(record.symbol),
+                       static_cast<std::uint32_t>(color), true);
         repaint();
-    });
+        return;
+    }
+    void* const baseHandle = record.baseHandle;  // packed: fields are read by value
+    coreHeadNodeInfo head;
+    std::memset(&head, 0, sizeof head);
+    module_->sendToHost(module_->hostHandle, MSG_HEAD_NODE_INFO, reinterpret_cast<std::intptr_t>(baseHandle),
+                        reinterpret_cast<std::intptr_t>(&head));
+    event->acceptProposedAction();
+
+    // The question runs an event loop of its own, in which the host may close the window.
+    const QPointer<PFChartWidget> self(this);
+    const bool add = IsReplaceInstrument();
+    if (!self) return;
+    if (add)
+        AddSecondaryPrimitive(baseHandle, record.symbol, record.providerName, record.periodType,
+                              record.periodLength, record.startTime, &head, record.style);
+    toolBar_->ResetStateButtonList(false);
+    repaint();
 }
 
 bool PFChartWidget::IsReplaceInstrument() {

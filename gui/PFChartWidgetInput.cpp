@@ -175,6 +175,17 @@ bool PFChartWidget::event(QEvent* event) {
     return true;
 }
 
+void PFChartWidget::AbandonAction() {
+    UnStartSelectPF();
+    zoomRecording_ = false;
+    pendingUndo_.reset();
+    const gx::FindLsByState all = gx::WidgetWalker<gx::FindLsByState>(chart_.get(), gx::FindLsByState(~0)).Walk();
+    for (const boost::shared_ptr<gx::LineStudy>& study : all.studies)
+        if (study->IsDetached() && study->GetLine()) study->GetLine()->DeleteLineStudy(study.get());
+    SetCursor();
+    update();
+}
+
 // ---- zoom by selection ----
 
 void PFChartWidget::StartSelectedPF(const QMouseEvent& event) {

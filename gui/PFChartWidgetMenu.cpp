@@ -19,7 +19,7 @@
 #include "data/DataSource.h"
 #include "data/ScaleEngine.h"
 #include "gui/CSkin.h"
-#include "gui/GuardedSlot.h"
+#include "gui/Barrier.h"
 #include "gui/PFChartWidget.h"
 #include "gui/ToolBar.h"
 #include "gx/Area.h"
@@ -50,9 +50,10 @@ void AddTradeActions(QMenu* menu, PFChartWidget* widget, const PFChartModule* mo
     const CSkin* skin = widget->GetSkin();
     const QIcon deal = skin && !skin->GetDealIcon().isNull() ? QIcon(QPixmap::fromImage(skin->GetDealIcon()))
                                                              : QIcon(QStringLiteral(":/b_g_deal.png"));
-    menu->addAction(deal, Text(module, "Tr0038Deal"), widget, SLOT(TradeDeal()));
-    menu->addAction(QIcon(QStringLiteral(":/b_g_order.png")), Text(module, "Tr0131SetOrdr"), widget,
-                    SLOT(TradeOrder()));
+    pf::gui::ConnectGuarded(menu->addAction(deal, Text(module, "Tr0038Deal")), &QAction::triggered, widget,
+                            &PFChartWidget::TradeDeal);
+    pf::gui::ConnectGuarded(menu->addAction(QIcon(QStringLiteral(":/b_g_order.png")), Text(module, "Tr0131SetOrdr")),
+                            &QAction::triggered, widget, &PFChartWidget::TradeOrder);
 }
 
 // The line a trade at `point` is for: the first line whose figure lies under the point;
@@ -125,9 +126,7 @@ void SendTrade(PFChartModule* module, unsigned int message, const QString& instr
 
 }  // namespace
 
-void PFChartWidget::OnCustomContextMenuRequested(const QPoint& point) {
-    pf::gui::RunGuarded("OnCustomContextMenuRequested", [&] { ShowPopupMenu(point); });
-}
+void PFChartWidget::OnCustomContextMenuRequested(const QPoint& point) { ShowPopupMenu(point); }
 
 void PFChartWidget::ShowPopupMenu(const QPoint& point) {
     if (chart_->GetAreas().empty()) return;
@@ -145,7 +144,7 @@ void PFChartWidget::ShowPopupMenu(const QPoint& point) {
     if (!entries.empty()) {
         QMenu* trade = new QMenu(Text(module_, "PF0019"), areaMenu_.get());
         trade->setIcon(QIcon(QStringLiteral(":/currency.png")));
-        connect(trade, SIGNAL(hovered(QAction*)), this, SLOT(OnHovered(QAction*)));
+        pf::gui::ConnectGuarded(trade, &QMenu::hovered, this, &PFChartWidget::OnHovered);
         if (entries.size() == 1) {
             tradeAccountMode_ = OneAccount;
             AddTradeActions(trade, this, module_);
@@ -155,7 +154,7 @@ void PFChartWidget::ShowPopupMenu(const QPoint& point) {
                 QMenu* sub = trade->addMenu(account->GetAccountName());
                 // The account's own menu reports its hovers too, so that the account is
                 // known however the action was reached.
-                connect(sub, SIGNAL(hovered(QAction*)), this, SLOT(OnHovered(QAction*)));
+                pf::gui::ConnectGuarded(sub, &QMenu::hovered, this, &PFChartWidget::OnHovered);
                 AddTradeActions(sub, this, module_);
             }
         }
@@ -173,8 +172,10 @@ void PFChartWidget::ShowPopupMenu(const QPoint& point) {
         m.menu->setTitle(Text(module_, m.key));
         areaMenu_->addMenu(m.menu.get());
     }
-    areaMenu_->addAction(QIcon(QStringLiteral(":/zm1.png")), Text(module_, "C0046ZoomIN"), this, SLOT(ZoomIn()));
-    areaMenu_->addAction(QIcon(QStringLiteral(":/zm2.png")), Text(module_, "PF0021"), this, SLOT(ZoomOut()));
+    pf::gui::ConnectGuarded(areaMenu_->addAction(QIcon(QStringLiteral(":/zm1.png")), Text(module_, "C0046ZoomIN")),
+                            &QAction::triggered, this, &PFChartWidget::ZoomIn);
+    pf::gui::ConnectGuarded(areaMenu_->addAction(QIcon(QStringLiteral(":/zm2.png")), Text(module_, "PF0021")),
+                            &QAction::triggered, this, &PFChartWidget::ZoomOut);
     areaMenu_->popup(mapToGlobal(point));
 }
 
@@ -188,52 +189,40 @@ void PFChartWidget::FillContextMenu() {
 QString PFChartWidget::GetTradeInstrument() const { return InstrumentOf(TradeLine(chart_.get(), menuPoint_)); }
 
 void PFChartWidget::OnHovered(QAction* action) {
-    pf::gui::RunGuarded("OnHovered", [&] {
-        if (!action) return;
-        // The menu that holds the action: an account's own menu under several accounts.
-        for (QWidget* holder : action->associatedWidgets())
-            if (const QMenu* menu = qobject_cast<const QMenu*>(holder)) {
-                lastHover_ = menu->title();
-                return;
-            }
-    });
+    if (!action) return;
+    // The menu that holds the action: an account's own menu under several accounts.
+    for (QWidget* holder : action->associatedWidgets())
+        if (const QMenu* menu = qobject_cast<const QMenu*>(holder)) {
+            lastHover_ = menu->title();
+            return;
+        }
 }
 
 void PFChartWidget::TradeDeal() {
-    pf::gui::RunGuarded("TradeDeal", [&] {
-        if (!module_) return;
-        const QString instrument = GetTradeInstrument();
-        SendTrade(module_, MSG_DEAL_DEAL, instrument,
-                  FindTradeAccount(module_->GetAccountList(), tradeAccountMode_, lastHover_), 0.0);
-    });
+    if (!module_) return;
+    const QString instrument = GetTradeInstrument();
+    SendTrade(module_, MSG_DEAL_DEAL, instrument,
+              FindTradeAccount(module_->GetAccountList(), tradeAccountMode_, lastHover_), 0.0);
 }
 
 void PFChartWidget::TradeOrder() {
-    pf::gui::RunGuarded("TradeOrder", [&] {
-        if (!module_) return;
-        const boost::shared_ptr<gx::Line> line = TradeLine(chart_.get(), menuPoint_);
-        if (!line || !line->GetEngine()) return;
-        // The order's price is the price at the row the menu was opened on.
-        const double price = line->GetEngine()->UnTranslateY(menuPoint_.y());
-        if (!std::isfinite(price)) return;  // the area has not been laid out yet
-        SendTrade(module_, MSG_DEAL_ORDER, InstrumentOf(line),
-                  FindTradeAccount(module_->GetAccountList(), tradeAccountMode_, lastHover_), price);
-    });
+    if (!module_) return;
+    const boost::shared_ptr<gx::Line> line = TradeLine(chart_.get(), menuPoint_);
+    if (!line || !line->GetEngine()) return;
+    // The order's price is the price at the row the menu was opened on.
+    const double price = line->GetEngine()->UnTranslateY(menuPoint_.y());
+    if (!std::isfinite(price)) return;  // the area has not been laid out yet
+    SendTrade(module_, MSG_DEAL_ORDER, InstrumentOf(line),
+              FindTradeAccount(module_->GetAccountList(), tradeAccountMode_, lastHover_), price);
 }
 
-void PFChartWidget::ZoomIn() {
-    pf::gui::RunGuarded("ZoomIn", [&] { toolBar_->OnBnClickedZoomIn(true); });
-}
+void PFChartWidget::ZoomIn() { toolBar_->OnBnClickedZoomIn(true); }
 
-void PFChartWidget::ZoomOut() {
-    pf::gui::RunGuarded("ZoomOut", [&] { toolBar_->OnBnClickedZoomOut(true); });
-}
+void PFChartWidget::ZoomOut() { toolBar_->OnBnClickedZoomOut(true); }
 
 void PFChartWidget::OnDelete() {
-    pf::gui::RunGuarded("OnDelete", [&] {
-        gx::WidgetWalker<gx::SetManualDeleteLS>(chart_.get(), gx::SetManualDeleteLS()).Walk();
-        RecordLineDelete();
-        gx::WidgetWalker2<gx::DeleteSelItems>(chart_.get(), gx::DeleteSelItems()).Walk();
-        AfterDelete();
-    });
+    gx::WidgetWalker<gx::SetManualDeleteLS>(chart_.get(), gx::SetManualDeleteLS()).Walk();
+    RecordLineDelete();
+    gx::WidgetWalker2<gx::DeleteSelItems>(chart_.get(), gx::DeleteSelItems()).Walk();
+    AfterDelete();
 }

@@ -12,7 +12,7 @@
 #include <memory>
 
 #include "data/ScaleEngine.h"
-#include "gui/GuardedSlot.h"
+#include "gui/Barrier.h"
 #include "gui/PFChartWidget.h"
 #include "gui/ToolBar.h"
 #include "gx/Area.h"
@@ -32,7 +32,7 @@ CTimeScrollBar::CTimeScrollBar(PFChartWidget* widget) : QAbstractSlider(widget),
     setOrientation(Qt::Horizontal);
     setFocusPolicy(Qt::NoFocus);
     setRange(0, 0);
-    connect(this, SIGNAL(valueChanged(int)), this, SLOT(OnValueChanged(int)));
+    pf::gui::ConnectGuarded(this, &QAbstractSlider::valueChanged, this, &CTimeScrollBar::OnValueChanged);
 }
 
 void CTimeScrollBar::SetQuietly(int minimum, int maximum, int value) {
@@ -50,14 +50,12 @@ void CTimeScrollBar::RefreshScreenDataPoints() {
 
 void CTimeScrollBar::OnValueChanged(int value) {
     if (quiet_ || !widget_ || !widget_->GetChart()) return;
-    pf::gui::RunGuarded("CTimeScrollBar::OnValueChanged", [&] {
-        for (const boost::shared_ptr<gx::Area>& area : widget_->GetChart()->GetAreas())
-            area->GetEngine()->SetFirstColumn(std::max(0, value));
-        RefreshScreenDataPoints();
-        widget_->UpdateTimeScale();
-        widget_->update();
-        if (widget_->GetModule()) widget_->GetModule()->SendMainAboutChange();
-    });
+    for (const boost::shared_ptr<gx::Area>& area : widget_->GetChart()->GetAreas())
+        area->GetEngine()->SetFirstColumn(std::max(0, value));
+    RefreshScreenDataPoints();
+    widget_->UpdateTimeScale();
+    widget_->update();
+    if (widget_->GetModule()) widget_->GetModule()->SendMainAboutChange();
 }
 
 void CTimeScrollBar::paintEvent(QPaintEvent*) {

@@ -31,7 +31,6 @@ public:
     // bar to the first area.
     void FromXml(CXMLWorkData* node);
 
-public slots:
     // Every area's first visible position becomes `value` (0 when negative); the time scale
     // follows, the window repaints and the main window hears "Scale changed".
     void OnValueChanged(int value);

@@ -11,7 +11,7 @@
 
 #include "data/ScaleEngine.h"
 #include "gui/CSkin.h"
-#include "gui/GuardedSlot.h"
+#include "gui/Barrier.h"
 #include "gui/PFChartWidget.h"
 #include "gui/TimeScrollBar.h"
 #include "gx/Area.h"
@@ -25,7 +25,7 @@ namespace gui {
 namespace {
 
 QToolButton* MakeButton(QWidget* parent, const QString& icon, const QString& tip) {
-    QToolButton* b = new QToolButton(parent);
+    QToolButton* b = new Guarded<QToolButton>(parent);
     b->setIcon(QIcon(icon));
     b->setToolTip(tip);
     b->setAutoRaise(true);
@@ -49,7 +49,7 @@ ToolBar::ToolBar(PFChartWidget* widget) : QWidget(widget), widget_(widget) {
     layout->setSpacing(2);
     zoomIn_ = MakeButton(this, QStringLiteral(":/zm1.png"), Tr(widget, "C0046ZoomIN"));
     zoomOut_ = MakeButton(this, QStringLiteral(":/zm2.png"), Tr(widget, "PF0021"));
-    slider_ = new QSlider(Qt::Horizontal, this);
+    slider_ = new Guarded<QSlider>(Qt::Horizontal, this);
     slider_->setToolTip(Tr(widget, "G0045Message"));
     slider_->setFocusPolicy(Qt::NoFocus);
     slider_->setMaximumWidth(160);
@@ -60,10 +60,10 @@ ToolBar::ToolBar(PFChartWidget* widget) : QWidget(widget), widget_(widget) {
     layout->addWidget(slider_);
     layout->addWidget(cross_);
     layout->addStretch(1);
-    connect(zoomIn_, SIGNAL(clicked()), this, SLOT(ZoomInClicked()));
-    connect(zoomOut_, SIGNAL(clicked()), this, SLOT(ZoomOutClicked()));
-    connect(slider_, SIGNAL(valueChanged(int)), this, SLOT(SliderMoved(int)));
-    connect(cross_, SIGNAL(clicked()), this, SLOT(CrossClicked()));
+    ConnectGuarded(zoomIn_, &QToolButton::clicked, this, &ToolBar::ZoomInClicked);
+    ConnectGuarded(zoomOut_, &QToolButton::clicked, this, &ToolBar::ZoomOutClicked);
+    ConnectGuarded(slider_, &QSlider::valueChanged, this, &ToolBar::OnChangeZoom);
+    ConnectGuarded(cross_, &QToolButton::clicked, this, &ToolBar::OnBnClickedCrossCursor);
 }
 
 ToolBar::~ToolBar() = default;
@@ -94,22 +94,12 @@ void ToolBar::ApplySkin(const CSkin& skin) {
     if (!skin.GetZoomOutIcon().isNull()) zoomOut_->setIcon(QIcon(QPixmap::fromImage(skin.GetZoomOutIcon())));
 }
 
-void ToolBar::ZoomInClicked() {
-    RunGuarded("ToolBar::ZoomInClicked", [&] { OnBnClickedZoomIn(true); });
-}
-void ToolBar::ZoomOutClicked() {
-    RunGuarded("ToolBar::ZoomOutClicked", [&] { OnBnClickedZoomOut(true); });
-}
-void ToolBar::SliderMoved(int value) {
-    RunGuarded("ToolBar::SliderMoved", [&] { OnChangeZoom(value); });
-}
-void ToolBar::CrossClicked() {
-    RunGuarded("ToolBar::CrossClicked", [&] { OnBnClickedCrossCursor(); });
-}
+void ToolBar::ZoomInClicked() { OnBnClickedZoomIn(true); }
+void ToolBar::ZoomOutClicked() { OnBnClickedZoomOut(true); }
 
 void ToolBar::RecordUndo(int zoomKind) {
     // Losing the undo step is better than losing the zoom the user asked for.
-    RunGuarded("ToolBar::RecordUndo", [&] { widget_->RecordScaleUndo(zoomKind); });
+    RunGuarded([&] { widget_->RecordScaleUndo(zoomKind); });
 }
 
 void ToolBar::SetScrollRange(int total, int visible, int first, bool setValue) {

@@ -55,13 +55,10 @@ public:
     QToolButton* GetZoomOutButton() const { return zoomOut_; }
     QToolButton* GetCrossCursorButton() const { return cross_; }
 
-private slots:
+private:
+    // The zoom buttons' clicks (connected through the module's barrier).
     void ZoomInClicked();
     void ZoomOutClicked();
-    void SliderMoved(int value);
-    void CrossClicked();
-
-private:
     // One scale undo step of `zoomKind`; a failure to record is logged and the zoom goes on.
     void RecordUndo(int zoomKind);
     // Scroll bar range after a zoom: 0 .. total - visible + free steps, value `first` (or

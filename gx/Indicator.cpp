@@ -1,9 +1,11 @@
 #include "gx/Indicator.h"
 
+#include <QAction>
 #include <QMenu>
 #include <QPainter>
 
 #include "data/DataSource.h"
+#include "gui/Barrier.h"
 #include "gui/PFChartWidget.h"
 #include "gx/Area.h"
 #include "gx/Chart.h"
@@ -115,20 +117,20 @@ QString Indicator::MakeCaptionIndicator() const {
 
 void Indicator::FillContextMenu() {
     if (Chart* chart = GetChart()) {
-        AddToMenu(chart->GetSelectMenu(), SLOT(OnSelectedIndicator()));
-        AddToMenu(chart->GetPropMenu(), SLOT(OnShowPropIndicator()));
-        AddToMenu(chart->GetDeleteMenu(), SLOT(OnDeleteIndicator()));
+        AddToMenu(chart->GetSelectMenu(), &Indicator::OnSelectedIndicator);
+        AddToMenu(chart->GetPropMenu(), &Indicator::OnShowPropIndicator);
+        AddToMenu(chart->GetDeleteMenu(), &Indicator::OnDeleteIndicator);
     }
     for (const boost::shared_ptr<Line>& line : std::vector<boost::shared_ptr<Line> >(lines_)) line->FillContextMenu();
 }
 
-void Indicator::AddToMenu(const boost::shared_ptr<QMenu>& menu, const char* slotName) const {
+void Indicator::AddToMenu(const boost::shared_ptr<QMenu>& menu, void (Indicator::*slot)()) {
     if (!menu || !source_) return;
     const namePeriod period = source_->GetInstrument().period;
     const QChar type = period.type ? QChar::fromLatin1(period.type) : QLatin1Char(' ');
     const QString text = source_->GetBaseName() + QStringLiteral(" %1, %2").arg(type).arg(period.length);
     QAction* action = menu->addAction(text);
-    QObject::connect(action, SIGNAL(triggered()), this, slotName);
+    pf::gui::ConnectGuarded(action, &QAction::triggered, this, slot);
 }
 
 void Indicator::OnSelectedIndicator() { OnShowPropIndicator(); }

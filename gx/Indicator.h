@@ -90,8 +90,9 @@ public:
     // The period as shown: "Tick", "%d Min", "%d Hour", "Day", "Week", "Month", "Year".
     QString GetCaptionPeriod() const;
     void FillContextMenu();
-    // The entry "<base name> %c, %d" (period character and length) connected to `slotName`.
-    void AddToMenu(const boost::shared_ptr<QMenu>& menu, const char* slotName) const;
+    // The entry "<base name> %c, %d" (period character and length) connected to `slot`
+    // through the module's barrier.
+    void AddToMenu(const boost::shared_ptr<QMenu>& menu, void (Indicator::*slot)());
 
     void mousePressEvent(const QMouseEvent& event);
     void mouseReleaseEvent(const QMouseEvent& event);

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "gui/Barrier.h"
 #include "gui/PFChartWidget.h"
 #include "gui/ToolBar.h"
 #include "gx/Chart.h"
@@ -83,7 +84,7 @@ PFChartWidget* ChartInterface::CreateWindowComponent(CREATEWINDOWCOMPONENT* reco
     // Window ids are 32-bit words on the terminal.
     QWidget* parent = QWidget::find(static_cast<WId>(static_cast<std::uint32_t>(record->parentWindowId)));
     QWidget* second = QWidget::find(static_cast<WId>(static_cast<std::uint32_t>(record->secondWindowId)));
-    PFChartWidget* widget = new PFChartWidget(module_, traits_.chartType, ownHandle_, parent, second);
+    PFChartWidget* widget = new pf::gui::Guarded<PFChartWidget>(module_, traits_.chartType, ownHandle_, parent, second);
     record->widget = widget;
     widget->Resize();
     widget->show();

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "gui/Barrier.h"
 #include "gui/CSkin.h"
 #include "gui/PFChartWidget.h"
 #include "gx/TextStatusBar.h"
@@ -16,9 +17,9 @@ PFChartModule::PFChartModule()
     SetKind(82);
     skin_.reset(new CSkin(this));
     std::memset(&dealRequest_, 0, sizeof dealRequest_);
-    pfInterface_.reset(new PFChartInterface(this));
-    renkoInterface_.reset(new RenkoChartInterface(this));
-    kagiInterface_.reset(new KagiChartInterface(this));
+    pfInterface_.reset(new pf::gui::Guarded<PFChartInterface>(this));
+    renkoInterface_.reset(new pf::gui::Guarded<RenkoChartInterface>(this));
+    kagiInterface_.reset(new pf::gui::Guarded<KagiChartInterface>(this));
 }
 
 PFChartModule::~PFChartModule() { dealRequest_.result = nullptr; }

@@ -1,5 +1,6 @@
 #include "gx/ls/LineStudy.h"
 
+#include <QAction>
 #include <QMenu>
 #include <QPainter>
 #include <algorithm>
@@ -10,6 +11,7 @@
 
 #include "abi/messages.h"
 #include "data/ScaleEngine.h"
+#include "gui/Barrier.h"
 #include "gui/PFChartWidget.h"
 #include "gx/Chart.h"
 #include "gx/Line.h"
@@ -569,15 +571,15 @@ void LineStudy::FillContextMenu() {
     // A study's three entries all go to the properties menu, each under its title: select
     // (which shows the properties, as the properties entry does) and delete.
     const boost::shared_ptr<QMenu> menu = chart->GetPropMenu();
-    AddToMenu(menu, SLOT(OnSelectedLS()));
-    AddToMenu(menu, SLOT(OnShowPropLS()));
-    AddToMenu(menu, SLOT(OnDeleteLS()));
+    AddToMenu(menu, &LineStudy::OnSelectedLS);
+    AddToMenu(menu, &LineStudy::OnShowPropLS);
+    AddToMenu(menu, &LineStudy::OnDeleteLS);
 }
 
-void LineStudy::AddToMenu(const boost::shared_ptr<QMenu>& menu, const char* slotName) {
+void LineStudy::AddToMenu(const boost::shared_ptr<QMenu>& menu, void (LineStudy::*slot)()) {
     if (!menu) return;
     QAction* action = menu->addAction(title_.isEmpty() ? name_ : title_);
-    QObject::connect(action, SIGNAL(triggered()), this, slotName);
+    pf::gui::ConnectGuarded(action, &QAction::triggered, this, slot);
 }
 
 void LineStudy::ShowProperties() const {

@@ -106,6 +106,8 @@ public:
     const QString& GetName() const { return name_; }
     const QString& GetTitle() const { return title_; }
     bool IsFinished() const { return finished_; }
+    // Delete() has run: the host no longer has the study, only its line may still hold it.
+    bool IsDetached() const { return detached_; }
     int GetPlacedCount() const { return placed_; }
 
     // Control points and shapes.
@@ -164,7 +166,7 @@ public:
     void keyPressEvent(const QKeyEvent&) {}
 
     void FillContextMenu();
-    void AddToMenu(const boost::shared_ptr<QMenu>& menu, const char* slotName);
+    void AddToMenu(const boost::shared_ptr<QMenu>& menu, void (LineStudy::*slot)());
     void ShowProperties() const;
 
     // Saving: a "LineStudy" node under `lineNode` with one "ControlPoint" per input point;

@@ -25,6 +25,7 @@
 #include "ModuleHostTest.h"
 #include "host/ChartLayouts.h"
 #include "host/ChartWindows.h"
+#include "host/CoreServices.h"
 #include "host/DataCore.h"
 #include "host/Emulator.h"
 #include "host/LineStudies.h"
@@ -365,6 +366,45 @@ TEST_F(StudiesOnAChart, HostileRepliesLeaveTheChartWorking) {
     const std::int32_t id = Place("Line", {a, b});
     ASSERT_NE(id, 0);
     EXPECT_NE(Picture(), before);
+}
+
+// The host fails the control-point exchange (4510 with its error flag) while a polyline is
+// edited: a double click on its first segment inserts a point, the study asks the host for
+// its new shapes, and the exception it throws on the error ends at the module's barrier. It
+// is logged with its own text, and the study leaves its line; nothing of it is saved, and
+// the next study is placed as usual.
+TEST_F(StudiesOnAChart, AHostFailureWhileAPolylineIsEditedStaysInsideTheModule) {
+    const double p = double(records[records.size() - 150].value);
+    const StudyPoint a = Column(60, p), b = Column(50, p + 0.01), c = Column(40, p - 0.005);
+    ASSERT_NE(Place("PolyLine", {a, b, c}), 0);
+    ASSERT_EQ(LS().ids().size(), 1u);
+    const QPoint onFirstSegment = (Pixel(a) + Pixel(b)) / 2;
+    const std::size_t logged = emulator->core().logRecords().size();
+    host::LineStudies::Faults failing;
+    failing.errorFlag = true;
+    LS().setFaults(failing);
+    EXPECT_NO_THROW({
+        Mouse(QEvent::MouseButtonPress, onFirstSegment);
+        Mouse(QEvent::MouseButtonRelease, onFirstSegment, Qt::LeftButton, Qt::NoButton);
+        Mouse(QEvent::MouseButtonDblClick, onFirstSegment);
+        Mouse(QEvent::MouseButtonRelease, onFirstSegment, Qt::LeftButton, Qt::NoButton);
+    });
+    LS().setFaults(host::LineStudies::Faults());
+
+    const auto& log = emulator->core().logRecords();
+    ASSERT_GT(log.size(), logged);
+    EXPECT_EQ(log.back().level, 5);
+    EXPECT_EQ(log.back().text, QStringLiteral("Error on LS_GET_LIST_CONTROLPOINTER message"));
+    EXPECT_TRUE(LS().ids().empty()) << "the failed study was given back to the host";
+    EXPECT_TRUE(LS().tool().empty()) << "the drawing mode ended";
+
+    // Nothing of the failed study is saved: a reloaded window makes no study in the host.
+    SaveAndReload();
+    EXPECT_TRUE(LS().ids().empty());
+    // The window goes on working: the next study is placed and drawn.
+    const QImage empty = Picture();
+    ASSERT_NE(Place("Line", {Column(60, p), Column(40, p + 0.01)}), 0);
+    EXPECT_NE(Picture(), empty);
 }
 
 TEST_F(StudiesOnAChart, ArrivingPricesMakeTheChartFetchItsStudiesAgain) {

@@ -41,10 +41,10 @@ struct Terminal {
     host::ChartWindows& charts() { return emulator->charts(); }
     host::DataCore& data() { return emulator->data(); }
     // The journal, the data core's notices, the records of undo replies and destroyed
-    // windows and the line-study provider's lists keep everything heard; a long run clears
-    // them.
+    // windows and the line-study provider's studies and lists keep everything heard; a long
+    // run clears them once its windows are gone.
     void forget() {
-        emulator->studies().forget();
+        emulator->studies().forgetStudies();
         emulator->host().journal().clear();
         emulator->data().clearNotices();
         emulator->undo().forgetReplies();

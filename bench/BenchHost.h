@@ -16,6 +16,7 @@
 #include "host/ChartWindows.h"
 #include "host/DataCore.h"
 #include "host/Emulator.h"
+#include "host/LineStudies.h"
 #include "host/UndoStack.h"
 
 namespace bench {
@@ -39,9 +40,11 @@ struct Terminal {
     ~Terminal() { emulator->charts().destroyAll(); }
     host::ChartWindows& charts() { return emulator->charts(); }
     host::DataCore& data() { return emulator->data(); }
-    // The journal, the data core's notices and the records of undo replies and destroyed
-    // windows keep everything heard; a long run clears them.
+    // The journal, the data core's notices, the records of undo replies and destroyed
+    // windows and the line-study provider's studies and lists keep everything heard; a long
+    // run clears them once its windows are gone.
     void forget() {
+        emulator->studies().forgetStudies();
         emulator->host().journal().clear();
         emulator->data().clearNotices();
         emulator->undo().forgetReplies();

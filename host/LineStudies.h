@@ -89,6 +89,21 @@ public:
     // Called with the study id of each property request once it is recorded (the terminal
     // opens its study dialog later, after the module's message has returned).
     void setPropertiesHandler(std::function<void(std::int32_t id)> handler) { propertiesHandler_ = std::move(handler); }
+    // Forgets the deleted ids, property requests and updates heard so far (a long run keeps
+    // its memory flat); live studies stay.
+    void forget() {
+        std::vector<std::int32_t>().swap(deleted_);
+        std::vector<std::int32_t>().swap(properties_);
+        std::vector<Update>().swap(updates_);
+    }
+    // Forgets every study too, for a long run between rounds whose windows are all gone: the
+    // chart does not delete the studies of a window it destroys (5004), their objects are
+    // the terminal's to drop with the window.
+    void forgetStudies() {
+        forget();
+        studies_.clear();
+        focus_ = 0;
+    }
 
     // New settings for a study, as its property page would apply them; the chart hears of it
     // with 3073. False for an unknown id.

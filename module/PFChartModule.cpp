@@ -23,10 +23,7 @@ PFChartModule::PFChartModule()
     kagiInterface_.reset(new pf::gui::Guarded<KagiChartInterface>(this));
 }
 
-PFChartModule::~PFChartModule() {
-    delete[] dealRequest_.result;
-    dealRequest_.result = nullptr;
-}
+PFChartModule::~PFChartModule() { dealRequest_.result = nullptr; }
 
 int PFChartModule::UndoRequest(const coreUndoStart* record) {
     if (!record) return 1;

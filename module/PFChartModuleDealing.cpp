@@ -100,15 +100,16 @@ QWidget* PFChartModule::getMainWindow() {
 }
 
 void PFChartModule::getDealInterface() {
-    delete[] dealRequest_.result;
     dealRequest_.result = nullptr;
     dealRequest_.count = 0;
+    dealHandles_.reset();
     SetText(dealRequest_.kind, sizeof dealRequest_.kind, "DEALING");
     if (sendToHost) {
         char* countField = reinterpret_cast<char*>(&dealRequest_) + offsetof(coreInterfaceRequest, count);
         sendToHost(hostHandle, MSG_COUNT_INTERFACES, Param(&dealRequest_), Param(countField));
         const std::int32_t count = dealRequest_.count;
         void** handles = Believable(count) ? new (std::nothrow) void*[count]() : nullptr;
+        dealHandles_.reset(handles);
         if (handles) {
             dealRequest_.result = handles;
             sendToHost(hostHandle, MSG_GET_INTERFACE, Param(&dealRequest_), 0);

@@ -262,6 +262,16 @@ void CmdAnyLineDelUndo::UnExecute(int, void* target, void* record, void* result,
         }
         ++restored;
     }
+    // Places made for indicators that could not come back (the host made no data for them)
+    // go again: no empty layer or area is left behind.
+    for (const auto& m : madeLayers) {
+        const boost::shared_ptr<gx::Layer>& layer = m.second;
+        if (!layer || layer->GetIndicatorCount() > 0 || !layer->GetArea()) continue;
+        std::vector<boost::shared_ptr<gx::Layer> >& layers = layer->GetArea()->GetLayers();
+        layers.erase(std::remove(layers.begin(), layers.end(), layer), layers.end());
+    }
+    for (const auto& m : madeAreas)
+        if (m.second && m.second->GetLayers().empty()) chart.DeleteArea(m.second);
     LineStudyPop studies{widget};
     XMLTreeWalker<LineStudyPop>(root.get(), studies).Walk();
     restored += studies.restored;

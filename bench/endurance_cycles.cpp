@@ -72,7 +72,7 @@ bool StudyPlacedDraggedDeleted(bench::Terminal& t, void* w) {
 bool PropertyApplied(bench::Terminal& t, void* w, long cycle) {
     host::PropertyService& properties = t.emulator->properties();
     std::string error;
-    const bool ok = properties.setAndApply(properties.open(w, &error), QStringLiteral("Free space"),
+    const bool ok = properties.setAndApply(properties.open(w, &error), QStringLiteral("Free space positions"),
                                            cycle % 2 ? QStringLiteral("8") : QStringLiteral("5"), &error);
     properties.closeAll();
     return ok;

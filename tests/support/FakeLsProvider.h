@@ -135,7 +135,9 @@ public:
 
 private:
     void Compute(const Study& study, lsControlPointsShapes& cps) {
-        const int n = std::min<int>(cps.inCount, cps.outCount);
+        // By value: the record is packed and may lie at any address.
+        const int inCount = cps.inCount, outCount = cps.outCount;
+        const int n = std::min(inCount, outCount);
         for (int i = 0; i < n; ++i) cps.out[i] = cps.in[i];
         for (int s = 0; s < cps.shapeCount; ++s) {
             lsShape& shape = cps.shapes[s];

@@ -1,6 +1,5 @@
 #include "host/terminal/ChartSettingsDialog.h"
 
-#include <QColorDialog>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDoubleSpinBox>
@@ -13,6 +12,7 @@
 #include <cmath>
 
 #include "host/DataCore.h"
+#include "host/terminal/DialogParts.h"
 #include "host/data/ChartObject.h"
 #include "host/data/Instrument.h"
 #include "host/terminal/ChartDescription.h"
@@ -94,21 +94,12 @@ ChartSettingsDialog::ChartSettingsDialog(DataCore& data, void* chart, QWidget* p
                  risingButton_);
     form->addRow(pf ? tr("&O colour:") : type_ == data::ChartType::Renko ? tr("&Falling colour:") : tr("T&hin line colour:"),
                  fallingButton_);
-    connect(risingButton_, &QPushButton::clicked, this, [this] { chooseColour(risingButton_, &rising_); });
-    connect(fallingButton_, &QPushButton::clicked, this, [this] { chooseColour(fallingButton_, &falling_); });
+    connect(risingButton_, &QPushButton::clicked, this, [this] { chooseColour(this, risingButton_, &rising_); });
+    connect(fallingButton_, &QPushButton::clicked, this, [this] { chooseColour(this, fallingButton_, &falling_); });
     layout->addLayout(form);
     layout->addWidget(error_);
 
-    QDialogButtonBox* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Apply | QDialogButtonBox::Cancel);
-    buttons->button(QDialogButtonBox::Apply)->setObjectName(QStringLiteral("apply"));
-    buttons->button(QDialogButtonBox::Ok)->setObjectName(QStringLiteral("ok"));
-    buttons->button(QDialogButtonBox::Cancel)->setObjectName(QStringLiteral("cancel"));
-    connect(buttons->button(QDialogButtonBox::Apply), &QPushButton::clicked, this, [this] { apply(); });
-    connect(buttons, &QDialogButtonBox::accepted, this, [this] {
-        if (apply()) accept();
-    });
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    layout->addWidget(buttons);
+    layout->addWidget(applyButtons(this, [this] { return apply(); }));
     setSettings(c->settings());
 }
 
@@ -147,19 +138,6 @@ bool ChartSettingsDialog::apply(QString* error) {
     error_->setText(text);
     if (error) *error = text;
     return false;
-}
-
-void ChartSettingsDialog::chooseColour(QPushButton* button, QColor* colour) {
-    const QColor chosen = QColorDialog::getColor(*colour, this, tr("Colour"));
-    if (!chosen.isValid()) return;
-    *colour = chosen;
-    showColour(button, chosen);
-}
-
-void ChartSettingsDialog::showColour(QPushButton* button, const QColor& colour) {
-    button->setText(colour.name());
-    button->setStyleSheet(QStringLiteral("background-color: %1; color: %2")
-                              .arg(colour.name(), colour.lightness() < 128 ? QStringLiteral("white") : QStringLiteral("black")));
 }
 
 }  // namespace terminal

@@ -43,8 +43,6 @@ signals:
     void applied(void* chart);
 
 private:
-    void chooseColour(QPushButton* button, QColor* colour);
-    static void showColour(QPushButton* button, const QColor& colour);
 
     DataCore& data_;
     void* chart_;

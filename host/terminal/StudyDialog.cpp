@@ -1,7 +1,6 @@
 #include "host/terminal/StudyDialog.h"
 
 #include <QCheckBox>
-#include <QColorDialog>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFontComboBox>
@@ -14,6 +13,7 @@
 #include <QVBoxLayout>
 
 #include "host/LineStudies.h"
+#include "host/terminal/DialogParts.h"
 
 namespace host {
 namespace terminal {
@@ -24,12 +24,6 @@ namespace {
 const int kMaxTextChars = LS_TEXT_CHARS - 1;
 const int kMaxWidth = 20;
 const int kMinPoints = 4, kMaxPoints = 144;
-
-void showColour(QPushButton* button, const QColor& colour) {
-    button->setText(colour.name());
-    button->setStyleSheet(QStringLiteral("background-color: %1; color: %2")
-                              .arg(colour.name(), colour.lightness() < 128 ? QStringLiteral("white") : QStringLiteral("black")));
-}
 
 QCheckBox* check(const QString& text, const char* name) {
     QCheckBox* box = new QCheckBox(text);
@@ -60,12 +54,7 @@ StudyDialog::StudyDialog(LineStudies& studies, std::int32_t id, QWidget* parent)
     QFormLayout* form = new QFormLayout;
     colourButton_ = new QPushButton;
     colourButton_->setObjectName(QStringLiteral("studyColour"));
-    connect(colourButton_, &QPushButton::clicked, this, [this] {
-        const QColor chosen = QColorDialog::getColor(colour_, this, tr("Colour"));
-        if (!chosen.isValid()) return;
-        colour_ = chosen;
-        showColour(colourButton_, colour_);
-    });
+    connect(colourButton_, &QPushButton::clicked, this, [this] { chooseColour(this, colourButton_, &colour_); });
     form->addRow(tr("&Colour:"), colourButton_);
     if (s->kind == ls::StudyKind::Text) {
         text_ = new QLineEdit;
@@ -108,16 +97,7 @@ StudyDialog::StudyDialog(LineStudies& studies, std::int32_t id, QWidget* parent)
     }
     layout->addLayout(form);
     layout->addWidget(error_);
-    QDialogButtonBox* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Apply | QDialogButtonBox::Cancel);
-    buttons->button(QDialogButtonBox::Apply)->setObjectName(QStringLiteral("apply"));
-    buttons->button(QDialogButtonBox::Ok)->setObjectName(QStringLiteral("ok"));
-    buttons->button(QDialogButtonBox::Cancel)->setObjectName(QStringLiteral("cancel"));
-    connect(buttons->button(QDialogButtonBox::Apply), &QPushButton::clicked, this, [this] { apply(); });
-    connect(buttons, &QDialogButtonBox::accepted, this, [this] {
-        if (apply()) accept();
-    });
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    layout->addWidget(buttons);
+    layout->addWidget(applyButtons(this, [this] { return apply(); }));
     setParams(s->params);
 }
 

@@ -31,6 +31,7 @@ Workspace::Contents Terminal::choices() const {
     c.mainGeometry = window()->saveGeometry();
     c.docks = window()->saveState(Workspace::kDocksVersion);
     c.latestPrices = latest_->enabled();
+    c.exportFolder = exportFolder_;
     return c;
 }
 
@@ -47,6 +48,7 @@ void Terminal::restoreMainWindow(const Workspace::Contents& contents) {
     latest_->setEnabled(contents.latestPrices);
     if (QAction* latest = action(QStringLiteral("latestPrices"))) latest->setChecked(contents.latestPrices);
     emulator_.dealing().setBlotter(contents.trades);
+    exportFolder_ = contents.exportFolder;
 }
 
 bool Terminal::saveWorkspace(const QString& path) {

@@ -83,6 +83,7 @@ bool Workspace::read(WorkDataStore& store, const QString& path, Contents* conten
     c.mainGeometry = base64(*top, "MainGeometry");
     c.docks = base64(*top, "Docks");
     c.latestPrices = attribute(*top, "LatestPrices") != QLatin1String("0");
+    c.exportFolder = attribute(*top, "ExportFolder");
     c.trades = BlotterRecords::read(*top, skipped);
     for (const auto& child : top->children) {
         const workdata::Node& n = *child;
@@ -152,6 +153,7 @@ bool Workspace::write(Emulator& emulator, const QString& path, const Contents& c
     store.setAttribute(root, QStringLiteral("PriceType"), QString::number(choices.priceType));
     store.setAttribute(root, QStringLiteral("ReplaySpeed"), QString::number(choices.replaySpeed));
     store.setAttribute(root, QStringLiteral("LatestPrices"), choices.latestPrices ? QStringLiteral("1") : QStringLiteral("0"));
+    if (!choices.exportFolder.isEmpty()) store.setAttribute(root, QStringLiteral("ExportFolder"), choices.exportFolder);
     if (!choices.mainGeometry.isEmpty())
         store.setAttribute(root, QStringLiteral("MainGeometry"), QString::fromLatin1(choices.mainGeometry.toBase64()));
     if (!choices.docks.isEmpty())

@@ -60,6 +60,7 @@ public:
         QByteArray mainGeometry;  // QMainWindow::saveGeometry; empty: not said or not readable
         QByteArray docks;         // QMainWindow::saveState; the same
         bool latestPrices = true;  // Options > Show the latest prices in new charts
+        QString exportFolder;      // where the last picture or PDF was exported; empty: not said
         std::vector<Instrument> instruments;
         std::vector<Window> windows;
         std::vector<DealingService::Trade> trades;  // the blotter (BlotterRecords.h)

@@ -345,6 +345,13 @@ TEST_F(TerminalSettings, PrintedAndExportedPagesCarryTheHeaderLine) {
     for (int y = 0; y < 18; ++y)
         for (int x = 0; x < page.width() / 2; ++x) dark += qGray(page.pixel(x, y)) < 100;
     EXPECT_GT(dark, 20) << "no header text";
+
+    // The folder is kept with the workspace: the terminal started again suggests it.
+    ASSERT_TRUE(terminal->saveWorkspace());
+    Close();
+    Open(workspace);
+    EXPECT_EQ(QFileInfo(terminal->suggestedExportPath(QStringLiteral(".png"))).absolutePath(),
+              QFileInfo(dir.filePath(QStringLiteral("out"))).absoluteFilePath());
 }
 
 TEST_F(TerminalSettings, NewWindowsOpenVisibleCascadeAndComeBackToTheirSize) {

@@ -15,6 +15,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "TradeRequest.h"
 #include "host/DealingService.h"
 #include "host/Emulator.h"
 #include "host/WorkDataStore.h"
@@ -28,15 +29,6 @@ using Side = DealingService::Side;
 using Kind = DealingService::TradeKind;
 
 namespace {
-
-fxdTradeRequest Request(const char* instrument, std::int32_t account, double price) {
-    fxdTradeRequest r;
-    std::memset(&r, 0, sizeof r);
-    std::strncpy(r.instrument, instrument, sizeof r.instrument);
-    r.accountId = account;
-    r.price = price;
-    return r;
-}
 
 class Ticket : public ::testing::Test {
 protected:
@@ -64,13 +56,13 @@ protected:
 }  // namespace
 
 TEST_F(Ticket, RequestsGoToTheTicketAndOnlyWhatIsBookedReachesTheBlotter) {
-    const DealingService::Trade order = Ask(MSG_DEAL_ORDER, Request("USDCHF", 1002, 0.95125), dealings[1]);
+    const DealingService::Trade order = Ask(MSG_DEAL_ORDER, TradeRequest("USDCHF", 1002, 0.95125), dealings[1]);
     EXPECT_TRUE(Deals().blotter().empty());
     EXPECT_EQ(std::make_tuple(order.dealingName, order.accountName.toStdString(), order.kind, order.side),
               std::make_tuple(std::string("Second dealing"), std::string("Demo account 2"), Kind::Order, Side::None));
     // Hostile requests are refused before any ticket sees them.
     EXPECT_EQ(host::Host::callback(dealings[0], MSG_DEAL_DEAL, 0, 0), 1);
-    const fxdTradeRequest stranger = Request("USDCHF", 1002, 0);  // 1002 is not the first dealing's
+    const fxdTradeRequest stranger = TradeRequest("USDCHF", 1002, 0);  // 1002 is not the first dealing's
     EXPECT_EQ(host::Host::callback(dealings[0], MSG_DEAL_DEAL, reinterpret_cast<std::intptr_t>(&stranger), 0), 1);
     EXPECT_EQ(requests.size(), 1u);
 
@@ -98,7 +90,7 @@ TEST_F(Ticket, RequestsGoToTheTicketAndOnlyWhatIsBookedReachesTheBlotter) {
 
     // A deal is booked at the market as it is when Book is pressed; the amount starts at
     // the last one booked. Cancel books nothing.
-    const DealingService::Trade deal = Ask(MSG_DEAL_DEAL, Request("USDCHF", 1001, 0), dealings[0]);
+    const DealingService::Trade deal = Ask(MSG_DEAL_DEAL, TradeRequest("USDCHF", 1001, 0), dealings[0]);
     double market = 0.9511;
     TradeTicket dealTicket(Deals(), deal, [&market] { return market; }, 4);
     EXPECT_EQ(dealTicket.findChild<QDoubleSpinBox*>(QStringLiteral("price")), nullptr);
@@ -124,7 +116,7 @@ TEST_F(Ticket, RequestsGoToTheTicketAndOnlyWhatIsBookedReachesTheBlotter) {
 }
 
 TEST_F(Ticket, BookRefusesWhatCannotBeTraded) {
-    DealingService::Trade t = Ask(MSG_DEAL_ORDER, Request("USDCHF", 1001, 1.25), dealings[0]);
+    DealingService::Trade t = Ask(MSG_DEAL_ORDER, TradeRequest("USDCHF", 1001, 1.25), dealings[0]);
     t.side = Side::Buy;
     t.amount = 1000;
     const auto with = [&t](std::function<void(DealingService::Trade&)> change) {
@@ -150,12 +142,12 @@ TEST_F(Ticket, BookRefusesWhatCannotBeTraded) {
 // The blotter saved with a workspace comes back exactly; on another terminal the trades find
 // their dealing by name, or keep only its name when it is not there.
 TEST_F(Ticket, TheBlotterComesBackWithTheWorkspace) {
-    DealingService::Trade t = Ask(MSG_DEAL_ORDER, Request("USDCHF", 1002, 0.95125), dealings[1]);
+    DealingService::Trade t = Ask(MSG_DEAL_ORDER, TradeRequest("USDCHF", 1002, 0.95125), dealings[1]);
     t.side = Side::Sell;
     t.amount = 123456.5;
     ASSERT_TRUE(Deals().book(t));
     Deals().setTicket(DealingService::Ticket());
-    const fxdTradeRequest plain = Request("TTRC", 1001, 0);
+    const fxdTradeRequest plain = TradeRequest("TTRC", 1001, 0);
     ASSERT_EQ(host::Host::callback(dealings[0], MSG_DEAL_DEAL, reinterpret_cast<std::intptr_t>(&plain), 0), 0);
     ASSERT_EQ(Deals().blotter().size(), 2u);
 

@@ -8,6 +8,7 @@
 
 #include "host/ChartWindows.h"
 #include "host/DataCore.h"
+#include "TradeRequest.h"
 #include "host/DealingService.h"
 #include "host/DragData.h"
 #include "host/Emulator.h"
@@ -19,15 +20,6 @@ using host::data::ChartType;
 namespace {
 
 std::intptr_t P(const void* p) { return reinterpret_cast<std::intptr_t>(p); }
-
-fxdTradeRequest Request(const char* instrument, std::int32_t account, double price) {
-    fxdTradeRequest r;
-    std::memset(&r, 0, sizeof r);
-    std::strncpy(r.instrument, instrument, sizeof r.instrument);
-    r.accountId = account;
-    r.price = price;
-    return r;
-}
 
 class Trading : public ::testing::Test {
 protected:
@@ -47,8 +39,8 @@ protected:
 }  // namespace
 
 TEST_F(Trading, DealsAndOrdersOfKnownAccountsAreBooked) {
-    const fxdTradeRequest deal = Request("USDCHF", 1003, 0);
-    const fxdTradeRequest order = Request("TTRC", 1002, 1234.5);
+    const fxdTradeRequest deal = TradeRequest("USDCHF", 1003, 0);
+    const fxdTradeRequest order = TradeRequest("TTRC", 1002, 1234.5);
     EXPECT_EQ(Send(dealings[0], MSG_DEAL_DEAL, &deal), 0);
     EXPECT_EQ(Send(dealings[1], MSG_DEAL_ORDER, &order), 0);
     ASSERT_EQ(Deals().blotter().size(), 2u);
@@ -65,22 +57,22 @@ TEST_F(Trading, DealsAndOrdersOfKnownAccountsAreBooked) {
 }
 
 TEST_F(Trading, HostileRequestsAreRefusedAndNothingIsBooked) {
-    const fxdTradeRequest good = Request("USDCHF", 1001, 1.5);
+    const fxdTradeRequest good = TradeRequest("USDCHF", 1001, 1.5);
     EXPECT_EQ(Send(dealings[0], MSG_DEAL_DEAL, nullptr), 1);
     EXPECT_EQ(Send(reinterpret_cast<void*>(0x7ff0), MSG_DEAL_DEAL, &good), 1);
     EXPECT_EQ(Send(emulator.host().coreHandle(), MSG_DEAL_ORDER, &good), 1);
     const fxdTradeRequest refused[] = {
-        Request("USDCHF", 1002, 1.5),  // an account of the other dealing
-        Request("USDCHF", 0, 1.5),
-        Request("", 1001, 1.5),
-        Request("USDCHF", 1001, std::numeric_limits<double>::quiet_NaN()),
-        Request("USDCHF", 1001, std::numeric_limits<double>::infinity()),
+        TradeRequest("USDCHF", 1002, 1.5),  // an account of the other dealing
+        TradeRequest("USDCHF", 0, 1.5),
+        TradeRequest("", 1001, 1.5),
+        TradeRequest("USDCHF", 1001, std::numeric_limits<double>::quiet_NaN()),
+        TradeRequest("USDCHF", 1001, std::numeric_limits<double>::infinity()),
     };
     for (const fxdTradeRequest& r : refused) {
         EXPECT_EQ(Send(dealings[0], MSG_DEAL_DEAL, &r), 1) << r.accountId << " " << r.instrument;
         EXPECT_EQ(Send(dealings[0], MSG_DEAL_ORDER, &r), 1);
     }
-    const fxdTradeRequest free = Request("USDCHF", 1001, 0);
+    const fxdTradeRequest free = TradeRequest("USDCHF", 1001, 0);
     EXPECT_EQ(Send(dealings[0], MSG_DEAL_ORDER, &free), 1);  // an order needs a price
     EXPECT_TRUE(Deals().blotter().empty());
     // The journal says why: the third deal is the one of the other dealing's account.
@@ -91,7 +83,7 @@ TEST_F(Trading, HostileRequestsAreRefusedAndNothingIsBooked) {
 TEST_F(Trading, RequestsAreReadByValueAndTheInstrumentCutAtItsField) {
     // A packed record one byte into a buffer, its instrument filling all 21 bytes unterminated.
     std::vector<char> buffer(1 + sizeof(fxdTradeRequest) + 8, 'Z');
-    fxdTradeRequest r = Request("", 1001, 0.75);
+    fxdTradeRequest r = TradeRequest("", 1001, 0.75);
     std::memset(r.instrument, 'A', sizeof r.instrument);
     std::memcpy(buffer.data() + 1, &r, sizeof r);
     EXPECT_EQ(host::Host::callback(dealings[0], MSG_DEAL_ORDER, P(buffer.data() + 1), 0), 0);

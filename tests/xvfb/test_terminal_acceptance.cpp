@@ -26,14 +26,15 @@
 #include <functional>
 #include <vector>
 
+#include "Xdo.h"
+
 namespace {
 
 class TerminalAcceptance : public ::testing::Test {
 protected:
     void SetUp() override {
         if (QGuiApplication::platformName() != QLatin1String("xcb")) GTEST_SKIP() << "run under xvfb-run";
-        xdotool = QStandardPaths::findExecutable(QStringLiteral("xdotool"));
-        if (xdotool.isEmpty()) GTEST_SKIP() << "xdotool is not installed";
+        if (!xdo.Available()) GTEST_SKIP() << "xdotool is not installed";
         pfhost = QFileInfo(QStringLiteral(PF_MODULE_PATH)).dir().filePath(QStringLiteral("pfhost"));
         ASSERT_TRUE(QFileInfo::exists(pfhost)) << "pfhost is not built";
         ASSERT_TRUE(dir.isValid());
@@ -71,12 +72,7 @@ protected:
         Settle();
     }
     // Runs xdotool; its output.
-    QString X(const QStringList& args) {
-        QProcess p;
-        p.start(xdotool, args);
-        p.waitForFinished(10000);
-        return QString::fromLocal8Bit(p.readAllStandardOutput()).trimmed();
-    }
+    QString X(const QStringList& args) { return xdo.Run(args); }
     void Key(const QString& keys) {
         X(QStringList{QStringLiteral("key"), QStringLiteral("--delay"), QStringLiteral("40")} + keys.split(QLatin1Char(' ')));
         Settle();
@@ -92,16 +88,7 @@ protected:
         Settle();
     }
     // The id of a visible window whose title matches, once there is one; empty after `ms`.
-    QString WaitWindow(const QString& title, int ms = 5000) {
-        QElapsedTimer clock;
-        clock.start();
-        while (clock.elapsed() < ms) {
-            const QString ids = X({QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"), title});
-            if (!ids.isEmpty()) return ids.split(QLatin1Char('\n')).last();
-            QTest::qWait(100);
-        }
-        return QString();
-    }
+    QString WaitWindow(const QString& title, int ms = 5000) { return xdo.WaitWindow(title, ms); }
     QImage Screen() { return QGuiApplication::primaryScreen()->grabWindow(0).toImage().convertToFormat(QImage::Format_RGB32); }
     // Waits until two pictures of the screen 150 ms apart are the same (at most 5 s).
     void Settle() {
@@ -215,7 +202,8 @@ protected:
     }
 
     QTemporaryDir dir;
-    QString xdotool, pfhost, workspace, main;
+    Xdo xdo;
+    QString pfhost, workspace, main;
     QProcess program;
 };
 

@@ -22,14 +22,15 @@
 #include <QTest>
 #include <algorithm>
 
+#include "Xdo.h"
+
 namespace {
 
 class TerminalByHand : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_EQ(QGuiApplication::platformName(), QStringLiteral("xcb")) << "run under xvfb-run";
-        xdotool = QStandardPaths::findExecutable(QStringLiteral("xdotool"));
-        if (xdotool.isEmpty()) GTEST_SKIP() << "xdotool is not installed (scripts/setup.sh installs it)";
+        if (!xdo.Available()) GTEST_SKIP() << "xdotool is not installed (scripts/setup.sh installs it)";
         pfhost = QFileInfo(QStringLiteral(PF_MODULE_PATH)).dir().filePath(QStringLiteral("pfhost"));
         if (!QFileInfo::exists(pfhost)) GTEST_SKIP() << "pfhost is not built";
         ASSERT_TRUE(dir.isValid());
@@ -97,12 +98,7 @@ protected:
         return ended && program.exitStatus() == QProcess::NormalExit && program.exitCode() == 0;
     }
 
-    QString X(const QStringList& args) {
-        QProcess p;
-        p.start(xdotool, args);
-        p.waitForFinished(10000);
-        return QString::fromLocal8Bit(p.readAllStandardOutput()).trimmed();
-    }
+    QString X(const QStringList& args) { return xdo.Run(args); }
     void Key(const QString& keys) {
         X(QStringList{QStringLiteral("key"), QStringLiteral("--clearmodifiers"), QStringLiteral("--delay"), QStringLiteral("60")} +
           keys.split(QLatin1Char(' ')));
@@ -119,16 +115,7 @@ protected:
         QTest::qWait(300);
     }
     // The visible window whose title matches; empty when none comes within `ms`.
-    QString WaitForWindow(const QString& title, int ms = 15000) {
-        QElapsedTimer clock;
-        clock.start();
-        while (clock.elapsed() < ms) {
-            const QString found = X({QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"), title});
-            if (!found.isEmpty()) return found.split(QLatin1Char('\n')).last();
-            QTest::qWait(100);
-        }
-        return QString();
-    }
+    QString WaitForWindow(const QString& title, int ms = 15000) { return xdo.WaitWindow(title, ms); }
     bool WindowGone(const QString& title, int ms = 5000) {
         QElapsedTimer clock;
         clock.start();
@@ -201,7 +188,8 @@ protected:
         QTest::qWait(500);
     }
 
-    QString xdotool, pfhost, workspace, broker, main, output;
+    Xdo xdo;
+    QString pfhost, workspace, broker, main, output;
     QTemporaryDir dir;
     QProcess program;
 };

@@ -336,6 +336,8 @@ int ChartWindows::windowDestroyed(void* target, const fxwcWindowDestroyed* recor
     detail = "window " + hex(r.widget) + " of " + hex(r.hostHandle) + (w ? " destroyed" : ": not a chart window");
     if (!w) return 1;
     w->announced = true;
+    void* const widget = r.widget;
+    for (const std::function<void(void*)>& listener : going_) listener(widget);
     return 0;
 }
 

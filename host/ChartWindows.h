@@ -44,6 +44,7 @@
 #include <QSize>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -115,6 +116,10 @@ public:
     const std::vector<fxwcWindowDestroyed>& destroyedRecords() const { return destroyed_; }
     // Forgets the 3150 records heard so far (a long run keeps its memory flat).
     void forgetDestroyed() { std::vector<fxwcWindowDestroyed>().swap(destroyed_); }
+    // Called with the chart widget when the module announces a window of this host is being
+    // destroyed (3150): whatever the terminal shows of that window's memory (a property
+    // page) must go before the memory does, and before a new window may take its address.
+    void onWindowGoing(std::function<void(void*)> listener) { going_.push_back(std::move(listener)); }
 
     // ---- the other window messages (-1: nothing sent, the widget is not a window) ----
     // 5012: print the window. Any print dialog it opens is answered by the emulator's
@@ -222,6 +227,7 @@ private:
     MainWindowService& mainWindow_;
     std::vector<Window> windows_;
     std::vector<fxwcWindowDestroyed> destroyed_;
+    std::vector<std::function<void(void*)> > going_;
     // While 5003 runs the new widget is not known yet; titles it sends wait here.
     bool creating_ = false;
     std::map<void*, QString> pendingTitles_;

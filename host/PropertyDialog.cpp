@@ -478,6 +478,11 @@ int PropertyDialog::apply() {
     return answer;
 }
 
+void PropertyDialog::forgetPage() {
+    alive_ = [] { return false; };
+    for (Entry& e : entries_) e.property = nullptr;
+}
+
 bool PropertyDialog::refresh() {
     if (alive_ && !alive_()) return false;
     for (Entry& e : entries_) load(e);

@@ -68,6 +68,9 @@ public:
     // The page's values into the editors again (10053); false when the page is gone.
     bool refresh();
     int refreshCount() const { return refreshes_; }
+    // The page's memory is going (its window is being destroyed): the dialog lets go of it,
+    // and apply() and refresh() touch nothing from now on.
+    void forgetPage();
 
 private:
     struct Entry {

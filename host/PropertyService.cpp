@@ -29,6 +29,17 @@ PropertyService::PropertyService(Host& host, MainWindowService& mainWindow, Char
     host_.on(MSG_PROPERTY_REFRESH, [this](void* target, std::intptr_t p1, std::intptr_t, std::string& d) {
         return refresh(target, reinterpret_cast<PROPERTY_PAGE*>(p1), d);
     });
+    // A window's dialogs close when the module announces the window is going, before the
+    // page they show is freed: a dialog left open on freed memory would write into whatever
+    // took its place, and a new window at the same address would make it look alive.
+    charts_.onWindowGoing([this](void* widget) {
+        for (const QPointer<PropertyDialog>& d : dialogs_)
+            if (d && d->widget() == widget) {
+                d->forgetPage();
+                d->hide();
+                d->deleteLater();
+            }
+    });
 }
 
 PropertyService::~PropertyService() { closeAll(); }

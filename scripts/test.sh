@@ -101,7 +101,8 @@ if [ "${PF_SKIP_ASAN:-0}" != "1" ]; then
             passed=$((passed + 1)); summary+=("fuzz $name: $(grep -Eo 'Done [0-9]+ runs' "build/asan/fuzz-corpus/$name.log" | tail -n 1)")
         else
             failed=$((failed + 1)); summary+=("fuzz $name: FINDING, see build/asan/fuzz-corpus/$name.log")
-            tail -n 40 "build/asan/fuzz-corpus/$name.log"
+            # The whole sanitizer report (access, free and allocation stacks), not only its end.
+            sed -n "/ERROR: \(Address\|Undefined\|Leak\)Sanitizer\|runtime error\|deadly signal/,\$p" "build/asan/fuzz-corpus/$name.log" | grep -v "^  0x\|^Shadow\|^  [A-Z][a-z].*:  *[0-9a-f]" | head -n 160
         fi
     done
 fi

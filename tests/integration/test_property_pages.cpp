@@ -11,6 +11,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
+#include <QPointer>
+#include <QCoreApplication>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <cstring>
@@ -252,10 +254,20 @@ TEST_F(PropertyPages, PagesTheWindowDidNotHandOverChangeNothing) {
     EXPECT_EQ(Charts().grab(widget, kSize), before);
     // The terminal refuses a page request without a page.
     EXPECT_EQ(H().callback(emulator->mainWindow().handle(), MSG_SHOW_PROPERTY_PAGE, 0, P(widget)), 1);
-    // The window goes while its dialog is open: the dialog no longer touches the page.
+    // The window goes while its dialog is open: the dialog closes with it and no longer
+    // touches the page, even when a new window takes the old one's address.
+    QPointer<PropertyDialog> gone(dialog);
     ASSERT_TRUE(Charts().destroy(widget));
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_EQ(Properties().current(), nullptr);
     EXPECT_EQ(dialog->apply(), -1);
     EXPECT_FALSE(dialog->refresh());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(gone.isNull());
+    void* next = Window(ChartType::PointAndFigure);
+    PropertyDialog* again = Open(next);
+    ASSERT_NE(again, nullptr);
+    EXPECT_EQ(Properties().current(), again);
 }
 
 TEST_F(PropertyPages, PfhostSetsEntriesOfThePropertyPage) {

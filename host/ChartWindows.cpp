@@ -125,6 +125,8 @@ bool ChartWindows::destroy(void* widget) {
     Window* w = find(widget);
     if (!w) return false;
     w->announced = false;
+    // What the terminal shows of the window goes first, as when a person closes it.
+    for (const std::function<void(void*)>& listener : going_) listener(widget);
     host_.send(w->iface, MSG_WC_DESTROY, P(widget), 0, "destroy " + hex(widget));
     w = find(widget);
     if (!w || !w->announced) return false;

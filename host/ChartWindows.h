@@ -116,9 +116,10 @@ public:
     const std::vector<fxwcWindowDestroyed>& destroyedRecords() const { return destroyed_; }
     // Forgets the 3150 records heard so far (a long run keeps its memory flat).
     void forgetDestroyed() { std::vector<fxwcWindowDestroyed>().swap(destroyed_); }
-    // Called with the chart widget when the module announces a window of this host is being
-    // destroyed (3150): whatever the terminal shows of that window's memory (a property
-    // page) must go before the memory does, and before a new window may take its address.
+    // Called with the chart widget before destroy() asks the module to destroy the window
+    // (5004), and when the module announces a window of this host is being destroyed
+    // (3150): whatever the terminal shows of that window's memory (a property page) must go
+    // before the memory does, and before a new window may take its address.
     void onWindowGoing(std::function<void(void*)> listener) { going_.push_back(std::move(listener)); }
 
     // ---- the other window messages (-1: nothing sent, the widget is not a window) ----

@@ -36,6 +36,22 @@ DialogAnswerer::DialogAnswerer(const QString& printFolder, QObject* parent)
     timer_.setInterval(kInterval);
     connect(&timer_, &QTimer::timeout, this, [this] { answerNow(); });
     timer_.start();
+    if (QCoreApplication* app = QCoreApplication::instance()) app->installEventFilter(this);
+}
+
+// A modal window shown: its answer is posted, to run once the window's own event loop runs.
+bool DialogAnswerer::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Show && !posted_ && timer_.isActive() && watched->isWidgetType()) {
+        const QWidget* w = static_cast<const QWidget*>(watched);
+        if (w->isWindow() && w->isModal()) {
+            posted_ = true;
+            QTimer::singleShot(0, this, [this] {
+                posted_ = false;
+                answerNow();
+            });
+        }
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 DialogAnswerer::~DialogAnswerer() = default;

@@ -1,7 +1,10 @@
 // Answers the modal dialogs the module opens while the emulated terminal runs without a
 // person in front of it. A dialog's exec() runs a nested event loop inside the host's call
-// into the module; a repeating timer (10 ms) looks at QApplication::activeModalWidget()
-// from that loop and answers what it finds by the policy the tests or pfhost set:
+// into the module. A modal window being shown is answered as soon as that loop runs (an
+// application event filter sees it shown and posts the answer), so no call into the module
+// waits for a dialog; a repeating timer (10 ms) looks at QApplication::activeModalWidget()
+// as well, for what the filter cannot see. Either answers by the policy the tests or pfhost
+// set:
 //
 //   QMessageBox   the button meaning yes or no, as the policy says (default: no). A button
 //                 means yes when it is the Yes standard button, has the YesRole or
@@ -72,6 +75,9 @@ public:
     // Answers the active modal dialog now; true when there was one it answered.
     bool answerNow();
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     bool answerQuestion(QWidget* box, Answer& answer);
     bool answerPrint(QWidget* dialog, Answer& answer);
@@ -85,6 +91,7 @@ private:
     std::vector<Answer> answers_;
     int printed_ = 0;
     QPointer<QWidget> last_;  // answered, yet still shown
+    bool posted_ = false;     // an answer is posted and not run yet
 };
 
 }  // namespace host

@@ -29,17 +29,10 @@ PropertyService::PropertyService(Host& host, MainWindowService& mainWindow, Char
     host_.on(MSG_PROPERTY_REFRESH, [this](void* target, std::intptr_t p1, std::intptr_t, std::string& d) {
         return refresh(target, reinterpret_cast<PROPERTY_PAGE*>(p1), d);
     });
-    // A window's dialogs close when the module announces the window is going, before the
+    // A window's dialogs close when the window is being destroyed, before the
     // page they show is freed: a dialog left open on freed memory would write into whatever
     // took its place, and a new window at the same address would make it look alive.
-    charts_.onWindowGoing([this](void* widget) {
-        for (const QPointer<PropertyDialog>& d : dialogs_)
-            if (d && d->widget() == widget) {
-                d->forgetPage();
-                d->hide();
-                d->deleteLater();
-            }
-    });
+    charts_.onWindowGoing([this](void* widget) { close(widget); });
 }
 
 PropertyService::~PropertyService() { closeAll(); }
@@ -149,6 +142,15 @@ PropertyDialog* PropertyService::current() const {
     for (auto it = dialogs_.rbegin(); it != dialogs_.rend(); ++it)
         if (*it && (*it)->isVisible()) return *it;
     return nullptr;
+}
+
+void PropertyService::close(void* widget) {
+    for (const QPointer<PropertyDialog>& d : dialogs_)
+        if (d && d->widget() == widget) {
+            d->forgetPage();
+            d->hide();
+            d->deleteLater();
+        }
 }
 
 void PropertyService::closeAll() {

@@ -42,6 +42,8 @@ public:
     PropertyDialog* dialogFor(void* widget) const;
     // The newest open dialog; null when none.
     PropertyDialog* current() const;
+    // Closes the window's dialogs, which let go of its page at once (the window is going).
+    void close(void* widget);
     // Closes every dialog (before the module goes).
     void closeAll();
 

@@ -336,6 +336,9 @@ inline void SendOne(FuzzedDataProvider& in) {
     void* const target = Target(in);
     // Destroying makes the widget's address a stale one; windows it makes are tracked.
     const std::vector<void*> before = LiveWidgets();
+    // The terminal closes what it shows of a window before it destroys it (ChartWindows does
+    // so on its own way there).
+    if (number == MSG_WC_DESTROY) g_emulator->properties().close(reinterpret_cast<void*>(p1));
     g_emulator->host().send(target, number, p1, p2);
     if (number == MSG_WC_CREATE && p1) {
         void* made = nullptr;

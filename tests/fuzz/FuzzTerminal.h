@@ -5,7 +5,8 @@
 //
 // Per input: Begin() makes again the kept windows the input before destroyed; End()
 // destroys every other window the input made, undoes what is left on the terminal's undo
-// stack, closes dialogs, menus and tools, and forgets the journal. The kept windows and the
+// stack, puts the study tool down, and forgets the journal. A property dialog closes with
+// its window; those of the kept windows stay open, as the windows do. The kept windows and the
 // instrument are made anew every kRecycle inputs, so that what inputs leave behind (zoom,
 // closed areas, replayed quotes) stays bounded, and when the copies of price arrays handed
 // to the module (HostReplies.h) are all used: a copy must outlive every window shown it.
@@ -15,8 +16,10 @@
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QMainWindow>
+#include <QMenu>
 #include <QWidget>
 #include <algorithm>
 #include <array>
@@ -101,6 +104,20 @@ void Unescaped(const char* what, Step&& step) {
     }
 }
 
+// Nobody looks at the fuzzer's screen: the terminal's dialogs and menus are used but never
+// painted (their updates are off from the moment they show). Chart widgets are painted
+// when an input asks for a picture (ChartWindows::grab), and printing paints as it does.
+class Unpainted : public QObject {
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Show && watched->isWidgetType()) {
+            QWidget* w = static_cast<QWidget*>(watched);
+            if (w->isWindow() && (qobject_cast<QDialog*>(w) || qobject_cast<QMenu*>(w))) w->setUpdatesEnabled(false);
+        }
+        return QObject::eventFilter(watched, event);
+    }
+};
+
 inline void LoadInstrument() {
     host::InstrumentOptions options;
     options.name = kInstrument;
@@ -112,6 +129,7 @@ inline void LoadInstrument() {
 inline void SetUp(int* argc, char*** argv, const char* name) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     new QApplication(*argc, *argv);
+    qApp->installEventFilter(new Unpainted);
     g_emulator = new host::Emulator();
     // Two dealings, one with two accounts: the context menu offers trades.
     void* alpha = g_emulator->dealing().addDealing("DEALING_ALPHA");
@@ -159,7 +177,6 @@ inline void End() {
     g_input = nullptr;
     Unescaped("cleaning up", [] {
         host::ChartWindows& charts = g_emulator->charts();
-        g_emulator->properties().closeAll();
         g_emulator->studies().clearTool();
         for (const Window& w : std::vector<Window>(g_ownWindows)) {
             g_emulator->host().send(w.iface, MSG_WC_DESTROY, reinterpret_cast<std::intptr_t>(w.widget), 0);

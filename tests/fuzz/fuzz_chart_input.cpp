@@ -24,6 +24,7 @@
 #include <QMouseEvent>
 #include <QToolButton>
 #include <QWheelEvent>
+#include <iterator>
 
 #include "HostReplies.h"
 #include "host/DragData.h"
@@ -178,7 +179,11 @@ void MenuChoice(FuzzedDataProvider& in, QWidget* chart) {
         if (actions.isEmpty()) break;
         QAction* a = actions[int(in.ConsumeIntegralInRange<std::size_t>(0, std::size_t(actions.size()) - 1))];
         menu->setActiveAction(a);
+        if (!menu) break;
         if (a->menu()) {
+            // Hovering opens the submenu when it can open (a disabled one stays shut); the
+            // mouse cannot go into a menu that is not shown.
+            if (!a->menu()->isVisible()) break;
             menu = a->menu();
             continue;
         }
@@ -265,43 +270,63 @@ void Controls(FuzzedDataProvider& in, void* w, QWidget* chart) {
         s->setValue(in.ConsumeIntegralInRange<int>(s->minimum() - 2, s->maximum() + 2));
 }
 
-// What the terminal does meanwhile, the cheap things more often than the dear ones.
+// What the terminal does meanwhile, the cheap things more often than the dear ones. The
+// dear ones lie inside the range, so that runs of 0x00 or 0xFF bytes, which mutations make
+// often and which pick an end of every range, choose cheap ones.
+enum class Job { Undo, Replay, ToolTip, Grab, Drop, Destroy, Create, Layout, Print };
+const Job kJobs[] = {Job::Undo,    Job::Undo,    Job::Undo,   Job::Undo,    Job::Undo,    Job::Replay,  Job::Replay,
+                     Job::Replay,  Job::ToolTip, Job::ToolTip, Job::Grab,   Job::Grab,    Job::Grab,    Job::Destroy,
+                     Job::Destroy, Job::Print,   Job::Layout,  Job::Layout, Job::Create,  Job::Create,  Job::Drop,
+                     Job::Drop,    Job::ToolTip, Job::ToolTip, Job::Replay, Job::Replay,  Job::Replay,  Job::Undo,
+                     Job::Undo,    Job::Undo,    Job::Undo,    Job::Undo};
+
 void Terminal(FuzzedDataProvider& in, void* w) {
     host::ChartWindows& charts = g_emulator->charts();
-    const int pick = in.ConsumeIntegralInRange<int>(0, 31);
-    if (pick < 10) {
-        g_emulator->undo().undo();
-    } else if (pick < 16) {
-        g_emulator->data().replay(kInstrument, in.ConsumeIntegralInRange<std::size_t>(1, 20));
-    } else if (pick < 20) {
-        if (QWidget* chart = charts.chartWidget(w)) charts.toolTipAt(w, Where(in, chart));
-    } else if (pick < 23) {
-        charts.grab(w, QSize(in.ConsumeIntegralInRange<int>(1, 900), in.ConsumeIntegralInRange<int>(1, 700)));
-    } else if (pick < 25) {
-        charts.drop(w, {kInstrument});
-    } else if (pick < 27) {
-        if (charts.destroy(w)) g_destroyed.push_back(w);
-    } else if (pick < 29) {
-        if (charts.widgets().size() < 6) {
-            void* made = charts.create(host::data::ChartType(in.ConsumeIntegralInRange<int>(0, 2)));
-            if (made && in.ConsumeBool()) charts.drop(made, {kInstrument});
-        }
-    } else if (pick < 31) {
-        if (g_emulator->layouts().save(w, g_layoutPath)) {
-            host::data::ChartType type;
-            if (g_emulator->layouts().typeOf(g_layoutPath, &type)) g_emulator->layouts().load(type, g_layoutPath);
-        }
-    } else {
-        charts.print(w);
+    const Job job = kJobs[in.ConsumeIntegralInRange<std::size_t>(0, std::size(kJobs) - 1)];
+    switch (job) {
+        case Job::Undo:
+            g_emulator->undo().undo();
+            break;
+        case Job::Replay:
+            g_emulator->data().replay(kInstrument, in.ConsumeIntegralInRange<std::size_t>(1, 20));
+            break;
+        case Job::ToolTip:
+            if (QWidget* chart = charts.chartWidget(w)) charts.toolTipAt(w, Where(in, chart));
+            break;
+        case Job::Grab:
+            charts.grab(w, QSize(in.ConsumeIntegralInRange<int>(1, 900), in.ConsumeIntegralInRange<int>(1, 700)));
+            break;
+        case Job::Drop:
+            charts.drop(w, {kInstrument});
+            break;
+        case Job::Destroy:
+            if (charts.destroy(w)) g_destroyed.push_back(w);
+            break;
+        case Job::Create:
+            if (charts.widgets().size() < 6) {
+                void* made = charts.create(host::data::ChartType(in.ConsumeIntegralInRange<int>(0, 2)));
+                if (made && in.ConsumeBool()) charts.drop(made, {kInstrument});
+            }
+            break;
+        case Job::Layout:
+            if (g_emulator->layouts().save(w, g_layoutPath)) {
+                host::data::ChartType type;
+                if (g_emulator->layouts().typeOf(g_layoutPath, &type)) g_emulator->layouts().load(type, g_layoutPath);
+            }
+            break;
+        case Job::Print:
+            charts.print(w);
+            break;
     }
 }
 
 // What a step does, by weight: the mouse most of the time; the terminal's heavier work
 // (layouts, printing, new windows) now and then, so that an input stays cheap.
+// The heavier acts lie inside the range, as above; the first and the last are cheap.
 enum class Act { Press, DoubleClick, Hover, Wheel, Key, Menu, Drop, Controls, Property, Tool, Message, Terminal };
-const std::pair<Act, int> kActs[] = {{Act::Press, 20}, {Act::DoubleClick, 4}, {Act::Hover, 6}, {Act::Wheel, 4},
-                                     {Act::Key, 5},     {Act::Menu, 2},        {Act::Drop, 4},  {Act::Controls, 4},
-                                     {Act::Property, 3}, {Act::Tool, 4},       {Act::Message, 5}, {Act::Terminal, 3}};
+const std::pair<Act, int> kActs[] = {{Act::Press, 20},   {Act::Wheel, 4},   {Act::Key, 5},      {Act::DoubleClick, 4},
+                                     {Act::Menu, 2},     {Act::Drop, 4},    {Act::Terminal, 3}, {Act::Controls, 4},
+                                     {Act::Property, 3}, {Act::Message, 5}, {Act::Tool, 4},     {Act::Hover, 6}};
 
 Act Pick(FuzzedDataProvider& in) {
     int total = 0;
@@ -313,6 +338,7 @@ Act Pick(FuzzedDataProvider& in) {
     }
     return Act::Press;
 }
+
 
 void Step(FuzzedDataProvider& in) {
     const Act act = Pick(in);

@@ -8,6 +8,8 @@
 //
 // The module must neither crash nor trip a sanitizer. Messages that arrive with later work
 // get one line in kMessages.
+#include <iterator>
+
 #include "HostReplies.h"
 
 namespace {
@@ -16,40 +18,46 @@ using namespace fuzz;
 
 // ---- what the person at the terminal does meanwhile ----
 
+// The dear gestures (a window made or destroyed, which the next input makes again) lie
+// inside the range, so that runs of 0x00 or 0xFF bytes, which pick its ends, choose cheap ones.
+enum class Move { Key, Undo, Click, Create, Grab, Layout, Destroy, Drop, Replay };
+const Move kMoves[] = {Move::Key,    Move::Undo,    Move::Click, Move::Create, Move::Grab,
+                       Move::Layout, Move::Destroy, Move::Drop,  Move::Replay, Move::Undo};
+
 void Gesture(FuzzedDataProvider& in) {
     host::ChartWindows& charts = g_emulator->charts();
     const std::vector<void*> windows = charts.widgets();
     void* const w = windows.empty() ? nullptr : windows[in.ConsumeIntegralInRange<std::size_t>(0, windows.size() - 1)];
-    switch (in.ConsumeIntegralInRange<int>(0, 9)) {
-        case 0:
+    switch (kMoves[in.ConsumeIntegralInRange<std::size_t>(0, std::size(kMoves) - 1)]) {
+        case Move::Create:
             if (windows.size() < 6) charts.create(host::data::ChartType(in.ConsumeIntegralInRange<int>(0, 2)));
             break;
-        case 1:
+        case Move::Drop:
             if (w) charts.drop(w, {kInstrument});
             break;
-        case 2:
+        case Move::Replay:
             g_emulator->data().replay(kInstrument, in.ConsumeIntegralInRange<std::size_t>(1, 20));
             break;
-        case 3:
+        case Move::Grab:
             if (w) charts.grab(w, QSize(in.ConsumeIntegralInRange<int>(1, 900), in.ConsumeIntegralInRange<int>(1, 700)));
             break;
-        case 4:
+        case Move::Click:
             if (w) charts.click(w, QPoint(in.ConsumeIntegralInRange<int>(-5, 900), in.ConsumeIntegralInRange<int>(-5, 700)));
             break;
-        case 5:
+        case Move::Key:
             if (w) charts.pressKey(w, in.PickValueInArray({Qt::Key_Delete, Qt::Key_Plus, Qt::Key_Minus, Qt::Key_Left,
                                                            Qt::Key_Right, Qt::Key_Home, Qt::Key_End, Qt::Key_Escape}));
             break;
-        case 6:
+        case Move::Undo:
             g_emulator->undo().undo();
             break;
-        case 7:
+        case Move::Layout:
             if (w && g_emulator->layouts().save(w, g_layoutPath)) {
                 host::data::ChartType type;
                 if (g_emulator->layouts().typeOf(g_layoutPath, &type)) g_emulator->layouts().load(type, g_layoutPath);
             }
             break;
-        default:
+        case Move::Destroy:
             if (w && charts.destroy(w)) g_destroyed.push_back(w);
             break;
     }

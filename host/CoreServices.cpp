@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QTextStream>
 #include <QTranslator>
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -150,11 +151,21 @@ std::string CoreServices::selectedLanguage() const {
 int CoreServices::registerComponent(coreInterfaceRequest* record, std::string& detail) {
     if (!record) return 1;
     // The host hands out a handle of its own; messages still go to the object's address.
-    Component c{field(record->name, sizeof record->name), host_.newHandle(),
-                reinterpret_cast<void*>(record->result)};
-    components_.push_back(c);
-    host_.addInterface({field(record->kind, sizeof record->kind),
-                        field(record->provider, sizeof record->provider), c.name, c.handle});
+    // A name registered again keeps its handle and takes the new address: the terminal
+    // lists a component once, however often the module announces it.
+    const std::string name = field(record->name, sizeof record->name);
+    void* const object = reinterpret_cast<void*>(record->result);
+    auto known = std::find_if(components_.begin(), components_.end(),
+                              [&name](const Component& c) { return c.name == name; });
+    if (known != components_.end()) {
+        known->object = object;
+    } else {
+        components_.push_back(Component{name, host_.newHandle(), object});
+        host_.addInterface({field(record->kind, sizeof record->kind),
+                            field(record->provider, sizeof record->provider), name, components_.back().handle});
+        known = components_.end() - 1;
+    }
+    const Component& c = *known;
     record->result = reinterpret_cast<void**>(c.handle);
     detail = "register " + field(record->kind, sizeof record->kind) + "/" +
              field(record->provider, sizeof record->provider) + "/" + c.name +

@@ -195,6 +195,8 @@ inline void End() {
             DestroyKept();
             charts.destroyAll();
             g_arrayCopies.clear();
+            // The chart leaves the studies of the windows it destroyed to the terminal.
+            g_emulator->studies().forgetStudies();
         }
         if (recycle) {
             g_inputsSinceRecycle = 0;

@@ -108,6 +108,20 @@ TEST_F(StartUp, RegistrationInsertsTextsThenRegistersThreeInterfaces) {
     EXPECT_EQ(subs[0].subscriberId, std::int32_t(reinterpret_cast<std::intptr_t>(components[0].handle)));
     EXPECT_EQ(subs[0].object, components[0].object);
     EXPECT_NE(components[0].object, components[1].object);
+
+    // A component announced again is listed once, under its handle, at its new address.
+    const std::size_t interfaces = H().interfaces().size();
+    void* const handle = components[1].handle;
+    coreInterfaceRequest again{};
+    std::strcpy(again.kind, "Windowcomponent");
+    std::strcpy(again.provider, "TELVIX");
+    std::strcpy(again.name, "Renko");
+    again.result = reinterpret_cast<void**>(components[0].object);
+    ASSERT_EQ(H().callback(H().coreHandle(), MSG_REGISTER_INTERFACE, reinterpret_cast<std::intptr_t>(&again), 0), 0);
+    EXPECT_EQ(Core().components().size(), 3u);
+    EXPECT_EQ(H().interfaces().size(), interfaces);
+    EXPECT_EQ(reinterpret_cast<void*>(again.result), handle);
+    EXPECT_EQ(Core().components()[1].object, components[0].object);
 }
 
 TEST_F(StartUp, TextsComeBackTranslatedForTheSelectedLanguage) {

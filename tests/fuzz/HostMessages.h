@@ -13,6 +13,7 @@
 #include <optional>
 
 #include "FuzzTerminal.h"
+#include "host/PropertyDialog.h"
 
 namespace fuzz {
 
@@ -200,8 +201,25 @@ inline void Caption(FuzzedDataProvider& in, std::intptr_t* p1, std::intptr_t* p2
 inline void Property(FuzzedDataProvider& in, std::intptr_t* p1, std::intptr_t* p2) {
     unsigned char* r = in.ConsumeIntegralInRange<int>(0, 7) ? Record(in, sizeof(PROPERTY_CHANGE)) : nullptr;
     if (r) {
-        Put(r, offsetof(PROPERTY_CHANGE, page), ArenaPointer(in, 4096));
-        Put(r, offsetof(PROPERTY_CHANGE, widget), WidgetHandle(in));
+        // The page: none, the window's own (as the terminal's dialog sends it), or one of the
+        // host's with any bytes but no group list: the groups are pointers into the host's
+        // memory, which a record of random bytes cannot give.
+        void* const widget = WidgetHandle(in);
+        void* page = nullptr;
+        host::PropertyDialog* open = in.ConsumeBool() ? g_emulator->properties().dialogFor(widget) : nullptr;
+        if (open) {
+            page = open->page();
+        } else if (in.ConsumeBool()) {
+            // Apart from the arena, so that the change record cannot overlap it.
+            static PROPERTY_PAGE own;
+            const std::vector<unsigned char> bytes = in.ConsumeBytes<unsigned char>(sizeof own);
+            std::memset(&own, in.ConsumeIntegral<unsigned char>(), sizeof own);
+            if (!bytes.empty()) std::memcpy(&own, bytes.data(), bytes.size());
+            own.groups = nullptr;
+            page = &own;
+        }
+        Put(r, offsetof(PROPERTY_CHANGE, page), page);
+        Put(r, offsetof(PROPERTY_CHANGE, widget), widget);
     }
     *p1 = P(r);
     *p2 = in.ConsumeIntegral<std::int32_t>();

@@ -373,7 +373,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     FuzzedDataProvider in(data, size);
     Begin(in);
     g_recent.clear();
-    for (int step = 0; step < 32 && in.remaining_bytes() > 0; ++step) {
+    // Sixteen steps at most: the kept windows carry what an input did into the next, so
+    // longer sequences form across inputs, and short inputs reach as much in a minute as
+    // twice as long ones (measured: cov 16.7-17.0k against 16.1-16.9k in 60 s).
+    for (int step = 0; step < 16 && in.remaining_bytes() > 0; ++step) {
         Unescaped("a step", [&] { Step(in); });
         // What the steps posted (repaints, deferred deletes, timers due) runs as the event
         // loop would run it between a person's actions.

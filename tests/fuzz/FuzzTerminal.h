@@ -64,7 +64,7 @@ inline std::vector<void*> g_destroyed;  // widget addresses that were live once
 // The kept windows, one per chart type; null once destroyed.
 inline std::array<void*, 3> g_kept{};
 inline int g_inputsSinceRecycle = 0;
-const int kRecycle = 1024;
+const int kRecycle = 256;
 
 // Copies of the host's data point arrays with random prices (HostReplies.h), handed out in
 // place of the originals. They live until every window that was shown them is gone.

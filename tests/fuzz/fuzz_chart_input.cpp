@@ -288,7 +288,7 @@ void Terminal(FuzzedDataProvider& in, void* w) {
             g_emulator->undo().undo();
             break;
         case Job::Replay:
-            g_emulator->data().replay(kInstrument, in.ConsumeIntegralInRange<std::size_t>(1, 20));
+            g_emulator->data().replay(kInstrument, in.ConsumeIntegralInRange<std::size_t>(1, 6));
             break;
         case Job::ToolTip:
             if (QWidget* chart = charts.chartWidget(w)) charts.toolTipAt(w, Where(in, chart));

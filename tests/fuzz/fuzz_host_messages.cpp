@@ -36,7 +36,7 @@ void Gesture(FuzzedDataProvider& in) {
             if (w) charts.drop(w, {kInstrument});
             break;
         case Move::Replay:
-            g_emulator->data().replay(kInstrument, in.ConsumeIntegralInRange<std::size_t>(1, 20));
+            g_emulator->data().replay(kInstrument, in.ConsumeIntegralInRange<std::size_t>(1, 6));
             break;
         case Move::Grab:
             if (w) charts.grab(w, QSize(in.ConsumeIntegralInRange<int>(1, 900), in.ConsumeIntegralInRange<int>(1, 700)));

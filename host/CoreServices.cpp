@@ -153,23 +153,19 @@ int CoreServices::registerComponent(coreInterfaceRequest* record, std::string& d
     // The host hands out a handle of its own; messages still go to the object's address.
     // A name registered again keeps its handle and takes the new address: the terminal
     // lists a component once, however often the module announces it.
+    const std::string kind = field(record->kind, sizeof record->kind);
+    const std::string provider = field(record->provider, sizeof record->provider);
     const std::string name = field(record->name, sizeof record->name);
-    void* const object = reinterpret_cast<void*>(record->result);
     auto known = std::find_if(components_.begin(), components_.end(),
                               [&name](const Component& c) { return c.name == name; });
-    if (known != components_.end()) {
-        known->object = object;
-    } else {
-        components_.push_back(Component{name, host_.newHandle(), object});
-        host_.addInterface({field(record->kind, sizeof record->kind),
-                            field(record->provider, sizeof record->provider), name, components_.back().handle});
+    if (known == components_.end()) {
+        components_.push_back(Component{name, host_.newHandle(), nullptr});
+        host_.addInterface({kind, provider, name, components_.back().handle});
         known = components_.end() - 1;
     }
-    const Component& c = *known;
-    record->result = reinterpret_cast<void**>(c.handle);
-    detail = "register " + field(record->kind, sizeof record->kind) + "/" +
-             field(record->provider, sizeof record->provider) + "/" + c.name +
-             " second=" + std::to_string(record->count);
+    known->object = reinterpret_cast<void*>(record->result);
+    record->result = reinterpret_cast<void**>(known->handle);
+    detail = "register " + kind + "/" + provider + "/" + name + " second=" + std::to_string(record->count);
     return 0;
 }
 

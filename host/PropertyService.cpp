@@ -145,12 +145,17 @@ PropertyDialog* PropertyService::current() const {
 }
 
 void PropertyService::close(void* widget) {
-    for (const QPointer<PropertyDialog>& d : dialogs_)
-        if (d && d->widget() == widget) {
+    std::vector<QPointer<PropertyDialog> > kept;
+    for (const QPointer<PropertyDialog>& d : dialogs_) {
+        if (d && d->widget() != widget) {
+            kept.push_back(d);
+        } else if (d) {
             d->forgetPage();
             d->hide();
             d->deleteLater();
         }
+    }
+    dialogs_.swap(kept);
 }
 
 void PropertyService::closeAll() {

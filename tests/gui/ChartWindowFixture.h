@@ -96,6 +96,19 @@ struct ChartWindowFixture : ::testing::Test {
     }
     void TearDown() override { widget.reset(); }
 
+    // The host names a main window interface (0x3000) too, which receives the requests to
+    // show an indicator's or a study's properties.
+    void AnswerMainWindow() {
+        host.on(MSG_GET_INTERFACE, [](void*, std::intptr_t p1, std::intptr_t) {
+            coreInterfaceRequest* r = reinterpret_cast<coreInterfaceRequest*>(p1);
+            if (r->count < 1) return 1;
+            if (std::strcmp(r->kind, "CHARTTYPE") == 0) r->result[0] = reinterpret_cast<void*>(std::intptr_t(0x2000));
+            else if (std::strcmp(r->kind, "MAINWINDOW") == 0) r->result[0] = reinterpret_cast<void*>(std::intptr_t(0x3000));
+            else return 1;
+            return 0;
+        });
+    }
+
     Series* Known(std::intptr_t handle) {
         for (Series& s : series)
             if (reinterpret_cast<std::intptr_t>(&s) == handle) return &s;

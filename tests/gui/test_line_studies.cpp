@@ -36,14 +36,7 @@ struct LineStudies : ChartWindowFixture {
                 const int r = provider.Handle(target, m, p1, p2);
                 return r < 0 ? 1 : r;
             });
-        host.on(MSG_GET_INTERFACE, [](void*, std::intptr_t p1, std::intptr_t) {
-            coreInterfaceRequest* r = reinterpret_cast<coreInterfaceRequest*>(p1);
-            if (r->count < 1) return 1;
-            if (std::strcmp(r->kind, "CHARTTYPE") == 0) r->result[0] = reinterpret_cast<void*>(std::intptr_t(0x2000));
-            else if (std::strcmp(r->kind, "MAINWINDOW") == 0) r->result[0] = reinterpret_cast<void*>(std::intptr_t(0x3000));
-            else return 1;
-            return 0;
-        });
+        AnswerMainWindow();
         Show("EURUSD");
         host.clear();
     }

@@ -21,14 +21,7 @@ struct WidgetMouse : ChartWindowFixture {
     void SetUp() override {
         ChartWindowFixture::SetUp();
         // The main window receives the request to show an indicator's properties.
-        host.on(MSG_GET_INTERFACE, [](void*, std::intptr_t p1, std::intptr_t) {
-            coreInterfaceRequest* r = reinterpret_cast<coreInterfaceRequest*>(p1);
-            if (r->count < 1) return 1;
-            if (std::strcmp(r->kind, "CHARTTYPE") == 0) r->result[0] = reinterpret_cast<void*>(std::intptr_t(0x2000));
-            else if (std::strcmp(r->kind, "MAINWINDOW") == 0) r->result[0] = reinterpret_cast<void*>(std::intptr_t(0x3000));
-            else return 1;
-            return 0;
-        });
+        AnswerMainWindow();
         Show("EURUSD");
         host.clear();
     }

@@ -26,6 +26,16 @@ fxdDealAccount Account(std::uint32_t deal, int id, const QString& name) {
 // The count field of the module's packed request record, read by value.
 std::int32_t DealCount(const PFChartModule& module) { return module.GetDealRequest().count; }
 
+// A day-off event from the module's host handle carrying one payload.
+FXEvent DayOffEvent(const PFChartModule& module, fxdDayOffEventPayload* payload) {
+    FXEvent event{};
+    event.sender = module.GetPFInterface()->GetHostHandle();
+    event.code = EVENT_DAYOFF_CHANGED;
+    event.payloadCount = 1;
+    event.payload = payload;
+    return event;
+}
+
 std::vector<int> Ids(const AccountList& list) {
     std::vector<int> ids;
     for (const auto& entry : list.GetEntries()) ids.push_back(entry->GetAccountId());
@@ -140,11 +150,7 @@ TEST_F(ChartModuleHost, MainWindowAndTransportAreAskedOnce) {
 
 TEST_F(ChartModuleHost, UnbelievableCountsAllocateNothing) {
     fxdDayOffEventPayload payload = {0xD1, 1};
-    FXEvent event{};
-    event.sender = module.GetPFInterface()->GetHostHandle();
-    event.code = EVENT_DAYOFF_CHANGED;
-    event.payloadCount = 1;
-    event.payload = &payload;
+    FXEvent event = DayOffEvent(module, &payload);
     for (std::int32_t bad : {0, -1, 100001, 0x7fffffff}) {
         interfaces = bad;
         host.clear();
@@ -183,11 +189,7 @@ TEST_F(ChartModuleHost, NullDealHandlesAreAskedLikeAnyOther) {
 
     // A day-off event naming deal handle 0 is asked about too.
     fxdDayOffEventPayload payload = {0, 1};
-    FXEvent event{};
-    event.sender = module.GetPFInterface()->GetHostHandle();
-    event.code = EVENT_DAYOFF_CHANGED;
-    event.payloadCount = 1;
-    event.payload = &payload;
+    FXEvent event = DayOffEvent(module, &payload);
     host.clear();
     module.ReceiveMessageWrap(nullptr, MSG_EVENT, reinterpret_cast<std::intptr_t>(&event), 0);
     ASSERT_EQ(host.find(MSG_DEAL_DAYOFF_COUNT).size(), 1u);

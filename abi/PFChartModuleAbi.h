@@ -1,7 +1,8 @@
 // The module's binary interface with the terminal.
 //
 // The terminal loads libPFChartModule.so.1 with dlopen and finds four unmangled C
-// functions with dlsym. Nothing else is exported.
+// functions with dlsym, and a fifth for its skin (LoadSkin, below). Nothing else is
+// exported.
 //
 // Lifecycle, in the order the terminal drives it:
 //   1. dlopen: the library's single module object is constructed.
@@ -17,8 +18,23 @@
 //      target is then the interface's address); see abi/messages.h.
 //   8. dlclose: the module object is destroyed.
 //
-// ReceiveMessage never lets an exception out: a handler that throws answers 1.
+// ReceiveMessage never lets an exception out: a handler that throws answers 1. A number
+// the module does not handle does nothing and answers 0, whatever its parameters are.
 // Every call happens on the terminal's GUI thread.
+//
+// LoadSkin(path): the terminal's skin changed. Skins have an entry point of their own, so
+// that no message number of the terminal's can ever be taken for one. Callable any time
+// after Initialize (the document is opened through the host callback, 3163 and 3164):
+//   - path: a UTF-16 text ending in 0 within its first 255 units. Null or empty: the
+//     module's built-in look.
+//   - A text without a terminator within 255 units is not read past them: refused, the
+//     skin left as it is, logged.
+//   - Any other path first resets the built-in look, then reads the document; a path over
+//     254 units, a document the host does not open or one without a "MainWindow" root
+//     keeps the built-in look and is logged ("Skin not read ...").
+//   - Every open chart window is restyled, and windows made later start in the new look.
+//   - Answer: 0 when a document was read or the built-in look asked for, 1 otherwise.
+//     Nothing thrown gets out (the answer is 1 then).
 //
 // Parameters are pointer-sized integers because they often carry record addresses; on the
 // 32-bit terminal intptr_t is int and the signatures are exactly the terminal's.
@@ -39,6 +55,7 @@ typedef void (*InitializeFn)(HostCallback callback, HostCallback callback2, void
 typedef int (*ReceiveMessageFn)(void* target, unsigned int message, std::intptr_t param1,
                                 std::intptr_t param2);
 typedef void* (*GetModuleFn)();
+typedef int (*LoadSkinFn)(const std::uint16_t* path);
 }
 
 // Names the terminal looks up with dlsym.
@@ -46,3 +63,4 @@ typedef void* (*GetModuleFn)();
 #define PF_SYMBOL_INITIALIZE "Initialize"
 #define PF_SYMBOL_RECEIVE_MESSAGE "ReceiveMessage"
 #define PF_SYMBOL_GET_MODULE "GetModule"
+#define PF_SYMBOL_LOAD_SKIN "LoadSkin"

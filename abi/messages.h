@@ -97,10 +97,6 @@ enum PFHostMessage : unsigned int {
     MSG_UNDO_REQUEST = 3140,         // p1 coreUndoStart
     MSG_CONVERT_TO_TYPE = 3545,      // p1 0 middle, 1 bid, other ask
     MSG_NEED_TO_CONVERT = 3546,      // p1 coreConvertList
-    // The terminal's skin changed. Not one of the messages the module switch answers: it
-    // loads the skin and answers 0 like any other; a skin it could not read is logged.
-    MSG_LOAD_SKIN = 3560,            // p1 const coreWChar* path of a skin document, NUL-terminated
-                                     // within 255 units (null or empty: the built-in look)
 
     // host -> chart type interface
     MSG_PANEL_STATUS = 3518,

@@ -268,8 +268,10 @@ boost::shared_ptr<pf::DataSource> PFChartWidget::CreateDataSource(void* baseHand
     const QByteArray type = priceType_.toLatin1();
     void* handle = pf::DataSource::Create(module_, provider, name.name, type.constData(), period, 1, nullptr);
     if (!handle) return boost::shared_ptr<pf::DataSource>();
-    boost::shared_ptr<pf::DataSource> source(new pf::DataSource(module_, this, handle, name, baseHandle));
+    // Subscribed before the data source fetches its first array: the host hears of the
+    // window's interest in the object before it is asked for the object's data.
     pf::DataSource::Subscribe(module_, GetCurrentInterface(), this, handle);
+    boost::shared_ptr<pf::DataSource> source(new pf::DataSource(module_, this, handle, name, baseHandle));
     // A full update at once: every array of the object and the base series' name.
     coreCoreUpdateDpaData update;
     std::memset(&update, 0, sizeof update);

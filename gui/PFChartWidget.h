@@ -163,10 +163,11 @@ public:
     // Escape: every study being placed is cancelled.
     void CancelCreatingLineStudies();
     // After an undo rebuilt `count` objects: scales, time scale, scroll bar and title follow,
-    // and the host hears 3142.
+    // and the count is added to the undo's total.
     void AfterRestore(int count);
-    // Tells the host that an undo has ended (3142) with `count` objects rebuilt.
-    void SendUndoRefreshed(int count);
+    // Tells the host that an undo has ended (3142) with the total of objects the undo's
+    // commands rebuilt, once per undo, and starts a new total.
+    void SendUndoRefreshed();
     // Undoes a record of the host's undo stack (3140); the result record receives the
     // record's first, third and fourth words. Returns 0 when done.
     int UndoPop(const coreUndoStart* record, coreUndoRefresh* result);
@@ -396,6 +397,8 @@ private:
     boost::shared_ptr<CTimeScrollBar> scrollBar_;
     PFChartModule* module_;
     int chartType_;
+    // Objects rebuilt so far by the commands of the undo under way (3142 tells the total).
+    int undoRestored_ = 0;
     void* hostHandle_;
     QWidget* second_;
     pf::gui::ToolBar* toolBar_;

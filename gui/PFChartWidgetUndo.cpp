@@ -77,10 +77,12 @@ void PFChartWidget::AfterRestore(int count) {
     SetScrollRange();
     UpdateTitle();
     update();
-    SendUndoRefreshed(count);
+    undoRestored_ += count;
 }
 
-void PFChartWidget::SendUndoRefreshed(int count) {
+void PFChartWidget::SendUndoRefreshed() {
+    const int count = undoRestored_;
+    undoRestored_ = 0;
     if (module_ && module_->sendToHost)
         module_->sendToHost(module_->hostHandle, MSG_UNDO_REFRESHED, reinterpret_cast<std::intptr_t>(this), count);
 }
@@ -89,6 +91,7 @@ int PFChartWidget::UndoPop(const coreUndoStart* record, coreUndoRefresh* result)
     if (!record || !result) return 1;
     std::memset(result, 0, sizeof *result);
     const BusyScope busy(this);
+    undoRestored_ = 0;
     const coreUndoStart start = *record;
     // A move not yet recorded is not on the host's stack: the host undoes what came before.
     pendingUndo_.reset();

@@ -111,8 +111,11 @@ void PFChartWidget::FromXML(const boost::shared_ptr<CXMLWorkData>& tree) {
     // Areas, layers and indicators whose data the host could not give are dropped.
     gx::WidgetWalker2<gx::DeleteSelItems>(chart_.get(), gx::DeleteSelItems()).Walk();
     UpdateScaleWidth();
+    // A time scale belongs to a window that shows something: a layout that brings no area
+    // leaves the window as empty as a new one.
+    if (chart_->GetAreas().empty()) timeScale_.reset();
+    else CreateTimeScale();
     PlaceChildren();
-    CreateTimeScale();
     UpdateTimeScale();
     if (!chart_->GetAreas().empty()) {
         SetScrollRange();

@@ -88,7 +88,7 @@ void CTimeScrollBar::mouseMoveEvent(QMouseEvent* event) {
     if (event->buttons() & Qt::LeftButton) setValue(ValueAt(event->pos().x()));
 }
 
-void CTimeScrollBar::ToXml(CXMLWorkData* tree, int zoomType) const {
+void CTimeScrollBar::ToXml(CXMLWorkData* tree, int zoomType, const std::function<void(CXMLWorkData&)>& more) const {
     if (!tree) return;
     std::unique_ptr<CXMLWorkData> node(tree->createNode(kNodeName));
     if (!node) return;
@@ -99,6 +99,7 @@ void CTimeScrollBar::ToXml(CXMLWorkData* tree, int zoomType) const {
     node->writeInteger("nScreenDataPoints", nScreenDataPoints_);
     node->writeInteger("nZoomType", zoomType);
     if (const QSlider* slider = ZoomSlider()) node->writeInteger("zoomSlider", slider->value());
+    if (more) more(*node);
     node->writeParameters();
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QAbstractSlider>
+#include <functional>
 
 class PFChartWidget;
 class CXMLWorkData;
@@ -22,9 +23,10 @@ public:
 
     // The zoom state before a zoom of kind `zoomType` (0 zoom in, 1 zoom out, 2 slider) as a
     // child node "Node" of `tree`: "ObjectType" 3, "ObjHandle", "nScreenDataPoints",
-    // "nZoomType" and, with a zoom slider, "zoomSlider"; then the node's parameters are
-    // written.
-    void ToXml(CXMLWorkData* tree, int zoomType) const;
+    // "nZoomType" and, with a zoom slider, "zoomSlider"; then `more` adds what its caller
+    // keeps beside them, and the node's parameters are written, once.
+    void ToXml(CXMLWorkData* tree, int zoomType,
+               const std::function<void(CXMLWorkData&)>& more = std::function<void(CXMLWorkData&)>()) const;
     // Restores the zoom state from such a node itself (only when the chart has an area):
     // "nScreenDataPoints" comes back, then the zoom is taken back: "nZoomType" 0 zooms out,
     // 1 zooms in (both without recording), 2 sets the slider back to "zoomSlider" and the

@@ -151,23 +151,6 @@ void Chart::RePlaceInstrument() {
     }
 }
 
-void Chart::RequestLastData() {
-    // The data core pushes every change of a subscribed object (3009); asking again means
-    // refreshing each indicator from its source's current arrays.
-    FindAllIndicators all = WidgetWalker<FindAllIndicators>(this, FindAllIndicators()).Walk();
-    for (const boost::shared_ptr<Indicator>& indicator : all.indicators) {
-        const boost::shared_ptr<pf::DataSource>& source = indicator->GetDataSource();
-        if (!source) continue;
-        coreCoreUpdateDpaData update;
-        std::memset(&update, 0, sizeof update);
-        update.handle = source->GetHandle();
-        update.subscriber = widget_;
-        source->UpdateData(&update);
-        indicator->UpdateLines();
-    }
-    UpdateScreen();
-}
-
 void Chart::keyPressEvent(const QKeyEvent& event) {
     for (const boost::shared_ptr<Area>& area : std::vector<boost::shared_ptr<Area> >(areas_)) area->keyPressEvent(event);
     if (event.key() != Qt::Key_Delete) {

@@ -91,8 +91,6 @@ public:
     QString UpdateTitle();
     // Removes the selected objects bottom-up and tells the host "Replace instrument".
     void RePlaceInstrument();
-    // Asks the host's data core for the newest data of every indicator.
-    void RequestLastData();
 
     void mousePressEvent(const QMouseEvent& event);
     void mouseReleaseEvent(const QMouseEvent& event);

@@ -85,15 +85,7 @@ int Emulator::loadSkin(const QString& path) {
     // The path travels as UTF-16 with its terminator; the module reads at most 255 units.
     std::vector<ushort> text(path.utf16(), path.utf16() + path.size());
     text.push_back(0);
-    // The module answers 0 either way; a skin it did not read shows in its log.
-    const std::size_t logged = core_->logRecords().size();
-    const int answer = host_->send(nullptr, MSG_LOAD_SKIN, reinterpret_cast<std::intptr_t>(text.data()), 0,
-                                   "skin " + path.toStdString());
-    if (answer != 0) return answer;
-    const auto& records = core_->logRecords();
-    for (std::size_t i = logged; i < records.size(); ++i)
-        if (records[i].text.startsWith(QLatin1String("Skin not read"))) return 1;
-    return 0;
+    return host_->loadSkin(text.data(), path.toStdString());
 }
 
 QString Emulator::moduleText(const char* key) const {

@@ -63,10 +63,10 @@ public:
     const MODULE_INFO& moduleInfo() const { return info_; }
     // 3004, 3007, 3066.
     void startUp();
-    // Tells the module the terminal's skin changed (3560): the module has the work-data store
-    // open the skin document at `path` (3163) and restyles its chart windows. An empty path
-    // asks for the module's built-in look. 0 when the module read the document; 1 when it
-    // logged that it read none (its answer to 3560 is 0 either way).
+    // Tells the module the terminal's skin changed (its LoadSkin entry point): the module has
+    // the work-data store open the skin document at `path` (3163) and restyles its chart
+    // windows. An empty path asks for the module's built-in look. The module's answer: 0 when
+    // it read the document (or gave the built-in look), 1 when it read none.
     int loadSkin(const QString& path);
     // The text of one of the module's translation keys as the terminal's table holds it
     // (the module inserts its defaults at 3007); empty when it has none.

@@ -110,4 +110,14 @@ int Host::send(void* target, unsigned int message, std::intptr_t p1, std::intptr
     return result;
 }
 
+int Host::loadSkin(const std::uint16_t* path, const std::string& detail) {
+    if (!loader_->loadSkin) return 1;
+    const std::size_t index = journal_.entries().size();
+    journal_.add({Journal::ToModule, 0, Journal::kEntryPointCall, reinterpret_cast<std::intptr_t>(path), 0, 0,
+                  detail.empty() ? "LoadSkin" : "LoadSkin " + detail});
+    const int result = loader_->loadSkin(path);
+    journal_.at(index).result = result;
+    return result;
+}
+
 }  // namespace host

@@ -77,6 +77,11 @@ public:
     int send(void* target, unsigned int message, std::intptr_t p1 = 0, std::intptr_t p2 = 0,
              const std::string& detail = std::string());
 
+    // Calls the module's LoadSkin entry point with `path` (UTF-16, NUL-terminated) and
+    // journals it as an entry-point call ("LoadSkin" and `detail`); 1 when the module has
+    // no such entry point.
+    int loadSkin(const std::uint16_t* path, const std::string& detail = std::string());
+
     Journal& journal() { return journal_; }
     const Journal& journal() const { return journal_; }
 

@@ -11,6 +11,9 @@ namespace host {
 class Journal {
 public:
     enum Direction { ToHost, ToModule };
+    // The message number of an entry that is a call of an exported function other than
+    // ReceiveMessage (LoadSkin): its name and argument are in the detail.
+    static constexpr unsigned int kEntryPointCall = 0;
 
     struct Entry {
         Direction direction;

@@ -15,6 +15,7 @@ bool ModuleLoader::load(const std::string& path, std::string* error) {
     initialize = reinterpret_cast<InitializeFn>(dlsym(handle_, PF_SYMBOL_INITIALIZE));
     receiveMessage = reinterpret_cast<ReceiveMessageFn>(dlsym(handle_, PF_SYMBOL_RECEIVE_MESSAGE));
     getModule = reinterpret_cast<GetModuleFn>(dlsym(handle_, PF_SYMBOL_GET_MODULE));
+    loadSkin = reinterpret_cast<LoadSkinFn>(dlsym(handle_, PF_SYMBOL_LOAD_SKIN));
     if (!getModuleInfo || !initialize || !receiveMessage) {
         if (error) *error = "module lacks an entry point: " + path;
         unload();
@@ -30,6 +31,7 @@ void ModuleLoader::unload() {
     initialize = nullptr;
     receiveMessage = nullptr;
     getModule = nullptr;
+    loadSkin = nullptr;
 }
 
 }  // namespace host

@@ -1,4 +1,5 @@
-// Loads the module the way the terminal does: dlopen, then dlsym of the four entry points.
+// Loads the module the way the terminal does: dlopen, then dlsym of the four entry points
+// and of the skin's (a module without it still loads; the terminal then has no skins).
 #pragma once
 
 #include <string>
@@ -19,6 +20,7 @@ public:
     InitializeFn initialize = nullptr;
     ReceiveMessageFn receiveMessage = nullptr;
     GetModuleFn getModule = nullptr;
+    LoadSkinFn loadSkin = nullptr;
 
 private:
     void* handle_ = nullptr;

@@ -94,14 +94,18 @@ PFChartWidget* ChartInterface::CreateWindowComponent(CREATEWINDOWCOMPONENT* reco
 }
 
 int ChartInterface::DestroyWindowComponent(void* target) {
-    // The host hears of every window it asks to destroy, listed or not. Only a listed
-    // widget is known to be one: an unknown address is never read, so its record carries
-    // host handle 0.
+    // The host hears of every window it asks to destroy, listed or not. A window of another
+    // of the module's interfaces is still one of the module's: its record carries its host
+    // handle. Only an address no interface lists is never read; its record carries 0.
     const bool listed = IsListed(target);
+    bool known = listed;
+    if (module_)
+        for (const ChartInterface* iface : {module_->GetPFInterface(), module_->GetRenkoInterface(), module_->GetKagiInterface()})
+            known = known || (iface && iface->IsListed(target));
     PFChartWidget* widget = static_cast<PFChartWidget*>(target);
     if (sendToHost) {
         fxwcWindowDestroyed record;
-        record.hostHandle = listed ? widget->GetHostHandle() : nullptr;
+        record.hostHandle = known ? widget->GetHostHandle() : nullptr;
         record.widget = widget;
         sendToHost(hostHandle, MSG_WINDOW_DESTROYED, reinterpret_cast<std::intptr_t>(&record), 0);
     }

@@ -25,7 +25,9 @@ class PFChartWidget;
 //   5020  p1 an int32 slot: written when not null. 0.
 //   5003  CREATEWINDOWCOMPONENT: 1 for a null record. A window id that names no widget of
 //         the process makes a window without a parent. 0.
-//   5004  p1 the widget: 1 when not listed; else 3150, the window deleted, 0.
+//   5004  p1 the widget: 3150 always, carrying the window's host handle when one of the
+//         module's interfaces lists it (0 for any other address); then 1 when this
+//         interface does not list it (nothing destroyed), else the window deleted, 0.
 //   5005, 5011  p1 the widget: 1 when not listed; else 0.
 //   5012  p1 the widget: 1 when not listed or busy; else printed, 0.
 //   5007  p1 the widget, p2 fxwcDropList: nothing for a widget not listed. Otherwise the
@@ -72,7 +74,8 @@ public:
     // Creates a chart window (5003) inside the widget whose window id the record names and
     // writes its address into the record; null for a null record.
     virtual PFChartWidget* CreateWindowComponent(CREATEWINDOWCOMPONENT* record);
-    // 5004: tells the host (3150), then deletes a listed window; 1 for anything else.
+    // 5004: tells the host (3150, with the window's host handle when it is a window of the
+    // module's), then deletes a window this interface lists; 1 for anything else.
     int DestroyWindowComponent(void* widget);
     // 5007: adds every dropped instrument to a listed window.
     void DropInstruments(void* widget, const fxwcDropList* list);

@@ -27,3 +27,11 @@ PF_EXPORT int ReceiveMessage(void* target, unsigned int message, std::intptr_t p
 }
 
 PF_EXPORT void* GetModule() { return &module; }
+
+PF_EXPORT int LoadSkin(const std::uint16_t* path) {
+    try {
+        return module.LoadSkinFromHost(path);
+    } catch (...) {
+        return 1;
+    }
+}

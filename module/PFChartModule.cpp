@@ -40,8 +40,7 @@ int PFChartModule::UndoRequest(const coreUndoStart* record) {
     return answer;
 }
 
-int PFChartModule::LoadSkinMessage(std::intptr_t p1) {
-    const coreWChar* text = reinterpret_cast<const coreWChar*>(p1);
+int PFChartModule::LoadSkinFromHost(const coreWChar* text) {
     if (!text) return LoadSkin(QString());
     // The path ends within 255 units; a text without a terminator there is refused and the
     // skin stays as it is. The host's text may sit at any address: its units are copied one
@@ -133,11 +132,6 @@ int PFChartModule::Dispatch(void* target, unsigned int message, std::intptr_t p1
             return MwiConvertToType(p1, p2);
         case MSG_NEED_TO_CONVERT:
             return MwiNeedToConvert(p1, p2);
-        case MSG_LOAD_SKIN:
-            // The switch answers 0 here as to every message it has no answer for; a skin
-            // that was not read is logged.
-            LoadSkinMessage(p1);
-            return 0;
         case MSG_LS_UPDATE: {
             // The record names a data array, not a window: every window showing it follows.
             const coreUpdateLs* record = reinterpret_cast<const coreUpdateLs*>(p1);

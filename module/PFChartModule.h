@@ -35,7 +35,8 @@ class TextStatusBar;
 //         list and gives the "English" fonts. Answer 0.
 //   3007  parameters unused. Answer 0, also when the host refuses the registrations.
 //   3066  parameters unused. A deal-interface or account count of 0 or less, or over
-//         100,000, allocates and reads nothing; unfilled handle slots are skipped. Answer 0.
+//         100,000, allocates and reads nothing; a handle slot the host left unfilled (null)
+//         is asked for its accounts like any other: the host answers for it. Answer 0.
 //   3073  coreUpdateLs (p1; p2 unused): the record names a data array, not a window, so
 //         no widget can be unknown: every window of the three interfaces looks for lines
 //         showing that array. A null record, a null array, an empty kind, or a control-point
@@ -52,14 +53,10 @@ class TextStatusBar;
 //   3545  a value, no record: 0 middle, 1 bid, any other value ask. Answer 0.
 //   3546  coreConvertList: a null record, or a count below 0 or of 100,000 and more, is left
 //         as it is (the accounts are re-read first all the same). Answer 0.
-//   3560  p1 the path of a skin document, UTF-16, NUL-terminated (LoadSkinMessage). Answer
-//         0 whatever happens, as for any message the switch has no answer for. Null or
-//         empty: the built-in look. No terminator within 255 units: refused, the skin
-//         unchanged, logged. Any other path first resets the built-in look, then reads the
-//         document; a path over 254 units, a document the host does not open (3163 leaves
-//         the handle 0) or one without a "MainWindow" root keeps the built-in look and is
-//         logged ("Skin not read ..."). Every open window is restyled in both cases.
-//   other numbers: answer 0, nothing done.
+//   other numbers (3560 among them): answer 0, nothing done, the parameters never read.
+//
+// Skins come in through their own entry point, LoadSkin (abi/PFChartModuleAbi.h), never
+// through a message.
 class PFChartModule : public CModule {
 public:
     PFChartModule();
@@ -113,15 +110,16 @@ public:
     int UndoRequest(const coreUndoStart* record);
     gx::TextStatusBar* GetStatusBar() const { return statusBar_.get(); }
 
-    // The look of the chart windows, made with the module. LoadSkin (3560) reads the skin
-    // document at `path` (the built-in look for an empty path) and restyles every open chart
-    // window; 0 when a document was read or the built-in look asked for, else 1.
+    // The look of the chart windows, made with the module. LoadSkin reads the skin document
+    // at `path` (the built-in look for an empty path) and restyles every open chart window;
+    // 0 when a document was read or the built-in look asked for, else 1.
     CSkin* GetSkin() const { return skin_.get(); }
     int LoadSkin(const QString& path);
-    // 3560 as the host sends it: `path` a NUL-terminated UTF-16 text. Null is the built-in
-    // look (as an empty path); a text with no terminator within its first 255 units is never
-    // read past them and answers 1 with the skin left as it is; else LoadSkin's answer.
-    int LoadSkinMessage(std::intptr_t path);
+    // The LoadSkin entry point: `path` a NUL-terminated UTF-16 text from the terminal. Null
+    // is the built-in look (as an empty path); a text with no terminator within its first
+    // 255 units is never read past them and answers 1 with the skin left as it is; else
+    // LoadSkin's answer. A skin not read is logged.
+    int LoadSkinFromHost(const coreWChar* path);
 
     ChartInterface* GetPFInterface() const;
     ChartInterface* GetRenkoInterface() const;

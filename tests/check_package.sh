@@ -50,6 +50,10 @@ echo "$info" | grep -m1 -F "loaded"
 "$usr/bin/pfhost" render --data USDCHF --type pf --size 400x300 --out "$tmp/usdchf.png" >/dev/null ||
     fail "pfhost render of the built-in USDCHF failed"
 [ -s "$tmp/usdchf.png" ] || fail "no picture"
+# The installed module takes the installed sample skin through its skin entry point.
+"$usr/bin/pfhost" chart --data USDCHF --type pf --size 400x300 \
+    --skin "$usr/share/PFChartModule/examples/skins/dark/dark.xml" --out "$tmp/dark.png" >/dev/null ||
+    fail "pfhost chart with the installed sample skin failed"
 # The built-in instruments come from the installed examples: without the file there is none.
 rm "$usr/share/PFChartModule/examples/usdchf-30min.csv"
 if "$usr/bin/pfhost" render --data USDCHF --type pf --out "$tmp/none.png" >/dev/null 2>&1; then

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
+#include <set>
 #include <memory>
 #include <tuple>
 #include <vector>
@@ -25,33 +26,19 @@ namespace {
 const int kObjectIndicator = 0;
 const int kObjectLineStudy = 2;
 
-bool AllSelected(const gx::Indicator& indicator) {
-    for (const boost::shared_ptr<gx::Line>& line : indicator.GetLines())
-        if (!line->IsSelected()) return false;
-    return true;
-}
-
-bool LayerGoes(const gx::Layer& layer) {
-    for (const boost::shared_ptr<gx::Indicator>& indicator : layer.GetIndicators())
-        if (!AllSelected(*indicator)) return false;
-    return true;
-}
-
-bool AreaGoes(const gx::Area& area) {
-    for (const boost::shared_ptr<gx::Layer>& layer : area.GetLayers())
-        if (!LayerGoes(*layer)) return false;
-    return true;
-}
-
-// One node of the record, read back.
+// One indicator of the record, read back from its "PFIndicator" nodes (one per line it lost).
 struct Entry {
     int area;
     int layer;
     int index;
-    bool areaGone;
-    bool layerGone;
-    bool indicatorGone;
-    void* node;  // the node's host handle, opened again when its turn comes
+    int linesLost;         // its "PFIndicator" nodes
+    int lineCount;         // "nLineCount": its lines before the deletion
+    int indicatorCount;    // "IndicatorCount": its layer's indicators before the deletion
+    int layerCount;        // "LayerCount": its area's layers before the deletion
+    bool areaGone = false;
+    bool layerGone = false;
+    bool indicatorGone = false;
+    void* node;            // its first node's host handle, opened again when its turn comes
 };
 
 // Hands each child `name` of a record's "Node" to `visit`.
@@ -64,8 +51,11 @@ void ForEachSaved(CXMLWorkData* node, const char* name, F visit) {
     }
 }
 
-// Collects the record's "PFIndicator" nodes; they are put back in order of place afterwards
-// (the order of the refresh), so that every area, layer and indicator lands where it was.
+// Collects the record's "PFIndicator" nodes, one entry per indicator; they are put back in
+// order of place afterwards (the order of the refresh), so that every area, layer and
+// indicator lands where it was. What the deletion took follows from the counts the nodes
+// keep: an indicator went with all its lines, a layer with all its indicators, an area with
+// all its layers.
 struct LinePop {
     std::vector<Entry> entries;
     void Visit(CXMLWorkData* record) {
@@ -75,12 +65,34 @@ struct LinePop {
             Entry e{gx::PositionOf(node->readInteger("nArea", gx::kNoIndex)),
                     gx::PositionOf(node->readInteger("nLayer", gx::kNoIndex)),
                     gx::PositionOf(node->readInteger("nodeIndex", gx::kNoIndex)),
-                    node->readInteger("AreaGone", 0) != 0,
-                    node->readInteger("LayerGone", 0) != 0, node->readInteger("IndicatorGone", 0) != 0,
+                    1,
+                    node->readInteger("nLineCount", 0),
+                    node->readInteger("IndicatorCount", 0),
+                    node->readInteger("LayerCount", 0),
+                    false, false, false,
                     node->node()};
             if (e.area < 0 || e.layer < 0 || e.index < 0) return;
+            for (Entry& known : entries)
+                if (known.area == e.area && known.layer == e.layer && known.index == e.index) {
+                    ++known.linesLost;
+                    return;
+                }
             entries.push_back(e);
         });
+    }
+    // Marks what went, from the counts.
+    void Settle() {
+        std::map<std::pair<int, int>, int> goneInLayer;
+        for (Entry& e : entries) {
+            e.indicatorGone = e.linesLost >= e.lineCount;
+            if (e.indicatorGone) ++goneInLayer[std::make_pair(e.area, e.layer)];
+        }
+        std::map<int, std::set<int> > goneLayers;
+        for (Entry& e : entries) {
+            e.layerGone = e.indicatorGone && goneInLayer[std::make_pair(e.area, e.layer)] >= e.indicatorCount;
+            if (e.layerGone) goneLayers[e.area].insert(e.layer);
+        }
+        for (Entry& e : entries) e.areaGone = e.layerGone && static_cast<int>(goneLayers[e.area].size()) >= e.layerCount;
     }
 };
 
@@ -89,8 +101,9 @@ struct LinePop {
 namespace {
 
 // Every line study that goes with the deletion (selected, or on a selected line): its
-// "LineStudy" node as saved in a layout, marked as deleted, with its place among the
-// studies of its line as "nodeIndex". Places are values of the index rule.
+// "LineStudy" node as saved in a layout, marked as deleted, with the index the host gives
+// the node (3147) as "nodeIndex" and its place among the studies of its line as
+// "nLineStudy". Places are values of the index rule.
 void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
     const std::vector<boost::shared_ptr<gx::Area> >& areas = widget->GetChart()->GetAreas();
     for (std::size_t a = 0; a < areas.size(); ++a)
@@ -112,7 +125,8 @@ void PushLineStudies(CXMLWorkData* root, PFChartWidget* widget) {
                         saved->writeInteger("nIndicator", gx::IndexAt(i));
                         saved->writeInteger("nLine", gx::IndexAt(n));
                         saved->writeInteger("DeleteLS", 1);
-                        saved->writeInteger("nodeIndex", gx::IndexAt(k));
+                        saved->writeInteger("nLineStudy", gx::IndexAt(k));
+                        saved->writeInteger("nodeIndex", UndoRecord::NodeIndex(widget, *saved));
                         saved->writeParameters();
                     }
                 }
@@ -142,7 +156,7 @@ struct LineStudyPop {
         ++restored;
         std::vector<boost::shared_ptr<gx::LineStudy> >& studies = line->GetLineStudies();
         const int from = UndoRecord::StudyIndex(*line, study.get());
-        const int to = gx::PositionOf(saved->readInteger("nodeIndex", gx::kNoIndex));
+        const int to = gx::PositionOf(saved->readInteger("nLineStudy", gx::kNoIndex));
         if (from < 0 || to < 0 || to >= from) return;
         studies.erase(studies.begin() + from);
         studies.insert(studies.begin() + to, study);
@@ -167,34 +181,33 @@ void CmdAnyLineDelUndo::Execute(int, void* target, void*, void*, void*) {
     if (!any) return;
     UndoRecord record(widget, "G0134");
     if (!record.Root()) return;
-    // One "Node" under the record's root holds everything: a "PFIndicator" per indicator
-    // that loses lines (with its lost "PFLine"s) and a "LineStudy" per study that goes.
+    // One "Node" under the record's root holds everything: a "PFIndicator" with its "PFLine"
+    // per selected line, and a "LineStudy" per study that goes. Each indicator node keeps,
+    // beside its layout keys and its place ("nodeIndex" among its layer's indicators), how
+    // many lines its indicator had ("nLineCount"), how many indicators its layer had
+    // ("IndicatorCount") and how many layers its area had ("LayerCount"): undo works out
+    // from them what the deletion took.
     std::unique_ptr<CXMLWorkData> content(record.Root()->createNode("Node"));
     if (!content) return;
     for (std::size_t a = 0; a < areas.size(); ++a) {
         const gx::Area& area = *areas[a];
-        const bool areaGone = AreaGoes(area);
         for (std::size_t l = 0; l < area.GetLayers().size(); ++l) {
             const gx::Layer& layer = *area.GetLayers()[l];
-            const bool layerGone = LayerGoes(layer);
             for (std::size_t i = 0; i < layer.GetIndicators().size(); ++i) {
                 const boost::shared_ptr<gx::Indicator>& indicator = layer.GetIndicators()[i];
-                bool selected = false;
-                for (const boost::shared_ptr<gx::Line>& line : indicator->GetLines()) selected = selected || line->IsSelected();
-                if (!selected) continue;
-                std::unique_ptr<CXMLWorkData> saved(content->createNode("PFIndicator"));
-                if (!saved) continue;
-                indicator->ToXML(saved.get());
-                saved->writeInteger("ObjectType", kObjectIndicator);
-                saved->writeInteger("nArea", gx::IndexAt(a));
-                saved->writeInteger("nLayer", gx::IndexAt(l));
-                saved->writeInteger("nodeIndex", gx::IndexAt(i));
-                saved->writeInteger("AreaGone", areaGone ? 1 : 0);
-                saved->writeInteger("LayerGone", layerGone ? 1 : 0);
-                saved->writeInteger("IndicatorGone", AllSelected(*indicator) ? 1 : 0);
-                saved->writeParameters();
                 for (const boost::shared_ptr<gx::Line>& line : indicator->GetLines()) {
                     if (!line->IsSelected()) continue;
+                    std::unique_ptr<CXMLWorkData> saved(content->createNode("PFIndicator"));
+                    if (!saved) continue;
+                    indicator->ToXML(saved.get());
+                    saved->writeInteger("ObjectType", kObjectIndicator);
+                    saved->writeInteger("nArea", gx::IndexAt(a));
+                    saved->writeInteger("nLayer", gx::IndexAt(l));
+                    saved->writeInteger("nodeIndex", gx::IndexAt(i));
+                    saved->writeInteger("nLineCount", indicator->GetLineCount());
+                    saved->writeInteger("IndicatorCount", layer.GetIndicatorCount());
+                    saved->writeInteger("LayerCount", area.GetLayerCount());
+                    saved->writeParameters();
                     std::unique_ptr<CXMLWorkData> lineNode(saved->createNode("PFLine"));
                     if (!lineNode) continue;
                     line->ToXML(lineNode.get());
@@ -214,6 +227,7 @@ void CmdAnyLineDelUndo::UnExecute(int, void* target, void* record, void* result,
     std::unique_ptr<CXMLWorkData> root = UndoRecord::Open(widget, start);
     LinePop pop;
     XMLTreeWalker<LinePop>(root.get(), pop).Walk();
+    pop.Settle();
     std::stable_sort(pop.entries.begin(), pop.entries.end(), [](const Entry& x, const Entry& y) {
         return std::tie(x.area, x.layer, x.index) < std::tie(y.area, y.layer, y.index);
     });
@@ -275,8 +289,10 @@ void CmdAnyLineDelUndo::UnExecute(int, void* target, void* record, void* result,
     LineStudyPop studies{widget};
     XMLTreeWalker<LineStudyPop>(root.get(), studies).Walk();
     restored += studies.restored;
-    // The host hears of the end of the undo (3142) whether or not anything came back.
+    // The host hears of the end of the undo (3142) once, whether or not anything came back,
+    // with what every command of the undo rebuilt (an area's close puts the area back
+    // before this command runs).
     if (restored) widget->AfterRestore(restored);
-    else widget->SendUndoRefreshed(0);
+    widget->SendUndoRefreshed();
     UndoRecord::CopyWords(start, static_cast<coreUndoRefresh*>(result));
 }

@@ -29,7 +29,7 @@ struct MovePop {
                                saved->readInteger("nLayer", gx::kNoIndex),
                                saved->readInteger("nIndicator", gx::kNoIndex), saved->readInteger("nLine", gx::kNoIndex));
         if (!line) return;
-        const int index = gx::PositionOf(saved->readInteger("nodeIndex", gx::kNoIndex));
+        const int index = gx::PositionOf(saved->readInteger("nLineStudy", gx::kNoIndex));
         const std::vector<boost::shared_ptr<gx::LineStudy> >& studies = line->GetLineStudies();
         if (index < 0 || index >= static_cast<int>(studies.size())) return;
         gx::LineStudy& study = *studies[std::size_t(index)];
@@ -72,7 +72,8 @@ void CmdLsMoveUndo::Execute(int, void* target, void* extra, void* before, void*)
     std::unique_ptr<CXMLWorkData> saved = study->ToXML(node.get(), snapshot);
     if (!saved) return;
     saved->writeInteger("MoveLS", 1);
-    saved->writeInteger("nodeIndex", gx::IndexAt(std::size_t(index)));
+    saved->writeInteger("nLineStudy", gx::IndexAt(std::size_t(index)));
+    saved->writeInteger("nodeIndex", UndoRecord::NodeIndex(widget, *saved));
     saved->writeParameters();
     node->writeParameters();
     record.Commit();

@@ -39,15 +39,12 @@ void CmdScaleUndo::Execute(int parameter, void* target, void*, void*, void*) {
     if (!widget || widget->GetChart()->GetAreas().empty()) return;
     UndoRecord record(widget, "G0138");
     if (!record.Root()) return;
-    widget->GetTimeScrollBar()->ToXml(record.Root(), parameter);
-    record.Root()->readParameters();
-    std::unique_ptr<CXMLWorkData> node(record.Root()->getFirstNode("Node"));
-    if (node) {
-        const pf::ScaleEngine& e = *widget->GetChart()->GetAreas().front()->GetEngine();
-        node->writeInteger("StartPosition", e.GetFirstColumn());
-        node->writeInteger("VisibleFigures", e.GetColumnCount());
-        node->writeParameters();
-    }
+    // The view's positions go into the scroll bar's node with its zoom state, in one write.
+    const pf::ScaleEngine& e = *widget->GetChart()->GetAreas().front()->GetEngine();
+    widget->GetTimeScrollBar()->ToXml(record.Root(), parameter, [&e](CXMLWorkData& node) {
+        node.writeInteger("StartPosition", e.GetFirstColumn());
+        node.writeInteger("VisibleFigures", e.GetColumnCount());
+    });
     record.Commit();
 }
 

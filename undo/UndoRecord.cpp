@@ -76,6 +76,14 @@ int UndoRecord::StudyIndex(const gx::Line& line, const gx::LineStudy* study) {
     return -1;
 }
 
+int UndoRecord::NodeIndex(PFChartWidget* widget, const CXMLWorkData& node) {
+    PFChartModule* module = widget ? widget->GetModule() : nullptr;
+    if (!module || !module->sendToHost) return -1;
+    coreSzNode described;
+    node.fillNodeData(described);
+    return module->sendToHost(module->hostHandle, MSG_UNDO_NODE_INDEX, reinterpret_cast<std::intptr_t>(&described), 0);
+}
+
 void UndoRecord::CopyWords(const coreUndoStart& record, coreUndoRefresh* result) {
     if (!result) return;
     result->first = record.document;

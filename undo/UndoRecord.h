@@ -36,6 +36,8 @@ public:
     static boost::shared_ptr<gx::Line> LineAt(PFChartWidget* widget, int area, int layer, int indicator, int line);
     // The position of `study` among the studies of its line; -1 when it is not on it.
     static int StudyIndex(const gx::Line& line, const gx::LineStudy* study);
+    // The index the host gives a node of a record (3147); -1 without a host.
+    static int NodeIndex(PFChartWidget* widget, const CXMLWorkData& node);
     // The record's first, third and fourth words into `result`.
     static void CopyWords(const coreUndoStart& record, coreUndoRefresh* result);
 

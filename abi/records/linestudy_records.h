@@ -151,16 +151,19 @@ struct lsShapeHLine {
 };
 PF_LAYOUT32(sizeof(lsShapeHLine) == 4);
 
-// Type 4, a vertical line. `placed` is negative while the line has no position.
+// Type 4, a vertical line. `placed` is negative while the line has no position. The flag at
+// byte 9 is read as one byte: a terminal that keeps it in a wider field has its low byte
+// there (little-endian), one that keeps a single byte has nothing after it. A block of 10
+// bytes or more is a vertical line.
 struct lsShapeVLine {
     std::int32_t placed;       // 0
     std::int32_t index;        // 4: candle index (relative to the last candle when indexType is 1)
     std::uint8_t reserved;     // 8: the host's
-    std::int32_t indexType;    // 9: 0 inside the data, 1 beyond the last candle
+    std::uint8_t indexType;    // 9: 0 inside the data, 1 beyond the last candle
 };
-PF_LAYOUT32(sizeof(lsShapeVLine) == 13);
+PF_LAYOUT32(sizeof(lsShapeVLine) == 10);
 PF_LAYOUT32(offsetof(lsShapeVLine, indexType) == 9);
-PF_LAYOUT64(sizeof(lsShapeVLine) == 13);
+PF_LAYOUT64(sizeof(lsShapeVLine) == 10);
 
 // Type 5, an arc around control point 1 through control point 0, scaled by percent.
 struct lsShapeArc {

@@ -124,6 +124,8 @@ LineStudy::LineStudy(LineStudy* other) : Object(other ? other->rect_ : QRect()) 
     sizes_ = other->sizes_;
     blocks_ = other->blocks_;
     SyncRecord();  // the copied shapes point at this study's blocks
+    cps_.outCount = other->cps_.outCount;  // and it shows what the host returned
+    cps_.shapeCount = other->cps_.shapeCount;
     state_ = StateCreated;
     Object::Select(true);
     SetFocus();
@@ -277,12 +279,18 @@ int LineStudy::GetListControlPointer(void* provider, void* id, lsControlPointsSh
     cps_.error = 0;
     const int result = module->sendToHost(provider ? provider : provider_, MSG_LS_GET_LIST_CONTROLPOINTER,
                                           id ? Param(id) : id_, Param(&cps_));
-    // The host fills the arrays in place; counts and pointers stay the study's.
+    // The host fills the arrays in place; the pointers stay the study's. It may return fewer
+    // output points or shapes than there is room for: only those are drawn and hit-tested.
+    // A count below 0 or beyond the room is not believed, and the whole room is used.
     const std::int32_t error = cps_.error;
     const std::int32_t finished = cps_.finished;
+    const std::int32_t outCount = cps_.outCount;
+    const std::int32_t shapeCount = cps_.shapeCount;
     SyncRecord();
     cps_.error = error == 1 ? 1 : 0;
     cps_.finished = finished;
+    if (outCount >= 0 && outCount <= cps_.outCount) cps_.outCount = outCount;
+    if (shapeCount >= 0 && shapeCount <= cps_.shapeCount) cps_.shapeCount = shapeCount;
     return result;
 }
 
@@ -355,12 +363,16 @@ int LineStudy::PointY(const lsPointShape& point) const { return engine_ ? engine
 // ---- drawing and hit tests ----
 
 int LineStudy::OutPointsUsed() const {
+    const int returned = std::max(0, std::min<int>(cps_.outCount, static_cast<int>(out_.size())));
     int n = 0;
-    for (const lsPointShape& p : out_) {
-        ++n;
-        if (p.m_typePoint == LS_POINT_LAST) break;
+    while (n < returned) {
+        if (out_[std::size_t(n++)].m_typePoint == LS_POINT_LAST) break;
     }
     return n;
+}
+
+int LineStudy::ShapesUsed() const {
+    return std::max(0, std::min<int>(cps_.shapeCount, static_cast<int>(shapes_.size())));
 }
 
 int LineStudy::InPointsUsed() const {
@@ -379,7 +391,7 @@ QPoint LineStudy::MarkerPos(int i) const {
         !(state_ & StateCreating)) {
         const int shape = i == 1 ? 0 : 2;
         const int x = (PointX(out_[0]) + PointX(out_[2])) / 2;
-        if (shape < static_cast<int>(shapes_.size()) && GetShapeDataSize(shape) >= 9 * 4 && engine_) {
+        if (shape < ShapesUsed() && GetShapeDataSize(shape) >= 9 * 4 && engine_) {
             float first = 0, second = 0;
             std::memcpy(&first, blocks_[std::size_t(shape)].data() + 3 * 4, sizeof first);
             std::memcpy(&second, blocks_[std::size_t(shape)].data() + 8 * 4, sizeof second);
@@ -393,14 +405,14 @@ QPoint LineStudy::MarkerPos(int i) const {
 void LineStudy::Draw(QPainter& painter) const {
     Chart* chart = GetChart();
     if (!chart || !chart->GetTimeScale() || !engine_) return;
-    if (cps_.shapeCount != static_cast<int>(shapes_.size())) return;
     const int outUsed = OutPointsUsed();
+    const int shapes = ShapesUsed();
     // One save for all shapes: each shape sets its own clip inside a save of its own. Shapes
     // of one study mostly share their pen; it is set again only when it changes.
     painter.save();
     std::uint32_t penRgb = 0;
     std::int32_t penStyle = -1, penWidth = -1;
-    for (int i = 0; i < static_cast<int>(shapes_.size()); ++i) {
+    for (int i = 0; i < shapes; ++i) {
         if (IsPolyLine() && i >= outUsed - 1 && i > 0) break;
         const lsShape& shape = shapes_[std::size_t(i)];
         const std::uint32_t rgb = shape.color;
@@ -429,7 +441,7 @@ void LineStudy::Draw(QPainter& painter) const {
         const bool open = IsPolyLine() && ((state_ & StateCreating) || placed_ < outUsed);
         if (!open) {
             // The colour of the first shape; a study without shapes shows its own colour.
-            const std::uint32_t rgb = shapes_.empty() ? color_ : std::uint32_t(shapes_[0].color);
+            const std::uint32_t rgb = shapes == 0 ? color_ : std::uint32_t(shapes_[0].color);
             color = QColor(static_cast<QRgb>(rgb | 0xFF000000u));
         }
         painter.save();
@@ -461,6 +473,7 @@ bool LineStudy::AppendDrawKey(QByteArray& key) const {
     PictureCache::Append(key, placed_);
     PictureCache::Append(key, color_);
     PictureCache::Append(key, cps_.shapeCount);
+    PictureCache::Append(key, cps_.outCount);
     PictureCache::Append(key, in_.size());
     PictureCache::Append(key, out_.size());
     // The points are the study's own and may be changed in place between exchanges.
@@ -470,8 +483,9 @@ bool LineStudy::AppendDrawKey(QByteArray& key) const {
 }
 
 bool LineStudy::PtInLS(const QPoint& point) const {
-    if (shapes_.empty() || out_.empty() || out_[0].m_typePoint == LS_POINT_LAST) return false;
-    for (int i = 0; i < static_cast<int>(shapes_.size()); ++i) {
+    const int shapes = ShapesUsed();
+    if (shapes == 0 || OutPointsUsed() == 0 || out_[0].m_typePoint == LS_POINT_LAST) return false;
+    for (int i = 0; i < shapes; ++i) {
         // Every study's shapes end at its terminating point.
         if (i < static_cast<int>(out_.size()) && out_[std::size_t(i)].m_typePoint == LS_POINT_LAST) break;
         try {
@@ -592,17 +606,22 @@ void LineStudy::ReleaseTempDraw() {
 void LineStudy::FillContextMenu() {
     Chart* chart = GetChart();
     if (!chart) return;
-    // A study's three entries all go to the properties menu, each under its title: select
-    // (which shows the properties, as the properties entry does) and delete.
+    // A study's three entries go to the properties menu. The first is the study's title and
+    // selects it (showing its properties, as the second does); the other two say what they
+    // do, in the terminal's language, so that the one that deletes never looks like one that
+    // shows.
     const boost::shared_ptr<QMenu> menu = chart->GetPropMenu();
-    AddToMenu(menu, &LineStudy::OnSelectedLS);
-    AddToMenu(menu, &LineStudy::OnShowPropLS);
-    AddToMenu(menu, &LineStudy::OnDeleteLS);
+    const QString title = title_.isEmpty() ? name_ : title_;
+    const CModule* module = Module();
+    auto text = [module](const char* key) { return module ? module->tr(key) : QString::fromLatin1(key); };
+    AddToMenu(menu, title, &LineStudy::OnSelectedLS);
+    AddToMenu(menu, QStringLiteral("%1: %2").arg(text("C0030Propes"), title), &LineStudy::OnShowPropLS);
+    AddToMenu(menu, QStringLiteral("%1: %2").arg(text("C0015Delete"), title), &LineStudy::OnDeleteLS);
 }
 
-void LineStudy::AddToMenu(const boost::shared_ptr<QMenu>& menu, void (LineStudy::*slot)()) {
+void LineStudy::AddToMenu(const boost::shared_ptr<QMenu>& menu, const QString& text, void (LineStudy::*slot)()) {
     if (!menu) return;
-    QAction* action = menu->addAction(title_.isEmpty() ? name_ : title_);
+    QAction* action = menu->addAction(text);
     pf::gui::ConnectGuarded(action, &QAction::triggered, this, slot);
 }
 

@@ -111,6 +111,8 @@ public:
     int GetPlacedCount() const { return placed_; }
 
     // Control points and shapes.
+    // The shapes and output points the host returned in its last exchange (4510): at most
+    // what was allocated for them.
     int GetShapeCount() const { return cps_.shapeCount; }
     int GetCPCount() const { return cps_.inCount; }
     const lsControlPointsShapes& GetRecord() const { return cps_; }
@@ -168,7 +170,7 @@ public:
     void keyPressEvent(const QKeyEvent&) {}
 
     void FillContextMenu();
-    void AddToMenu(const boost::shared_ptr<QMenu>& menu, void (LineStudy::*slot)());
+    void AddToMenu(const boost::shared_ptr<QMenu>& menu, const QString& text, void (LineStudy::*slot)());
     void ShowProperties() const;
 
     // Saving: a "LineStudy" node under `lineNode` with one "ControlPoint" per input point;
@@ -215,8 +217,11 @@ private:
     bool IsPolyLine() const { return name_ == QLatin1String("PolyLine"); }
     // Marker position of output point `i` (the channel's points 1 and 3 in the middle).
     QPoint MarkerPos(int i) const;
-    // Number of output points up to and including the first of type 2.
+    // Number of output points up to and including the first of type 2, among those the host
+    // returned in its last exchange.
     int OutPointsUsed() const;
+    // Number of shapes the host returned in its last exchange.
+    int ShapesUsed() const;
     int InPointsUsed() const;
     // Mouse column, its time and the price under it.
     int MouseColumn(const QPoint& p) const;

@@ -277,7 +277,7 @@ void LineStudy::PolyLineDoubleClick(const QMouseEvent& event) {
         // A double click inserts a point after the segment under it, or after the first
         // point when no segment is hit (a polyline holds ten at most).
         int segment = 0;
-        for (int i = 0; i < static_cast<int>(shapes_.size()); ++i) {
+        for (int i = 0; i < ShapesUsed(); ++i) {
             try {
                 if (LsFactory::Instance().Create(shapes_[std::size_t(i)].type, engine_, rect_, cps_, i, this)->PtInLS(event.pos())) {
                     segment = i;

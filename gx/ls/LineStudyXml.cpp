@@ -9,7 +9,9 @@
 // offsets are 0. Restoring creates the study anew in the host under its type name and puts
 // the saved points back by their times, so a point beyond the data lands as far beyond the
 // last candle as the time says. The provider is the one that created the study when it is
-// still known in this process (an undo), otherwise the host's "LINESTUDY" interface.
+// still known in this process (an undo), otherwise the host's "LINESTUDY" interface. The
+// host hears the creation's sequence (4500, 4516, 3068, 4517, 4505, 4510) and one more 4510
+// with the restored points, nothing else.
 #include <QByteArray>
 #include <cstring>
 #include <memory>
@@ -136,10 +138,16 @@ boost::shared_ptr<LineStudy> LineStudy::FromXML(const boost::shared_ptr<Line>& l
     try {
         const std::uint32_t color = static_cast<std::uint32_t>(node->readInteger("ObjectColor", 0)) & 0xFFFFFFu;
         study.reset(new LineStudy(line.get(), provider, name, line->GetEngine(), line->Rect(), color));
-        study->RestorePoints(points);
-        study->FinishCreating(true);
+        // Restored, not placed: finished before its points go to the host, so that their one
+        // exchange (4510) carries the finished flag. The terminal's drawing mode is none of
+        // its business (no 3501, the cursor left alone: a study tool the trader has chosen
+        // stays chosen), it is bound to its data once, by its creation (3068), and it shows
+        // unselected without a second focus notice (4517).
+        study->finished_ = true;
+        study->cps_.finished = 1;
         study->state_ = StateCreated;
-        study->Select(false);
+        study->Object::Select(false);
+        study->RestorePoints(points);
     } catch (const std::exception& e) {
         LogHelper::ShowLogInfo(1, 4, QStringLiteral("Line study \"%1\" not restored: %2").arg(name, QString::fromLocal8Bit(e.what())));
         return none;

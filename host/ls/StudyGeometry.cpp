@@ -282,7 +282,7 @@ void computeStudy(StudyKind kind, const StudyParams& p, const SeriesView& series
             std::memset(&block, 0, sizeof block);
             block.placed = placed ? 0 : -1;
             block.index = in[0].index;
-            block.indexType = in[0].indexType;
+            block.indexType = std::uint8_t(in[0].indexType);
             writeBlock(shapes[0], block);
             break;
         }

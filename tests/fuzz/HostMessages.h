@@ -269,8 +269,12 @@ inline void LsUpdate(FuzzedDataProvider& in, std::intptr_t* p1, std::intptr_t* p
     *p2 = P(WidgetHandle(in));
 }
 
-// 3560: the path of a skin document, NUL-terminated UTF-16: the example skin, an empty path,
-// a file that is no skin, a missing one, random units, or a text without a terminator.
+// The path of a skin document, NUL-terminated UTF-16: the example skin, an empty path, a file
+// that is no skin, a missing one, random units, or a text without a terminator. SendOne
+// hands it to the LoadSkin entry point, or sends it with 3560, a number some terminals use
+// for a skin message of their own and the module must ignore.
+const unsigned int kForeignSkinMessage = 3560;
+
 inline void SkinPath(FuzzedDataProvider& in, std::intptr_t* p1, std::intptr_t* p2) {
     *p2 = 0;
     *p1 = 0;
@@ -326,7 +330,7 @@ inline const Message kMessages[] = {
     {MSG_WC_OWNER_FOR_OBJECT, Owner},
     {MSG_WC_CAPTION, Caption},
     {MSG_APPLY_PROPERTY, Property},
-    {MSG_LOAD_SKIN, SkinPath},
+    {kForeignSkinMessage, SkinPath},
 };
 
 inline void* Target(FuzzedDataProvider& in) {
@@ -341,6 +345,7 @@ inline void* Target(FuzzedDataProvider& in) {
 inline void SendOne(FuzzedDataProvider& in) {
     std::intptr_t p1 = 0, p2 = 0;
     unsigned int number;
+    bool skinPath = false;
     if (in.ConsumeIntegralInRange<int>(0, 15) == 0) {
         // A number neither side knows.
         number = in.ConsumeIntegral<std::uint16_t>();
@@ -350,6 +355,11 @@ inline void SendOne(FuzzedDataProvider& in) {
         const Message& m = kMessages[in.ConsumeIntegralInRange<std::size_t>(0, std::size(kMessages) - 1)];
         number = m.number;
         m.make(in, &p1, &p2);
+        skinPath = number == kForeignSkinMessage;
+    }
+    if (skinPath && in.ConsumeBool()) {
+        g_emulator->host().loadSkin(reinterpret_cast<const std::uint16_t*>(p1));
+        return;
     }
     void* const target = Target(in);
     // Destroying makes the widget's address a stale one; windows it makes are tracked.

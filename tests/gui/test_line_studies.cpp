@@ -484,13 +484,16 @@ TEST_F(LineStudies, ContextMenuDeletesTheStudyInTheHost) {
     const boost::shared_ptr<LineStudy> study = Place("HLine", {At(10, 1.01f)});
     ASSERT_TRUE(study);
     widget->FillContextMenu();
-    // Its three entries (select, properties, delete) are all in the properties menu.
+    // Its three entries (select, properties, delete) are all in the properties menu: its
+    // title, then the two that say what they do, with the title.
     for (const auto& other : {widget->GetChart()->GetSelectMenu(), widget->GetChart()->GetDeleteMenu()})
-        for (QAction* a : other->actions()) EXPECT_NE(a->text(), QStringLiteral("HLine"));
+        for (QAction* a : other->actions()) EXPECT_FALSE(a->text().endsWith(QStringLiteral("HLine")));
     QList<QAction*> entries;
     for (QAction* a : widget->GetChart()->GetPropMenu()->actions())
-        if (a->text() == QStringLiteral("HLine")) entries.push_back(a);
+        if (a->text().endsWith(QStringLiteral("HLine"))) entries.push_back(a);
     ASSERT_EQ(entries.size(), 3);
+    EXPECT_EQ(entries[0]->text(), QStringLiteral("HLine"));
+    EXPECT_NE(entries[1]->text(), entries[2]->text());
     host.clear();
     entries[0]->trigger();  // select shows the properties
     EXPECT_EQ(host.find(MSG_LS_PROPERTIES).size(), 1u);
@@ -541,7 +544,7 @@ TEST_F(LineStudies, ContextMenuDeleteTakesEverySelectedStudy) {
     QAction* deleteA = nullptr;
     int seen = 0;
     for (QAction* action : widget->GetChart()->GetPropMenu()->actions())
-        if (action->text() == QStringLiteral("HLine") && seen++ == 2) deleteA = action;  // a's third entry
+        if (action->text().endsWith(QStringLiteral("HLine")) && seen++ == 2) deleteA = action;  // a's third entry
     ASSERT_TRUE(deleteA);
     host.clear();
     deleteA->trigger();

@@ -78,22 +78,6 @@ TEST_F(WindowMessages, ALongTitleIsCutAtTheHostStringLimit) {
     iface->DelWidget(widget.get());
 }
 
-TEST_F(WindowMessages, RequestLastDataFetchesEveryIndicatorsArraysAgain) {
-    Show(QStringLiteral("EURUSD"));
-    const boost::shared_ptr<gx::Line> line = widget->GetChart()->GetAreas()[0]->GetLayers()[0]->GetIndicators()[0]->GetLines()[0];
-    ASSERT_EQ(line->Size(), 60);
-    // The host computed ten more columns and has not told the window.
-    Series& s = *Find(QStringLiteral("EURUSD"));
-    for (int i = 60; i < 70; ++i) s.records.push_back(fxChartTypeRecord{946684800 + 3600 * i, 0.001f, 1.0f, i % 2, 1.005f, 0.0f});
-    s.array.points = reinterpret_cast<unsigned char*>(s.records.data());
-    s.array.pointCount = 70;
-    host.clear();
-    widget->GetChart()->RequestLastData();
-    EXPECT_EQ(host.find(MSG_DPA_COUNT).size(), 1u);
-    EXPECT_FALSE(host.find(MSG_DPA_LIST).empty());
-    EXPECT_EQ(widget->GetChart()->GetAreas()[0]->GetLayers()[0]->GetIndicators()[0]->GetLines()[0]->Size(), 70);
-}
-
 // A translation table whose display name of the Point and Figure charts is 600 characters.
 struct LongDisplayName : QTranslator {
     bool isEmpty() const override { return false; }

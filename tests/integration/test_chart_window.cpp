@@ -97,12 +97,22 @@ TEST_F(ChartWindow, DestroyIsAnnouncedAndOnlyTheOwningInterfaceDeletes) {
     QPointer<QWidget> pfChart = ChartOf(pf);
     ASSERT_FALSE(pfChart.isNull());
 
-    // Another interface's widget: the host is told first, then nothing is deleted.
+    // Another interface's widget: the host is told first, with the window's own host handle,
+    // then nothing is deleted. The host hears the module switch's 0 (the interface answers
+    // 1, which is not passed on): what the message does is what tells.
     ASSERT_TRUE(Charts().destroyedRecords().empty());
-    H().send(Interface("Renko"), MSG_WC_DESTROY, P(pf));
+    EXPECT_EQ(H().send(Interface("Renko"), MSG_WC_DESTROY, P(pf)), 0);
     EXPECT_FALSE(pfChart.isNull());
     ASSERT_EQ(Charts().destroyedRecords().size(), 1u);
     EXPECT_EQ(Charts().destroyedRecords().back().widget, pf);
+    EXPECT_EQ(Charts().destroyedRecords().back().hostHandle, emulator->core().components()[0].handle);
+    // An address no interface lists is never read: its record carries no host handle.
+    void* const invented = reinterpret_cast<void*>(std::intptr_t(0x5150));
+    EXPECT_EQ(H().send(Interface("Points and Figures"), MSG_WC_DESTROY, P(invented)), 0);
+    ASSERT_EQ(Charts().destroyedRecords().size(), 2u);
+    EXPECT_EQ(Charts().destroyedRecords().back().widget, invented);
+    EXPECT_EQ(Charts().destroyedRecords().back().hostHandle, nullptr);
+    EXPECT_EQ(Charts().widgets(), (std::vector<void*>{pf, renko}));
 
     ASSERT_TRUE(Charts().destroy(pf));
     ASSERT_FALSE(Charts().destroyedRecords().empty());
@@ -138,6 +148,16 @@ TEST_F(ChartWindow, DroppedInstrumentBecomesASubscribedChartOfTheWindowsType) {
     }
     for (unsigned int m : {MSG_HEAD_NODE_INFO, MSG_CREATE_DPA, MSG_DPA_SUBSCRIBE, MSG_DPA_LIST})
         EXPECT_NE(std::find(asked.begin(), asked.end(), m), asked.end()) << m;
+    // The object is made (3008), the window subscribed to it (3013), and only then is its
+    // first array asked for (3042 with the object's handle).
+    std::vector<unsigned int> making;
+    for (const auto& e : SentDuring(LastIndexOf(MSG_WC_DROP_INSTRUMENTS)))
+        if (e.message == MSG_CREATE_DPA || e.message == MSG_DPA_SUBSCRIBE ||
+            (e.message == MSG_DPA_LIST && reinterpret_cast<void*>(e.param1) == object))
+            making.push_back(e.message);
+    ASSERT_GE(making.size(), 3u);
+    EXPECT_EQ(std::vector<unsigned int>(making.begin(), making.begin() + 3),
+              (std::vector<unsigned int>{MSG_CREATE_DPA, MSG_DPA_SUBSCRIBE, MSG_DPA_LIST}));
     const host::data::ChartObject* chart = Data().chart(object);
     ASSERT_NE(chart, nullptr);
     EXPECT_EQ(chart->type(), ChartType::PointAndFigure);

@@ -148,3 +148,30 @@ TEST_F(Dealing, MainWindowInterfaceAsTheModuleSeesIt) {
     ASSERT_EQ(main.notices().size(), 1u);
     EXPECT_EQ(main.notices()[0].text, "Scale changed");
 }
+
+namespace {
+
+// A terminal that counts two deal interfaces (3002) but fills only the first slot (3001):
+// the unfilled, null slot is asked for its accounts like any other (16000 to a null target),
+// and the accounts of the filled one are taken.
+TEST_F(Dealing, AnUnfilledDealInterfaceSlotIsAskedLikeAnyOther) {
+    const host::Host::Handler fill = H().handler(MSG_GET_INTERFACE);
+    H().on(MSG_GET_INTERFACE, [fill](void* t, std::intptr_t p1, std::intptr_t p2, std::string& d) {
+        const int answer = fill(t, p1, p2, d);
+        coreInterfaceRequest request;
+        std::memcpy(&request, reinterpret_cast<const void*>(p1), sizeof request);
+        if (std::strncmp(request.kind, "DEALING", sizeof request.kind) == 0 && request.count == 2 && request.result)
+            request.result[1] = nullptr;
+        return answer;
+    });
+    const std::size_t at = H().journal().entries().size();
+    ASSERT_EQ(H().send(nullptr, MSG_DEALING_READY), 0);
+    std::vector<std::uintptr_t> asked;
+    for (std::size_t i = at; i < H().journal().entries().size(); ++i)
+        if (H().journal().entries()[i].message == MSG_DEAL_ACCOUNT_COUNT) asked.push_back(H().journal().entries()[i].target);
+    EXPECT_EQ(asked, (std::vector<std::uintptr_t>{reinterpret_cast<std::uintptr_t>(alpha), 0}));
+    EXPECT_EQ(Ids(), (std::vector<int>{1, 2}));
+    H().on(MSG_GET_INTERFACE, fill);
+}
+
+}  // namespace

@@ -223,6 +223,30 @@ TEST_F(LayoutRoundTrip, FortyAreasAndTwentyLayersComeBackWhole) {
     EXPECT_TRUE(a == b) << "the loaded window draws differently";
 }
 
+TEST_F(LayoutRoundTrip, ALayoutThatBringsNoChartLeavesTheWindowEmpty) {
+    const QSize size(600, 400);
+    const QImage empty = Charts().grab(Charts().create(ChartType::Renko), size);
+    // The window's settings and nothing else; then a chart whose only instrument the host
+    // does not have.
+    void* settingsOnly = LayoutNode(QStringLiteral("settings.xml"));
+    ASSERT_NE(Store().createChild(settingsOnly, QStringLiteral("PFWidget")), nullptr);
+    void* unknown = LayoutNode(QStringLiteral("unknown.xml"));
+    void* chart = Store().createChild(Store().createChild(unknown, QStringLiteral("PFWidget")), QStringLiteral("PFChart"));
+    void* indicator = Store().createChild(
+        Store().createChild(Store().createChild(chart, QStringLiteral("PFArea")), QStringLiteral("PFLayer")),
+        QStringLiteral("PFIndicator"));
+    Store().setAttribute(indicator, QStringLiteral("InstrumentName"), QStringLiteral("NOSUCH"));
+    for (void* node : {settingsOnly, unknown}) {
+        void* window = Charts().create(ChartType::Renko);
+        const std::size_t at = H().journal().entries().size();
+        ASSERT_EQ(Send(MSG_LOAD_CHART, window, node), 0);
+        EXPECT_EQ(Charts().grab(window, size), empty);
+        // Nothing was subscribed to: no data object is left for the window.
+        for (std::size_t i = at; i < H().journal().entries().size(); ++i)
+            EXPECT_NE(H().journal().entries()[i].message, unsigned(MSG_DPA_SUBSCRIBE));
+    }
+}
+
 TEST_F(LayoutRoundTrip, HandEditedDocumentsLoadWhatTheyCan) {
     void* node = LayoutNode(QStringLiteral("edited.xml"));
     void* widgetNode = Store().createChild(node, QStringLiteral("PFWidget"));

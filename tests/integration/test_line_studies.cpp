@@ -19,6 +19,7 @@
 #include <cmath>
 #include <ostream>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -32,6 +33,8 @@
 #include "host/MainWindowService.h"
 #include "host/StudyGestures.h"
 #include "host/UndoStack.h"
+#include "host/WorkDataStore.h"
+#include "host/workdata/WorkTree.h"
 #include "host/data/ChartObject.h"
 
 using host::StudyPoint;
@@ -312,10 +315,25 @@ TEST_F(StudiesOnAChart, EveryStudySavedInALayoutComesBackWithTheSamePicture) {
     Click(Empty());  // nothing selected: a restored window selects nothing either
     const QImage drawn = Picture();
 
-    // Each study made again in the host, with the points it was saved with.
+    // Each study made again in the host, with the points it was saved with. The trader has a
+    // study tool chosen meanwhile: loading the window does not put it down.
+    ASSERT_TRUE(LS().chooseTool("Line"));
+    const int ended = LS().endedDrawing();
     const std::size_t before = LS().ids().size();
     SaveAndReload();
     ASSERT_EQ(LS().ids().size(), before + 8);
+    EXPECT_EQ(LS().tool(), "Line");
+    EXPECT_EQ(LS().endedDrawing(), ended);
+    // Each study hears what its creation sends (4500, 4516, 3068, 4517, 4505, 4510) and
+    // one exchange of its restored points (4510), finished, nothing more.
+    std::map<unsigned int, int> sent;
+    for (const auto& e : SentDuring(LastIndexOf(MSG_LOAD_CHART))) ++sent[e.message];
+    for (const auto& expected : std::vector<std::pair<unsigned int, int> >
+         {std::make_pair(unsigned(MSG_LS_CREATE_OBJECT), 8), {unsigned(MSG_LS_ATTACH), 8}, {unsigned(MSG_LS_FOCUS), 8},
+          {unsigned(MSG_LS_GET_LIST_CONTROLPOINTER), 16}, {unsigned(MSG_LS_END_DRAWING), 0}})
+        EXPECT_EQ(sent[expected.first], expected.second) << expected.first;
+    for (std::size_t k = before; k < LS().ids().size(); ++k) EXPECT_TRUE(LS().study(LS().ids()[k])->finished);
+    LS().clearTool();
     const QImage restored = Picture();
     EXPECT_TRUE(restored == drawn) << "the restored window shows another picture";
     if (restored != drawn) {
@@ -619,4 +637,135 @@ TEST_F(StudiesOnAChart, AMoveIsUndoneOnTheStudyThatMovedAfterItsDeletionIsUndone
     EXPECT_TRUE(SamePoints(PointsOf(Newest()), placed));
     Click(Empty());
     EXPECT_EQ(Picture(), drawn);
+}
+
+// A terminal that returns fewer output points than the chart made room for (it writes the
+// smaller count into the record): the points it did not return show no marker and take no
+// press; a press there takes the study as a whole.
+TEST_F(StudiesOnAChart, PointsTheHostDidNotReturnHaveNoMarkerAndTakeNoPress) {
+    const double p = double(records[records.size() - 150].value);
+    const std::int32_t id = Place("Line", {Column(140, p), Column(100, p + 0.01)});
+    ASSERT_NE(id, 0);
+    auto hasMarker = [](const QImage& image, const QPoint& at) {
+        for (int dy = -2; dy <= 2; ++dy)
+            for (int dx = -2; dx <= 2; ++dx) {
+                bool full = true;
+                for (int k = 0; k < 25 && full; ++k) {
+                    const QPoint q = at + QPoint(dx - 2 + k % 5, dy - 2 + k / 5);
+                    full = image.rect().contains(q) && Ink(image.pixel(q));
+                }
+                if (full) return true;
+            }
+        return false;
+    };
+    const std::vector<QPoint> markers = MarkersOf(id, Picture());
+    ASSERT_EQ(markers.size(), 2u);
+    ASSERT_TRUE(hasMarker(Picture(), markers[0]) && hasMarker(Picture(), markers[1]));
+
+    const host::Host::Handler exchange = H().handler(MSG_LS_GET_LIST_CONTROLPOINTER);
+    H().on(MSG_LS_GET_LIST_CONTROLPOINTER, [exchange](void* t, std::intptr_t p1, std::intptr_t p2, std::string& d) {
+        const int answer = exchange(t, p1, p2, d);
+        if (lsControlPointsShapes* record = reinterpret_cast<lsControlPointsShapes*>(p2)) record->outCount = 1;
+        return answer;
+    });
+    ASSERT_EQ(LS().sendUpdate(id), 0);  // the chart exchanges the study's points again
+    const QImage image = Picture();
+    EXPECT_TRUE(hasMarker(image, markers[0]));
+    EXPECT_FALSE(hasMarker(image, markers[1]));
+    const std::vector<lsPointShape> before = PointsOf(id);
+    Drag(markers[1], markers[1] + QPoint(0, -30));
+    const std::vector<lsPointShape> after = PointsOf(id);
+    ASSERT_EQ(after.size(), 2u);
+    EXPECT_NE(after[0].value, before[0].value) << "the unreturned point was dragged alone";
+    EXPECT_NEAR(after[0].value - before[0].value, after[1].value - before[1].value, 1e-5);
+    H().on(MSG_LS_GET_LIST_CONTROLPOINTER, exchange);
+}
+
+// A move's record holds the study's "LineStudy" node with the index the host gives that node
+// (3147) as "nodeIndex", and the study's own place on its line: moving the second of two
+// studies and undoing it takes back that study and no other.
+TEST_F(StudiesOnAChart, AMoveRecordCarriesTheHostsNodeIndexAndUndoesTheStudyThatMoved) {
+    const double p = double(records[records.size() - 150].value);
+    const std::int32_t first = Place("HLine", {Column(120, p + 0.01)});
+    const std::int32_t second = Place("HLine", {Column(120, p - 0.01)});
+    ASSERT_TRUE(first && second);
+    const std::vector<lsPointShape> placedFirst = PointsOf(first), placedSecond = PointsOf(second);
+    Click(Empty());
+    const QPoint at = Pixel(StudyPoint{placedSecond[0].m_xTime, double(placedSecond[0].value)}) + QPoint(60, 0);
+    Click(at);
+    ASSERT_EQ(LS().focus(), second);
+    const std::size_t from = H().journal().entries().size();
+    Drag(at, at + QPoint(0, 30));
+    ASSERT_FALSE(SamePoints(PointsOf(second), placedSecond));
+
+    std::vector<host::Journal::Entry> asked;
+    for (std::size_t i = from; i < H().journal().entries().size(); ++i)
+        if (H().journal().entries()[i].message == MSG_UNDO_NODE_INDEX) asked.push_back(H().journal().entries()[i]);
+    ASSERT_EQ(asked.size(), 1u);
+    const host::workdata::Node* root = emulator->workData().node(emulator->undo().records().back().root);
+    ASSERT_NE(root, nullptr);
+    const host::workdata::Node* saved = nullptr;
+    const_cast<host::workdata::Node*>(root)->walk([&saved](host::workdata::Node& n) {
+        if (n.name == QLatin1String("LineStudy")) saved = &n;
+    });
+    ASSERT_NE(saved, nullptr);
+    ASSERT_NE(saved->attribute(QStringLiteral("nodeIndex")), nullptr);
+    EXPECT_EQ(saved->attribute(QStringLiteral("nodeIndex"))->toInt(), asked[0].result);
+    EXPECT_EQ(asked[0].result, 0);  // the study's node is the first under the record's "Node"
+
+    Undo();
+    EXPECT_TRUE(SamePoints(PointsOf(second), placedSecond));
+    EXPECT_TRUE(SamePoints(PointsOf(first), placedFirst));
+}
+
+// A vertical line's block from a terminal that keeps its flag (byte 9) in one byte, 10 bytes
+// long, or in four, 13 bytes long: the line is drawn down the area either way.
+TEST_F(StudiesOnAChart, AVerticalLineIsDrawnWhateverTheWidthOfItsFlag) {
+    const double p = double(records[records.size() - 150].value);
+    for (const std::int32_t size : {10, 13}) {
+        SCOPED_TRACE(size);
+        host::LineStudies::Faults faults;
+        faults.overrideShapeSize = true;
+        faults.shapeSize = size;
+        LS().setFaults(faults);
+        const StudyPoint at = Column(size == 10 ? 230 : 200, p);
+        const std::int32_t id = Place("VLine", {at});
+        LS().setFaults(host::LineStudies::Faults());
+        ASSERT_NE(id, 0);
+        ASSERT_EQ(LS().study(id)->sizes, std::vector<std::int32_t>{size});
+        Click(Empty());
+        const QImage image = Picture();
+        const int x = Pixel(at).x();
+        int inked = 0;
+        for (int y = 0; y < image.height(); ++y) inked += Ink(image.pixel(x, y)) ? 1 : 0;
+        EXPECT_GT(inked, image.height() / 3);
+    }
+}
+
+// A study's three entries in the chart's Properties menu: its title, then what the other two
+// do in the terminal's language. Each does what it says.
+TEST_F(StudiesOnAChart, AStudysMenuEntriesSayWhatEachDoes) {
+    const double p = double(records[records.size() - 150].value);
+    const std::int32_t id = Place("Line", {Column(140, p), Column(100, p + 0.01)});
+    ASSERT_NE(id, 0);
+    const QString properties = emulator->moduleText("C0030Propes"), remove = emulator->moduleText("C0015Delete");
+    const QStringList entries = Charts().contextMenuEntries(widget, Empty(), QStringList{properties});
+    int k = 0;
+    while (k + 2 < entries.size() && !(entries[k + 1] == properties + QStringLiteral(": ") + entries[k] &&
+                                       entries[k + 2] == remove + QStringLiteral(": ") + entries[k]))
+        ++k;
+    ASSERT_LT(k + 2, entries.size()) << entries.join(QLatin1Char('|')).toStdString();
+    const QString title = entries[k];
+    EXPECT_FALSE(title.isEmpty());
+
+    std::string error;
+    const std::size_t asked = LS().propertyRequests().size();
+    ASSERT_TRUE(Charts().chooseFromContextMenu(widget, Empty(), {properties, entries[k + 1]}, &error)) << error;
+    ASSERT_EQ(LS().propertyRequests().size(), asked + 1);
+    EXPECT_EQ(LS().propertyRequests().back(), id);
+    EXPECT_NE(LS().study(id), nullptr);
+    ASSERT_TRUE(Charts().chooseFromContextMenu(widget, Empty(), {properties, entries[k + 2]}, &error)) << error;
+    EXPECT_EQ(LS().study(id), nullptr);
+    ASSERT_FALSE(LS().deleted().empty());
+    EXPECT_EQ(LS().deleted().back(), id);
 }

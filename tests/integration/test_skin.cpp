@@ -1,7 +1,8 @@
-// Skins through the real entry points: the terminal tells the module its skin (3560), the
+// Skins through the real entry points: the terminal tells the module its skin (LoadSkin), the
 // module has the work-data store open the document (3163, 3164 when done) and restyles
 // every chart window and an open property dialog; windows made afterwards start in the
-// skin's look. pfhost takes skins in the order given.
+// skin's look. pfhost takes skins in the order given. 3560, a number some terminals use for
+// their own skin message, is no message of the module's.
 #include <gtest/gtest.h>
 
 #include <QColor>
@@ -74,7 +75,7 @@ TEST_F(SkinWindow, DarkSkinRestylesOpenWindowsAndTheBuiltInLookComesBackPixelFor
 
     ASSERT_EQ(emulator->loadSkin(kDarkSkin), 0);
     std::vector<unsigned int> sent;
-    for (const auto& e : SentDuring(LastIndexOf(MSG_LOAD_SKIN))) sent.push_back(e.message);
+    for (const auto& e : SentDuring(LastIndexOf(host::Journal::kEntryPointCall))) sent.push_back(e.message);
     ASSERT_FALSE(sent.empty());
     EXPECT_EQ(sent.front(), unsigned(MSG_WD_OPEN));
     EXPECT_EQ(sent.back(), unsigned(MSG_WD_SAVE));
@@ -110,12 +111,11 @@ TEST_F(SkinWindow, PathsAndDocumentsThatAreNoSkinLeaveTheBuiltInLook) {
     // A path without a terminator within 255 units is refused before the host is asked.
     std::vector<ushort> unterminated(255, ushort('a'));
     const std::size_t opened = H().journal().find(MSG_WD_OPEN).size();
-    // The answer is the switch's 0 all the same.
-    EXPECT_EQ(H().send(nullptr, MSG_LOAD_SKIN, P(unterminated.data())), 0);
+    EXPECT_EQ(H().loadSkin(unterminated.data()), 1);
     EXPECT_TRUE(emulator->core().logRecords().back().text.startsWith("Skin not read"));
     EXPECT_EQ(emulator->core().logRecords().back().level, 3);
     EXPECT_EQ(H().journal().find(MSG_WD_OPEN).size(), opened);
-    EXPECT_EQ(H().send(nullptr, MSG_LOAD_SKIN, 0), 0);  // null: the built-in look
+    EXPECT_EQ(H().loadSkin(nullptr), 0);  // null: the built-in look
     // A missing file, another document, a file that is not XML.
     EXPECT_EQ(emulator->loadSkin(dir.filePath(QStringLiteral("none.xml"))), 1);
     EXPECT_FALSE(QFile::exists(dir.filePath(QStringLiteral("none.xml"))));
@@ -142,6 +142,36 @@ TEST_F(SkinWindow, PathsAndDocumentsThatAreNoSkinLeaveTheBuiltInLook) {
     const QImage restyled = Grab(kagi);
     EXPECT_EQ(AreaColours(restyled), AreaColours(before));
     EXPECT_NE(restyled, before);
+}
+
+TEST_F(SkinWindow, Number3560IsNoSkinMessageWhateverItsParameterAndTarget) {
+    void* pf = Window(ChartType::PointAndFigure);
+    const QImage before = Grab(pf);
+    std::vector<ushort> path(kDarkSkin.utf16(), kDarkSkin.utf16() + kDarkSkin.size());
+    path.push_back(0);
+    // A skin's path, to the module and to each chart type interface: nothing is read, the
+    // host is asked nothing, the window keeps its look.
+    std::vector<void*> targets{nullptr, H().coreHandle()};
+    for (ChartType type : {ChartType::PointAndFigure, ChartType::Renko, ChartType::Kagi})
+        targets.push_back(Charts().interfaceOf(Window(type)));
+    for (void* target : targets) {
+        const std::size_t at = H().journal().entries().size();
+        EXPECT_EQ(H().send(target, 3560, P(path.data())), 0);
+        EXPECT_TRUE(SentDuring(at).empty()) << H().journal().dump();
+    }
+    EXPECT_EQ(Grab(pf), before);
+
+    // A skin read through the entry point stays, whatever 3560 carries: no pointer at all,
+    // or none.
+    ASSERT_EQ(emulator->loadSkin(kDarkSkin), 0);
+    const QImage dark = Grab(pf);
+    ASSERT_NE(dark, before);
+    for (std::intptr_t p1 : {std::intptr_t(0), std::intptr_t(0x5150), std::intptr_t(-1)}) {
+        const std::size_t at = H().journal().entries().size();
+        EXPECT_EQ(H().send(nullptr, 3560, p1, p1), 0);
+        EXPECT_TRUE(SentDuring(at).empty());
+    }
+    EXPECT_EQ(Grab(pf), dark);
 }
 
 TEST_F(SkinWindow, TheBackgroundPictureShowsFaintlyWhereTheSkinPlacesIt) {

@@ -139,6 +139,13 @@ TEST_F(Undo, ClosingAnAreaIsOneStepAndItsUndoRestoresThePicture) {
     EXPECT_EQ(Charts().closeButtons(widget).size(), 2u);
     const std::vector<unsigned int> expected{MSG_UNDO_BEGIN, MSG_UNDO_COMMIT, MSG_UNDO_REQUEST, MSG_UNDO_REPLY};
     EXPECT_EQ(UndoMessages(from), expected);
+    // The end of the undo is told once (3142), with everything it rebuilt: the area.
+    const std::vector<host::Journal::Entry> ended = SentDuring(LastIndexOf(MSG_UNDO_REQUEST));
+    std::vector<std::intptr_t> counts;
+    for (const auto& e : ended)
+        if (e.message == MSG_UNDO_REFRESHED) counts.push_back(e.param2);
+    ASSERT_EQ(counts.size(), 1u);
+    EXPECT_GE(counts[0], 1);
 }
 
 TEST_F(Undo, PlacesInRecordsAreIndexRuleValuesAndComeBackExactly) {
@@ -168,6 +175,34 @@ TEST_F(Undo, PlacesInRecordsAreIndexRuleValuesAndComeBackExactly) {
     EXPECT_EQ(Picture(widget), before);
 }
 
+TEST_F(Undo, ALineDeleteRecordHoldsAnIndicatorAndLinePairPerLineInTheLayoutsKeys) {
+    void* widget = Window({"USDCHF", "TTRC", "USDCHF"});
+    const QImage before = Picture(widget);
+    std::string error;
+    ASSERT_TRUE(Charts().deleteLine(widget, 1, &error)) << error;
+    const QStringList indicatorKeys{"InstrumentName", "InstrumentType", "NameProvider", "InstrumentPeriodChar",
+                                    "InstrumentPeriodLen", "InstrumentPeriodStartTime", "PrimitiveStyle",
+                                    "StartPosition", "VisibleFigures", "nArea", "nLayer", "ObjectType", "FInterface",
+                                    "FProvider", "FName", "nodeIndex", "nLineCount", "IndicatorCount", "LayerCount"};
+    int indicators = 0;
+    EditTopRecord([&](void*, const host::workdata::Node& node) {
+        if (node.name != QLatin1String("PFIndicator")) return;
+        ++indicators;
+        for (const auto& a : node.attributes) EXPECT_TRUE(indicatorKeys.contains(a.first)) << a.first.toStdString();
+        ASSERT_EQ(node.children.size(), 1u);
+        EXPECT_EQ(node.children[0]->name, QStringLiteral("PFLine"));
+        // The area had one layer of one indicator of one line: all of it went.
+        for (const char* key : {"nLineCount", "IndicatorCount", "LayerCount"}) {
+            const QString* v = node.attribute(QString::fromLatin1(key));
+            ASSERT_NE(v, nullptr) << key;
+            EXPECT_EQ(*v, QStringLiteral("1")) << key;
+        }
+    });
+    EXPECT_EQ(indicators, 1);
+    UndoTop();
+    EXPECT_EQ(Picture(widget), before);
+}
+
 TEST_F(Undo, DeletingTheLastLineOfAnIndicatorIsUndoneToTheSamePicture) {
     void* widget = Window({"USDCHF"});
     const QImage before = Picture(widget);
@@ -190,9 +225,22 @@ TEST_F(Undo, ZoomByALeftDragIsUndoneToTheSamePicture) {
     const QImage before = Picture(widget);
     QWidget* chart = Charts().chartWidget(widget);
     // About sixty of the 300 columns shown.
+    const std::size_t from = H().journal().entries().size();
     Drag(widget, chart->width() / 3, chart->width() / 3 + chart->width() / 5, chart->height() / 2);
     ASSERT_GT(bar->maximum(), range) << "the drag did not zoom";
     EXPECT_EQ(Titles(), Text("G0138"));
+    // The record is written in one pass: its root read once (when opened), its one "Node"
+    // made (and, new, found empty) and written once.
+    std::vector<unsigned int> written;
+    bool begun = false;
+    for (std::size_t i = from; i < H().journal().entries().size(); ++i) {
+        const unsigned int m = H().journal().entries()[i].message;
+        begun = begun || m == MSG_UNDO_BEGIN;
+        if (begun && m >= MSG_WD_CLEAR_NODE && m <= MSG_WD_PARAM_COUNT) written.push_back(m);
+        if (m == MSG_UNDO_COMMIT) break;
+    }
+    EXPECT_EQ(written, (std::vector<unsigned int>{MSG_WD_PARAM_COUNT, MSG_WD_CREATE_NODE, MSG_WD_PARAM_COUNT,
+                                                  MSG_WD_WRITE_PARAMS}));
 
     UndoTop();
     EXPECT_EQ(bar->maximum(), range);
@@ -266,7 +314,7 @@ TEST_F(Undo, HostileUndoRecordsChangeNothing) {
     ASSERT_TRUE(Charts().deleteLine(widget, 0, &error)) << error;
     const QImage deleted = Picture(widget);
     EditTopRecord([this](void* handle, const host::workdata::Node& node) {
-        for (const char* name : {"nodeIndex", "nArea", "nLayer", "nIndicator", "nLine", "Index"})
+        for (const char* name : {"nodeIndex", "nArea", "nLayer", "nIndicator", "nLine", "nLineStudy", "Index"})
             if (node.attribute(QString::fromLatin1(name)))
                 Store().setAttribute(handle, QString::fromLatin1(name), QStringLiteral("1000000"));
     });

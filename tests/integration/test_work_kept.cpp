@@ -207,4 +207,100 @@ TEST_F(WorkKept, UndoThatRebuildsIndicatorsResetsTheToolBarButtons) {
     EXPECT_FALSE(cross->isChecked());
 }
 
+// A chart the terminal recomputes with a larger box has fewer positions; the window
+// went blank (its view beyond the data) until zoomed out. Now, after the 3009 of the
+// recompute, a window that showed its newest position shows exactly what a new window of
+// the new box shows at its newest position (scales, grid and labels included), and so
+// after the box is set back, also from a box so large that no column is left.
+TEST_F(WorkKept, ARecomputedChartShowsWhatANewWindowOfItsBoxShows) {
+    const struct {
+        ChartType type;
+        double from;
+        double to;
+    } cases[] = {{ChartType::Renko, 0.2, 1.0}, {ChartType::PointAndFigure, 1.0, 10.0},
+                 {ChartType::PointAndFigure, 1.0, 100000.0}};
+    int compared = 0;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(host::data::chartTypeName(c.type));
+        host::data::ChartSettings settings;
+        settings.box = c.from;
+        Data().setChartSettings(c.type, settings);
+        void* w = Window(c.type, {"TTRC"});
+        Charts().pressKey(w, Qt::Key_End);
+        void* handle = Data().chartObjects().back()->handle();
+        for (double box : {c.to, c.from}) {
+            SCOPED_TRACE(box);
+            settings.box = box;
+            std::string error;
+            ASSERT_TRUE(Data().configure(handle, settings, &error)) << error;
+            if (Data().chart(handle)->records().empty()) continue;  // nothing to show
+            Data().setChartSettings(c.type, settings);
+            void* fresh = Window(c.type, {"TTRC"});
+            Charts().pressKey(fresh, Qt::Key_End);
+            EXPECT_EQ(Picture(w), Picture(fresh));
+            ++compared;
+            QAbstractSlider* bar = Charts().timeScrollBar(w);
+            EXPECT_EQ(bar->value(), bar->maximum()) << "the newest position left the view";
+            QPoint figure;
+            EXPECT_TRUE(Charts().figureIn(w, 0, &figure));
+            // Home and End still lead through the data.
+            Charts().pressKey(w, Qt::Key_Home);
+            EXPECT_TRUE(Charts().figureIn(w, 0, &figure));
+            Charts().pressKey(w, Qt::Key_End);
+            EXPECT_TRUE(Charts().figureIn(w, 0, &figure));
+            ASSERT_TRUE(Charts().destroy(fresh));
+        }
+        ASSERT_TRUE(Charts().destroy(w));
+    }
+    EXPECT_EQ(compared, 5) << "only the box of 100000 leaves no column";
+}
+
+// A view zoomed in so far that End brings it wholly into the free space after the
+// newest column left the price scales blank; they take their range from the last column.
+TEST_F(WorkKept, AViewWhollyInTheFreeSpaceKeepsItsPriceScale) {
+    void* w = Window(ChartType::PointAndFigure, {"USDCHF"});
+    QAbstractSlider* bar = Charts().timeScrollBar(w);
+    for (int i = 0; i < 40 && bar->pageStep() > 5; ++i) Charts().pressKey(w, Qt::Key_Plus);
+    Charts().pressKey(w, Qt::Key_End);
+    ASSERT_LE(bar->pageStep(), 5);
+    const QImage image = Picture(w);
+    // The right price scale: the last 50 pixels of the area's rows.
+    const std::vector<QRect> buttons = Charts().closeButtons(w);
+    const int top = buttons.front().bottom() + 10;
+    const int bottom = bar->mapTo(Charts().chartWidget(w), QPoint()).y() - 60;
+    const QRgb background = image.pixel(image.width() - 3, (top + bottom) / 2);
+    int text = 0;
+    for (int y = top; y < bottom; ++y)
+        for (int x = image.width() - 50; x < image.width() - 2; ++x) text += image.pixel(x, y) != background;
+    EXPECT_GT(text, 50) << "the price scale is blank";
+}
+
+// A second instrument dropped as an area of its own starts the time scroll bar and
+// every area's first position at the beginning, so that zooming afterwards zooms both.
+TEST_F(WorkKept, ASecondInstrumentStartsTheTimeScrollBarAgain) {
+    void* w = Window(ChartType::PointAndFigure, {"USDCHF"});
+    Charts().pressKey(w, Qt::Key_End);
+    QAbstractSlider* bar = Charts().timeScrollBar(w);
+    ASSERT_GT(bar->value(), 0);
+    ASSERT_EQ(Charts().drop(w, {"TTRC"}), 0);
+    Picture(w);
+    EXPECT_EQ(bar->value(), 0);
+    const std::vector<fxChartTypeRecord> first = RecordsOf(0);
+    ASSERT_GT(first.size(), 300u);
+    // The first area shows its first columns (the status bar names them under the mouse).
+    QPoint at;
+    std::string error;
+    const double price = double(first[0].value);
+    EXPECT_TRUE(host::StudyPixel(*emulator, w, StudyPoint{first[0].time, price}, &at, &error)) << error;
+
+    // Zooming in (the right edge stays) keeps many columns of the first area in view.
+    Charts().toolButtons(w)[0]->click();
+    for (std::size_t k : {std::size_t(100), std::size_t(250)})
+        EXPECT_TRUE(host::StudyPixel(*emulator, w, StudyPoint{first[k].time, double(first[k].value)}, &at, &error))
+            << "column " << k << ": " << error;
+    QPoint figure;
+    EXPECT_TRUE(Charts().figureIn(w, 0, &figure));
+    EXPECT_TRUE(Charts().figureIn(w, 1, &figure));
+}
+
 }  // namespace

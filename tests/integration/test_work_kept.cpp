@@ -303,4 +303,26 @@ TEST_F(WorkKept, ASecondInstrumentStartsTheTimeScrollBarAgain) {
     EXPECT_TRUE(Charts().figureIn(w, 1, &figure));
 }
 
+// The cross cursor's price label took the instrument's decimals from the host's array
+// without a bound; like the scales and the status bar it shows at most ten, so a hostile
+// precision draws the same picture as a precision of ten.
+TEST_F(WorkKept, TheCrossCursorShowsAtMostTenDecimals) {
+    void* w = Window(ChartType::PointAndFigure, {"USDCHF"});
+    fxDataPointArray* array = Data().arrays(Data().chartObjects().front()->handle()).front();
+    QToolButton* cross = Charts().toolButtons(w).at(2);
+    cross->click();
+    const QWidget* chart = Charts().chartWidget(w);
+    const QPoint at(chart->width() / 2, chart->height() / 3);
+    QImage ten;
+    for (std::int32_t precision : {10, 11, 64, INT_MAX, 1 << 30}) {
+        SCOPED_TRACE(precision);
+        array->precision = precision;
+        MoveTo(w, at);
+        const QImage image = Picture(w);
+        if (ten.isNull()) ten = image;
+        else ASSERT_EQ(image, ten);
+    }
+    array->precision = 4;
+}
+
 }  // namespace

@@ -391,7 +391,8 @@ void PFChartWidget::FollowData(gx::Area& area, int oldTotal, int newTotal) {
     // its right; one scrolled back into the history stays where it is, as far as the data
     // still reaches.
     long long start = first;
-    if (autoScroll_ || gap >= 0) start = newTotal + std::min<long long>(std::max<long long>(gap, 0), freeStep_) - visible;
+    if (autoScroll_ || gap >= 0)
+        start = newTotal + std::min<long long>(std::max<long long>(gap, 0), freeStep_) - visible;
     const long long last = std::min<long long>(newTotal - 1LL, newTotal - visible + freeStep_);
     start = std::max<long long>(0, std::min(start, last));
     e.SetColumnCount(static_cast<int>(std::max<long long>(0, visible)));

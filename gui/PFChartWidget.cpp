@@ -298,7 +298,6 @@ boost::shared_ptr<gx::Area> PFChartWidget::AddSecondaryPrimitive(void* baseHandl
     const boost::shared_ptr<pf::DataSource> source =
         CreateDataSource(baseHandle, QString::fromLocal8Bit(symbol ? symbol : ""), period);
     if (!source) return boost::shared_ptr<gx::Area>();
-    const bool firstArea = chart_->GetAreas().empty();
     boost::shared_ptr<gx::Area> area = chart_->AddArea();
     try {
         const boost::shared_ptr<gx::Indicator> indicator = area->AddLayer()->AddIndicator(source);
@@ -321,7 +320,7 @@ boost::shared_ptr<gx::Area> PFChartWidget::AddSecondaryPrimitive(void* baseHandl
     }
     chart_->RePlaceAreas();
     UpdateScaleWidth();
-    SetFirstDisplay(area, source->GetArray(0), firstArea);
+    SetFirstDisplay(area, source->GetArray(0));
     CreateTimeScale();
     UpdateTimeScale();
     zoomRecording_ = false;
@@ -336,9 +335,9 @@ int PFChartWidget::FirstDisplayCount(int total) const {
     return visible == freeStep_ ? 0 : visible;
 }
 
-void PFChartWidget::SetZoomSlider(bool firstDisplay) {
+void PFChartWidget::SetZoomSlider(bool firstDisplay, const gx::Area* area) {
     if (chart_->GetAreas().empty()) return;
-    const pf::ScaleEngine& e = *chart_->GetAreas().front()->GetEngine();
+    const pf::ScaleEngine& e = *(area ? area : chart_->GetAreas().back().get())->GetEngine();
     const int total = pf::TruncToInt(e.GetX1());
     if (total == 0) return;
     QSlider* slider = toolBar_->GetZoomSlider();
@@ -348,23 +347,20 @@ void PFChartWidget::SetZoomSlider(bool firstDisplay) {
     slider->setValue(firstDisplay ? -freeStep_ : total - e.GetColumnCount());
 }
 
-void PFChartWidget::SetFirstDisplay(const boost::shared_ptr<gx::Area>& area, const fxDataPointArray* first,
-                                    bool resetZoom) {
+void PFChartWidget::SetFirstDisplay(const boost::shared_ptr<gx::Area>& area, const fxDataPointArray* first) {
     pf::ScaleEngine& e = *area->GetEngine();
     const int total = first ? pf::PointData::RecordCount(first) : 0;
     const int visible = FirstDisplayCount(first ? total : -1);
     e.SetColumnCount(visible);
     e.SetFirstColumn(0);
     e.Update(area->Rect(), 0.0f, static_cast<float>(total), e.GetMinPrice(), e.GetMaxPrice());
-    if (!resetZoom) return;
-    // The first area sets the scroll bar (which starts at the beginning: every area's first
-    // position becomes 0) and the zoom slider. Later areas leave both following the first
-    // one, as a window loaded from a saved layout does.
-    if (scrollBar_->value() != 0)
-        for (const boost::shared_ptr<gx::Area>& a : chart_->GetAreas()) a->GetEngine()->SetFirstColumn(0);
+    // The window has one time scroll bar: it starts at the beginning again with the new
+    // area's range, every area's first position with it, and the zoom slider at the first
+    // display of the new area.
+    for (const boost::shared_ptr<gx::Area>& a : chart_->GetAreas()) a->GetEngine()->SetFirstColumn(0);
     scrollBar_->SetQuietly(0, total - visible + freeStep_, 0);
     scrollBar_->setPageStep(std::max(1, visible));
-    SetZoomSlider(true);
+    SetZoomSlider(true, area.get());
 }
 
 void PFChartWidget::RestorePositions(gx::Area* area, int first, int visible) {
@@ -378,6 +374,32 @@ void PFChartWidget::RestorePositions(gx::Area* area, int first, int visible) {
     e.SetColumnCount(std::max(0, std::min(visible, total + freeStep_)));
     e.SetFirstColumn(std::max(0, std::min(first, total)));
     e.Update(area->Rect(), 0.0f, static_cast<float>(total), e.GetMinPrice(), e.GetMaxPrice());
+}
+
+void PFChartWidget::FollowData(gx::Area& area, int oldTotal, int newTotal) {
+    pf::ScaleEngine& e = *area.GetEngine();
+    const long long first = e.GetFirstColumn();
+    long long visible = e.GetColumnCount();
+    // Free positions after the newest in view; not negative: the newest is in view.
+    const long long gap = first + visible - oldTotal;
+    // A view that showed all of its data keeps showing all of it while the data grows, up
+    // to what a first display shows (a chart recomputed with a smaller box comes back as
+    // it was before it shrank).
+    if (first == 0 && gap >= 0 && newTotal > oldTotal)
+        visible = std::max<long long>(visible, FirstDisplayCount(newTotal));
+    // Never more positions than the data and its free space.
+    visible = std::min<long long>(visible, static_cast<long long>(newTotal) + freeStep_);
+    // A window showing its newest position keeps showing it, with the same free space to
+    // its right; one scrolled back into the history stays where it is, as far as the data
+    // still reaches.
+    long long start = first;
+    if (autoScroll_ || gap >= 0)
+        start = newTotal + std::min<long long>(std::max<long long>(gap, 0), freeStep_) - visible;
+    const long long last = std::min<long long>(newTotal - 1LL, newTotal - visible + freeStep_);
+    start = std::max<long long>(0, std::min(start, last));
+    e.SetColumnCount(static_cast<int>(std::max<long long>(0, visible)));
+    e.SetFirstColumn(static_cast<int>(start));
+    e.Update(area.Rect(), e.GetX0(), static_cast<float>(newTotal), e.GetMinPrice(), e.GetMaxPrice());
 }
 
 bool PFChartWidget::UpdateIndicatorPrimitives(const coreCoreUpdateDpaData* record) {
@@ -396,14 +418,12 @@ bool PFChartWidget::UpdateIndicatorPrimitives(const coreCoreUpdateDpaData* recor
         int newTotal = 0;
         for (const boost::shared_ptr<gx::Line>& line : indicator->GetLines()) newTotal = std::max(newTotal, line->Size());
         if (newTotal == oldTotal) continue;
-        const int visible = e.GetColumnCount();
-        const int first = e.GetFirstColumn();
-        // A window showing its newest position keeps showing it, with the same free space to
-        // its right; one scrolled back into the history stays where it is.
-        const int gap = first + visible - oldTotal;
-        e.Update(area->Rect(), e.GetX0(), static_cast<float>(newTotal), e.GetMinPrice(), e.GetMaxPrice());
-        if (autoScroll_ || gap >= 0) e.SetFirstColumn(std::max(0, std::max(first, newTotal + std::max(gap, 0) - visible)));
-        scrollBar_->SetQuietly(0, newTotal - visible + freeStep_, e.GetFirstColumn());
+        FollowData(*area, oldTotal, newTotal);
+        if (area != chart_->GetAreas().back().get()) continue;
+        // The scroll bar and the zoom slider follow the last area's data; the slider stays at
+        // its start while the view shows as many positions as a first display does.
+        SetScrollRange();
+        SetZoomSlider(e.GetColumnCount() == FirstDisplayCount(newTotal));
     }
     UpdateScaleWidth();
     ExpandTimeScale();
@@ -451,7 +471,7 @@ void PFChartWidget::UpdateTimeScale() {
 
 void PFChartWidget::SetScrollRange() {
     if (chart_->GetAreas().empty()) return;
-    const pf::ScaleEngine& e = *chart_->GetAreas().front()->GetEngine();
+    const pf::ScaleEngine& e = *chart_->GetAreas().back()->GetEngine();
     scrollBar_->SetQuietly(0, pf::TruncToInt(e.GetX1()) - e.GetColumnCount() + freeStep_, e.GetFirstColumn());
     scrollBar_->setPageStep(std::max(1, e.GetColumnCount()));
 }

@@ -233,7 +233,9 @@ public:
     // Paints the window; returns at once while busy, and while repaint is suspended
     // unless forced.
     void Draw(QPainter& painter, bool force);
-    // The scroll bar's range and value from the first area.
+    // The scroll bar's range and value from the last area. The window has one time scroll
+    // bar and one zoom slider for all its areas; they follow the last one, as the zoom
+    // buttons and a newly added instrument leave them.
     void SetScrollRange();
     // A restored area's positions: the total from its data, the first and the visible count
     // as saved (clamped to the data; a negative count gives the first display's count).
@@ -372,11 +374,16 @@ private:
     // The number of positions a first display shows for `total` positions of data (-1: the
     // host gave no array).
     int FirstDisplayCount(int total) const;
-    // The zoom slider as a first display or a zoom leaves it for the first area.
-    void SetZoomSlider(bool firstDisplay);
-    // Sets the visible count of a freshly added area, and for the chart's first area the
-    // scroll bar and the zoom slider.
-    void SetFirstDisplay(const boost::shared_ptr<gx::Area>& area, const fxDataPointArray* first, bool resetZoom);
+    // The zoom slider as a first display or a zoom leaves it for `area` (the last area when
+    // none is given).
+    void SetZoomSlider(bool firstDisplay, const gx::Area* area = nullptr);
+    // After the data of `area` changed from `oldTotal` to `newTotal` positions: the first
+    // position and the visible count stay inside the data, a view of the newest position
+    // keeps it in view, and a view of all the data keeps all of it.
+    void FollowData(gx::Area& area, int oldTotal, int newTotal);
+    // Sets the visible count of a freshly added area; the scroll bar, every area's first
+    // position and the zoom slider start again from it.
+    void SetFirstDisplay(const boost::shared_ptr<gx::Area>& area, const fxDataPointArray* first);
 
     bool busy_ = false;
     bool repaintSuspended_ = false;

@@ -119,7 +119,7 @@ void PFChartWidget::FromXML(const boost::shared_ptr<CXMLWorkData>& tree) {
     UpdateTimeScale();
     if (!chart_->GetAreas().empty()) {
         SetScrollRange();
-        const pf::ScaleEngine& e = *chart_->GetAreas().front()->GetEngine();
+        const pf::ScaleEngine& e = *chart_->GetAreas().back()->GetEngine();
         SetZoomSlider(e.GetColumnCount() == FirstDisplayCount(pf::TruncToInt(e.GetX1())));
     }
     zoomRecording_ = false;

@@ -125,8 +125,8 @@ void Area::DrawCrossCursor(QPainter& painter) const {
 
     // The price under the mouse, in the right scale column (the left one when the right
     // scale is hidden).
-    const QByteArray format = "%0." + QByteArray::number(range.Decimals()) + "f";
-    const QString price = QString::asprintf(format.constData(), engine_->UnTranslateY(mouse.y()));
+    const QString price =
+        LRScale::FormatPrice(engine_->UnTranslateY(mouse.y()), LRScale::PriceDecimals(range.precision));
     const LRScale* right = widget ? widget->GetRightScale() : nullptr;
     const bool useRight = right && right->IsVisible();
     const int scaleLeft = useRight ? rect_.right() + 1 : pane_.left();

@@ -174,13 +174,14 @@ void Chart::mousePressEvent(const QMouseEvent& event) {
         if (area->CheckClose(event)) closing.push_back(area);
     if (!closing.empty()) {
         // Closing an area: select everything in it, record it for undo, then delete the
-        // selection.
+        // selection inside it. What is selected in other areas stays: the close is one
+        // undo step that holds the area alone.
         for (const boost::shared_ptr<Area>& area : closing) {
             WidgetWalker<SelectAreaLines>(this, SelectAreaLines(area.get())).Walk();
             WidgetWalker<SelectAreaLS>(this, SelectAreaLS(area.get())).Walk();
             if (widget_) widget_->RecordAreaDelete(area->GetIndex());
+            WidgetWalker2<DeleteSelItems>(this, DeleteSelItems(area.get())).Walk();
         }
-        WidgetWalker2<DeleteSelItems>(this, DeleteSelItems()).Walk();
         if (widget_) {
             widget_->AfterDelete();
             widget_->SendMainChange(QStringLiteral("Delete Area"));

@@ -32,7 +32,6 @@ struct FindMinMax : Visitor {
 
     // True once a line with data was seen.
     bool HasData() const { return columnCount >= 0.0f; }
-    int Decimals() const { return precision < 0.0f ? 4 : static_cast<int>(precision); }
 
 private:
     const Area* area_;

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <boost/shared_ptr.hpp>
+#include <climits>
 #include <cstddef>
 #include <vector>
 
@@ -21,8 +22,8 @@ int IndexOf(const std::vector<boost::shared_ptr<T> >& container, const T* elemen
 inline int IndexAt(std::size_t position) { return -static_cast<int>(position); }
 
 // The position a value of the rule stands for; -1 for a value the rule never gives (one
-// above 0, such as kNoIndex).
-inline int PositionOf(int index) { return index > 0 ? -1 : -index; }
+// above 0, such as kNoIndex, or one whose position no int holds).
+inline int PositionOf(int index) { return index > 0 || index < -INT_MAX ? -1 : -index; }
 
 // What a reader of an undo record takes when a place is missing: no value of the rule.
 const int kNoIndex = 1;

@@ -79,8 +79,10 @@ public:
     static void FromXML(const boost::shared_ptr<Layer>& layer, CXMLWorkData* layerNode);
     // One saved "PFIndicator" node, added to the layer.
     static void FromXMLNode(const boost::shared_ptr<Layer>& layer, CXMLWorkData* node);
-    // Gives the indicator a line for every array of its source again.
-    void RebuildLines();
+    // A deleted line back at `index` among the lines, on the source's array of that
+    // position; the lines that stayed keep their studies and settings. False (nothing
+    // added) when the source has no such array or the place is beyond the lines.
+    bool RestoreLine(int index);
     const boost::shared_ptr<pf::ScaleEngine>& GetEngine() const { return engine_; }
     // The data object's handle in the host; null without a source.
     void* GetHandle() const;

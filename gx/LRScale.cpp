@@ -27,16 +27,9 @@ const int kLabelIndent = 5;
 // Space kept between two labels on top of the font height.
 const int kLabelGap = 5;
 // Decimals never go beyond these, whatever the host reports.
-const int kMaxScaleDecimals = 10;
+const int kDefaultPriceDecimals = 4;
+const int kMaxPriceDecimals = 10;
 const int kMaxFormatDecimals = 64;
-
-// Decimals of the instrument for the labels: 4 while unknown (no array seen, or a value the
-// host cannot have meant), at most kMaxScaleDecimals.
-int LabelDecimals(const FindMinMax& range) {
-    if (!(range.precision >= 0.0f)) return 4;
-    if (range.precision > kMaxScaleDecimals) return kMaxScaleDecimals;
-    return static_cast<int>(range.precision);
-}
 
 // Prices are compared at a resolution of 1/10000: the float prices of the range carry noise
 // in their last digits that must not add or drop a label.
@@ -103,7 +96,7 @@ void DrawLabels(QPainter& painter, const QRect& column, const FindMinMax& range,
     // The step is worked out in points (units of the instrument's last decimal): the points
     // that fit into one label spacing at the current box height, rounded down to whole tens
     // and raised by ten, so that neighbouring labels never come closer than the spacing.
-    const int decimals = LabelDecimals(range);
+    const int decimals = LRScale::PriceDecimals(range.precision);
     const double pointsPerUnit = std::pow(10.0, decimals);
     const int spacing = labelHeight + kLabelGap;
     const int boxPixels = engine->TranslateY(range.maxPrice - range.boxSize) - engine->TranslateY(range.maxPrice);
@@ -164,6 +157,11 @@ float LRScale::GetStepParam(float max, float min, int fontHeight) const {
     if (raw > step) step *= 10.0f;
     if (step * 0.5f > raw) return step * 0.5f;
     return step;
+}
+
+int LRScale::PriceDecimals(double precision) {
+    if (!(precision >= 0.0)) return kDefaultPriceDecimals;
+    return precision > kMaxPriceDecimals ? kMaxPriceDecimals : static_cast<int>(precision);
 }
 
 QString LRScale::FormatPrice(double price, int decimals) {

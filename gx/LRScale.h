@@ -52,6 +52,9 @@ public:
 
     // "%0.<decimals>f".
     static QString FormatPrice(double price, int decimals);
+    // The decimals prices of an instrument are shown with, from the precision the host
+    // reports: 4 while unknown (negative, or not a number), at most 10 whatever it says.
+    static int PriceDecimals(double precision);
 
     // Forgets the kept pictures.
     void ClearPictures() const { pictures_.Clear(); }

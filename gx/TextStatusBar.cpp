@@ -23,16 +23,6 @@ namespace gx {
 namespace {
 
 const int kPaneCount = 2;
-const int kDefaultDecimals = 4;
-const int kMaxDecimals = 10;
-
-// Decimals of the instrument as the host reports them: 4 while unknown (negative), at most
-// kMaxDecimals.
-int PriceDecimals(std::int32_t precision) {
-    if (precision < 0) return kDefaultDecimals;
-    return std::min<std::int32_t>(precision, kMaxDecimals);
-}
-
 // The line whose instrument the layer shows: the first line of its first indicator.
 const Line* LayerLine(const Layer& layer) {
     const std::vector<boost::shared_ptr<Indicator> >& indicators = layer.GetIndicators();
@@ -105,7 +95,7 @@ void TextStatusBar::SetTextStatusBar(const boost::shared_ptr<Layer>& layer, cons
         const double price = engine->UnTranslateY(point.y());
         // A flat range has no price per row; it reads as zero.
         QString text = QStringLiteral("0.0");
-        if (price != 0.0 && std::isfinite(price)) text = LRScale::FormatPrice(price, PriceDecimals(array->precision));
+        if (price != 0.0 && std::isfinite(price)) text = LRScale::FormatPrice(price, LRScale::PriceDecimals(array->precision));
         label->setText(QStringLiteral("%1").arg(text));
     }
 }

@@ -21,8 +21,10 @@
 #include "data/DataSource.h"
 #include "data/ScaleEngine.h"
 #include "gui/PFChartWidget.h"
+#include "gui/ToolBar.h"
 #include "gx/Area.h"
 #include "gx/Chart.h"
+#include "gx/IndexRule.h"
 #include "gx/Indicator.h"
 #include "gx/Layer.h"
 #include "gx/Line.h"
@@ -153,12 +155,13 @@ boost::shared_ptr<Area> Area::InsertFromXML(Chart& chart, CXMLWorkData* areaNode
     return area;
 }
 
-void Indicator::RebuildLines() {
-    lines_.clear();
-    if (!source_) return;
-    const int count = source_->GetList().count;
-    for (int i = 0; i < count; ++i)
-        if (fxDataPointArray* array = source_->GetArray(i)) AddLine(array);
+bool Indicator::RestoreLine(int index) {
+    if (!source_ || index < 0 || index > GetLineCount()) return false;
+    fxDataPointArray* array = source_->GetArray(index);
+    if (!array) return false;
+    const boost::shared_ptr<Line> line(new Line(this, array, engine_, rect_));
+    lines_.insert(lines_.begin() + index, line);
+    return true;
 }
 
 
@@ -210,12 +213,15 @@ void Indicator::FromXMLNode(const boost::shared_ptr<Layer>& layer, CXMLWorkData*
     indicator->SetOrigin(origin);
     ForEachChild(node, "PFLine", [&](CXMLWorkData* lineNode) { Line::FromXML(indicator, lineNode); });
     widget->RestorePositions(area, node->readInteger("StartPosition", 0), node->readInteger("VisibleFigures", -1));
+    // A rebuilt indicator (a loaded layout, an undo) leaves the tool bar's state buttons
+    // as a new window has them.
+    if (pf::gui::ToolBar* toolBar = widget->GetToolBar()) toolBar->ResetStateButtonList(false);
 }
 
 void Line::FromXML(const boost::shared_ptr<Indicator>& indicator, CXMLWorkData* lineNode) {
     // The lines come with the data; the saved index (0, -1, -2 ... for the first, second,
     // third line) picks the one these values belong to.
-    const int index = -lineNode->readInteger("Index", 0);
+    const int index = PositionOf(lineNode->readInteger("Index", 0));
     if (index < 0 || index >= indicator->GetLineCount()) return;
     const boost::shared_ptr<Line>& line = indicator->GetLines()[static_cast<std::size_t>(index)];
     line->SetFirstVisibleFigure(std::max(0, lineNode->readInteger("FirstVisibleFigure", 0)));

@@ -68,6 +68,7 @@ void SetManualDeleteLS::Visit(boost::shared_ptr<Line> line) {
 }
 
 void DeleteSelItems::Visit(boost::shared_ptr<Line> line) {
+    if (area && AreaOf(*line) != area) return;
     // Studies deleted by hand leave the host now, also those that go with their line.
     for (const boost::shared_ptr<LineStudy>& s : line->GetLineStudies())
         if (s->IsManualDelete() && (s->IsSelected() || line->IsSelected())) s->Delete();
@@ -75,20 +76,25 @@ void DeleteSelItems::Visit(boost::shared_ptr<Line> line) {
 }
 
 void DeleteSelItems::Visit(boost::shared_ptr<Indicator> indicator) {
+    if (area && AreaOf(*indicator) != area) return;
     StableErase(indicator->GetLines(), [](const boost::shared_ptr<Line>& l) { return l->IsSelected(); });
 }
 
 void DeleteSelItems::Visit(boost::shared_ptr<Layer> layer) {
+    if (area && layer->GetArea() != area) return;
     StableErase(layer->GetIndicators(),
                 [](const boost::shared_ptr<Indicator>& i) { return i->GetLineCount() == 0; });
 }
 
-void DeleteSelItems::Visit(boost::shared_ptr<Area> area) {
-    StableErase(area->GetLayers(), [](const boost::shared_ptr<Layer>& l) { return l->GetIndicatorCount() == 0; });
+void DeleteSelItems::Visit(boost::shared_ptr<Area> a) {
+    if (area && a.get() != area) return;
+    StableErase(a->GetLayers(), [](const boost::shared_ptr<Layer>& l) { return l->GetIndicatorCount() == 0; });
 }
 
 void DeleteSelItems::Visit(Chart* chart) {
-    StableErase(chart->GetAreas(), [](const boost::shared_ptr<Area>& a) { return a->GetLayerCount() == 0; });
+    StableErase(chart->GetAreas(), [this](const boost::shared_ptr<Area>& a) {
+        return a->GetLayerCount() == 0 && (!area || a.get() == area);
+    });
 }
 
 void SelectAreaLines::Visit(boost::shared_ptr<Line> line) {
@@ -229,18 +235,22 @@ void FindMinMax::Visit(boost::shared_ptr<Line> line) {
     fxDataPointArray* array = line->GetArray();
     if (!array || line->Size() < 1 || !line->GetEngine()) return;
     const CKVPFLine view(array);
+    if (view.Size() < 1) return;
     pointCount = static_cast<float>(view.Size());
     const pf::ScaleEngine& engine = *line->GetEngine();
-    const int first = std::max(0, engine.GetFirstColumn());
-    const int last = std::min(view.Size() - 1, first + engine.GetColumnCount() - 1);
+    int first = std::max(0, engine.GetFirstColumn());
+    const long long end = static_cast<long long>(first) + engine.GetColumnCount() - 1;
+    int last = static_cast<int>(std::min<long long>(view.Size() - 1, end));
+    // A view with no column of the line (wholly in the free space after the newest, or
+    // showing no position) takes its range from the column nearest to it, so that the
+    // scales and the grid always have one.
+    if (last < first) first = last = std::min(first, view.Size() - 1);
     firstPos = static_cast<float>(first);
     const float box = view.GetStepData(0);
-    if (last >= first) {
-        const double high = view.FindMaxElement(QStringLiteral("END"), first, last);
-        if (high > maxPrice) maxPrice = static_cast<float>(high + box);
-        const double low = view.FindMinElement(QStringLiteral("VALUE"), first, last);
-        if (low < minPrice) minPrice = static_cast<float>(low - box);
-    }
+    const double high = view.FindMaxElement(QStringLiteral("END"), first, last);
+    if (high > maxPrice) maxPrice = static_cast<float>(high + box);
+    const double low = view.FindMinElement(QStringLiteral("VALUE"), first, last);
+    if (low < minPrice) minPrice = static_cast<float>(low - box);
     columnCount = static_cast<float>(view.Size());
     boxSize = box;
     precision = static_cast<float>(array->precision);

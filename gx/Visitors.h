@@ -73,13 +73,16 @@ struct SetManualDeleteLS : Visitor {
 };
 
 // The deletion cascade, from the leaves up: selected line studies, selected lines, then
-// indicators without lines, layers without indicators and areas without layers.
+// indicators without lines, layers without indicators and areas without layers. Given an
+// area, the cascade stays inside it: what is selected elsewhere is left alone.
 struct DeleteSelItems : Visitor {
+    explicit DeleteSelItems(const Area* only = nullptr) : area(only) {}
     void Visit(Chart* chart);
     void Visit(boost::shared_ptr<Area> area);
     void Visit(boost::shared_ptr<Layer> layer);
     void Visit(boost::shared_ptr<Indicator> indicator);
     void Visit(boost::shared_ptr<Line> line);
+    const Area* area;
 };
 
 struct SelectAreaLines : Visitor {

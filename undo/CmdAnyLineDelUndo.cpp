@@ -256,12 +256,13 @@ void CmdAnyLineDelUndo::UnExecute(int, void* target, void* record, void* result,
             layer = area->GetLayers()[static_cast<std::size_t>(e.layer)];
         }
         if (!layer) continue;
+        PFChartModule* module = widget->GetModule();
+        if (!module) continue;
+        const std::unique_ptr<CXMLWorkData> node(
+            new CXMLWorkData(module->hostHandle, root->document(), e.node, module->sendToHost));
         if (e.indicatorGone || e.layerGone || e.areaGone) {
             const int before = layer->GetIndicatorCount();
             if (e.index > before) continue;
-            PFChartModule* module = widget->GetModule();
-            const std::unique_ptr<CXMLWorkData> node(
-                new CXMLWorkData(module->hostHandle, root->document(), e.node, module->sendToHost));
             gx::Indicator::FromXMLNode(layer, node.get());
             if (layer->GetIndicatorCount() == before) continue;
             // Appended at the end: moved to its place.
@@ -270,7 +271,14 @@ void CmdAnyLineDelUndo::UnExecute(int, void* target, void* record, void* result,
             all.pop_back();
             all.insert(all.begin() + std::min<std::size_t>(static_cast<std::size_t>(e.index), all.size()), back);
         } else if (e.index < layer->GetIndicatorCount()) {
-            layer->GetIndicators()[static_cast<std::size_t>(e.index)]->RebuildLines();
+            // Only the recorded lines come back, each at its saved place (the record lists
+            // them in their order); the lines that stayed are not touched.
+            const boost::shared_ptr<gx::Indicator> indicator =
+                layer->GetIndicators()[static_cast<std::size_t>(e.index)];
+            ForEachSaved(node.get(), "PFLine", [&indicator](CXMLWorkData* lineNode) {
+                if (indicator->RestoreLine(gx::PositionOf(lineNode->readInteger("Index", gx::kNoIndex))))
+                    gx::Line::FromXML(indicator, lineNode);
+            });
         } else {
             continue;
         }

@@ -10,11 +10,16 @@
 //   - nothing escaping the module (the event handlers and slots end at its barrier);
 //   - no request after the failure of a kind the healthy action does not make, beyond
 //     giving a study back (4501, 3071, 3501) or a data subscription (3014);
-//   - a window whose layout, saved afterwards, loads into a new window;
+//   - nothing of what the window held (its lines and studies) lost beyond what the healthy
+//     action deletes;
+//   - a window whose layout, saved afterwards, loads into a new window that holds every
+//     line and study of it;
 //   - a window where the same action, repeated on a healthy host, succeeds.
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QFile>
+#include <QXmlStreamReader>
 #include <QDropEvent>
 #include <QMimeData>
 #include <QMouseEvent>
@@ -23,7 +28,9 @@
 #include <QToolButton>
 #include <QWidget>
 #include <cstdio>
+#include <algorithm>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <set>
@@ -109,6 +116,44 @@ private:
     std::vector<unsigned int> requests_;
     int firstFailure_ = -1;
 };
+
+// What a window holds that a person made: one entry per line ("line USDCHF") and per study
+// ("study Line on USDCHF"), read from a layout document. Studies are named by their type,
+// not their points: a move changes the points, not the study.
+using Holdings = std::multiset<std::string>;
+
+Holdings ReadHoldings(const QString& path) {
+    Holdings out;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return out;
+    QXmlStreamReader xml(&file);
+    std::string instrument;
+    while (!xml.atEnd()) {
+        if (xml.readNext() != QXmlStreamReader::StartElement) continue;
+        const QXmlStreamAttributes attributes = xml.attributes();
+        if (xml.name() == QLatin1String("PFIndicator"))
+            instrument = attributes.value(QLatin1String("InstrumentName")).toString().toStdString();
+        else if (xml.name() == QLatin1String("PFLine"))
+            out.insert("line " + instrument);
+        else if (xml.name() == QLatin1String("LineStudy"))
+            out.insert("study " + attributes.value(QLatin1String("ObjectName")).toString().toStdString() + " on " +
+                       instrument);
+    }
+    return out;
+}
+
+// What `from` holds and `to` does not.
+Holdings Missing(const Holdings& from, const Holdings& to) {
+    Holdings out;
+    std::set_difference(from.begin(), from.end(), to.begin(), to.end(), std::inserter(out, out.begin()));
+    return out;
+}
+
+std::string Join(const Holdings& items) {
+    std::string out;
+    for (const std::string& item : items) out += (out.empty() ? "" : ", ") + item;
+    return out;
+}
 
 // The number of actions below; each is a test of its own, so that they run side by side.
 const int kActions = 29;
@@ -221,6 +266,13 @@ protected:
     bool Undo() {
         const host::UndoStack::Undo u = emulator->undo().undo();
         return u.sent && u.replied && u.result == 0;
+    }
+    // The lines and studies of `w` as a layout saved now holds them (the host healthy).
+    Holdings HoldingsOf(void* w, const char* file) {
+        QString why;
+        const QString path = folder.filePath(QString::fromLatin1(file));
+        EXPECT_TRUE(emulator->layouts().save(w, path, &why)) << why.toStdString();
+        return ReadHoldings(path);
     }
 
     // The actions a person takes on a chart window.
@@ -387,13 +439,15 @@ int FaultMatrix::RunMatrix(const Action& action) {
     injector.reset(new FaultInjector(H()));
     const std::vector<std::string> extra = {"TTRC", "TTRC"};
 
-    // The healthy action and the requests it makes.
+    // The healthy action, the requests it makes and what it deletes.
     Fresh(extra);
     action.prepare();
+    const Holdings held = HoldingsOf(widget, "before.xml");
     injector->Arm(0);
     action.act();
     injector->Disarm();
     EXPECT_TRUE(action.done()) << "the action does nothing on a healthy host";
+    const Holdings deletes = Missing(held, HoldingsOf(widget, "healthy.xml"));
     const std::vector<unsigned int> healthy = injector->Requests();
     std::set<unsigned int> allowed(healthy.begin(), healthy.end());
     allowed.insert(kCleanUp.begin(), kCleanUp.end());
@@ -417,6 +471,7 @@ int FaultMatrix::RunMatrix(const Action& action) {
         SCOPED_TRACE("request " + std::to_string(fault.message) + (fault.way ? " (provider's failure)" : ""));
         Fresh(extra);
         action.prepare();
+        const Holdings before = HoldingsOf(widget, "before.xml");
         if (fault.way == 1) {
             host::LineStudies::Faults f;
             f.errorFlag = fault.message == MSG_LS_GET_LIST_CONTROLPOINTER;
@@ -435,6 +490,9 @@ int FaultMatrix::RunMatrix(const Action& action) {
         for (unsigned int later : injector->AfterFailure())
             EXPECT_TRUE(allowed.count(later) || (workDataFailed && workData.count(later)))
                 << "request " << later << " after the failure";
+        // Nothing the action does not delete is gone.
+        const Holdings lost = Missing(Missing(before, deletes), HoldingsOf(widget, "failed.xml"));
+        EXPECT_TRUE(lost.empty()) << "lost: " << Join(lost);
 
         // The same action succeeds on a healthy host. (Before the layout check: the emulator's
         // submenus do not open in a window once another window has come and gone.)
@@ -442,13 +500,17 @@ int FaultMatrix::RunMatrix(const Action& action) {
         action.act();
         EXPECT_TRUE(action.done()) << "the window does not do the action again";
 
-        // A layout saved now loads.
+        // A layout saved now loads, with every line and study it holds.
         QString why;
-        const QString path = folder.filePath("after.xml");
-        EXPECT_TRUE(emulator->layouts().save(widget, path, &why)) << why.toStdString();
-        void* loaded = emulator->layouts().load(ChartType::PointAndFigure, path, &why);
+        const Holdings saved = HoldingsOf(widget, "after.xml");
+        void* loaded = emulator->layouts().load(ChartType::PointAndFigure, folder.filePath("after.xml"), &why);
         EXPECT_NE(loaded, nullptr) << why.toStdString();
-        if (loaded) Charts().destroy(loaded);
+        if (loaded) {
+            // (The loaded window may hold more: data the host failed to give comes now.)
+            const Holdings missing = Missing(saved, HoldingsOf(loaded, "loaded.xml"));
+            EXPECT_TRUE(missing.empty()) << "not loaded: " << Join(missing);
+            Charts().destroy(loaded);
+        }
     }
     injector.reset();
     return int(faults.size());

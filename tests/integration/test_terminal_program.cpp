@@ -99,9 +99,9 @@ TEST_F(TerminalProgram, ScreenshotOfAPriceFileAndTheExampleWorkspaceThenSavedOnQ
     EXPECT_FALSE(QFileInfo::exists(config));
 }
 
-// The replay holds back the last quotes of a file: 2000 at most, never more than a quarter of
-// the file, unless --hold-back says how many (one quote stays for the charts).
-TEST_F(TerminalProgram, TheReplayHoldsBackAQuarterOfAFileUnlessToldOtherwise) {
+// An opened file is shown whole: the replay holds back the last quotes of a file only when
+// --hold-back says how many (one quote stays for the charts).
+TEST_F(TerminalProgram, AFileIsShownWholeUnlessTheReplayIsToldToHoldBack) {
     const QString csv = Path("eurusd.csv");
     {
         QFile f(csv);
@@ -111,7 +111,7 @@ TEST_F(TerminalProgram, TheReplayHoldsBackAQuarterOfAFileUnlessToldOtherwise) {
         for (int d = 0; d < 80; ++d) f.write(first.addDays(d).toString(Qt::ISODate).toLatin1() + ",1.1" + QByteArray::number(d % 10) + "\n");
     }
     const std::pair<QStringList, const char*> cases[] = {
-        {QStringList(), "Live=\"60\""},
+        {QStringList(), "Live=\"80\""},
         {QStringList{QStringLiteral("--hold-back"), QStringLiteral("50")}, "Live=\"30\""},
         {QStringList{QStringLiteral("--hold-back"), QStringLiteral("500")}, "Live=\"1\""}};
     for (const auto& c : cases) {
@@ -123,6 +123,62 @@ TEST_F(TerminalProgram, TheReplayHoldsBackAQuarterOfAFileUnlessToldOtherwise) {
         ASSERT_EQ(r.status, 0) << r.err.toStdString();
         EXPECT_TRUE(Read(workspace).contains(c.second)) << c.first.join(' ').toStdString() << ": " << Read(workspace).left(600).toStdString();
     }
+}
+
+// A workspace whose price file is missing is never saved over with less: its windows wait
+// for the file with their layouts and settings, said once on the console (no box waits with
+// --quit), and come back whole once the file is opened again from elsewhere.
+TEST_F(TerminalProgram, WindowsWaitForAMissingPriceFileAndAreSavedWhole) {
+    const QString csv = Path("eurusd.csv"), workspace = Path("waiting.xml");
+    {
+        QFile f(csv);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("Date,Close\n");
+        const QDate first(2020, 1, 1);
+        for (int d = 0; d < 120; ++d)
+            f.write(first.addDays(d).toString(Qt::ISODate).toLatin1() + ",1." + QByteArray::number(100 + d % 17 * 3) + "\n");
+    }
+    // The windows' layouts (what the module wrote) and the Window elements' types and places.
+    const auto windows = [this](const QString& path) {
+        const QString text = QString::fromUtf8(Read(path));
+        QStringList out = Arrangement(path).filter(QStringLiteral("<Window "));
+        QRegularExpressionMatchIterator it =
+            QRegularExpression(QStringLiteral("<ChartWindow>.*?</ChartWindow>"), QRegularExpression::DotMatchesEverythingOption)
+                .globalMatch(text);
+        while (it.hasNext()) out << it.next().captured(0);
+        out << QString::number(text.count(QLatin1String("<Chart ")));
+        return out;
+    };
+    Result r = Run({csv, QStringLiteral("--no-examples"), QStringLiteral("--workspace"), workspace, QStringLiteral("--window"),
+                    QStringLiteral("pf:EURUSD"), QStringLiteral("--window"), QStringLiteral("renko:EURUSD"),
+                    QStringLiteral("--screenshot"), Path("a.png"), QStringLiteral("--quit")});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    const QStringList made = windows(workspace);
+    ASSERT_EQ(made.size(), 5) << made.join('\n').toStdString();
+    EXPECT_EQ(made.last(), QStringLiteral("2"));
+    for (const QString& w : made.mid(2, 2)) ASSERT_TRUE(w.contains(QLatin1String("InstrumentName=\"EURUSD\""))) << w.toStdString();
+
+    // The file is gone: one message names it, the terminal starts and ends by itself, and the
+    // windows are saved as they were read, with the instrument and its file.
+    const QString moved = Path("elsewhere/eurusd.csv");
+    ASSERT_TRUE(QDir().mkpath(Path("elsewhere")) && QFile::rename(csv, moved));
+    r = Run({QStringLiteral("--no-examples"), QStringLiteral("--workspace"), workspace, QStringLiteral("--screenshot"),
+             Path("b.png"), QStringLiteral("--quit")});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(r.err.count(QLatin1String("pfhost terminal:")), 1) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains(QStringLiteral("EURUSD: its price file %1 could not be read").arg(csv))) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains(QLatin1String("2 chart windows wait for it"))) << r.err.toStdString();
+    EXPECT_EQ(windows(workspace), made);
+    EXPECT_TRUE(Read(workspace).contains(QStringLiteral("<Instrument Name=\"EURUSD\" Source=\"%1\" Live=\"120\"/>").arg(csv).toUtf8()))
+        << Read(workspace).toStdString();
+
+    // Opened from its new place: the windows show it again and the workspace names the file there.
+    r = Run({moved, QStringLiteral("--no-examples"), QStringLiteral("--workspace"), workspace, QStringLiteral("--screenshot"),
+             Path("c.png"), QStringLiteral("--quit")});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.err.trimmed().isEmpty()) << r.err.toStdString();
+    EXPECT_EQ(windows(workspace), made);
+    EXPECT_TRUE(Read(workspace).contains(QStringLiteral("Source=\"%1\"").arg(moved).toUtf8()));
 }
 
 TEST_F(TerminalProgram, BrokenAndMissingWorkspacesAreSaidAndTheTerminalStarts) {

@@ -30,14 +30,14 @@ protected:
     };
     // Runs `pfhost terminal ARGS` on the offscreen platform with the user's configuration in
     // the test's folder, so that no default workspace of the machine is read or written.
-    Result Run(const QStringList& args) {
+    Result Run(const QStringList& args, const QString& command = QStringLiteral("terminal")) {
         QProcess p;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
         env.insert(QStringLiteral("XDG_CONFIG_HOME"), config);
         p.setProcessEnvironment(env);
         p.setWorkingDirectory(dir.path());
-        p.start(pfhost, QStringList{QStringLiteral("terminal")} + args);
+        p.start(pfhost, QStringList{command} + args);
         Result r;
         if (!p.waitForFinished(90000)) {
             p.kill();
@@ -179,6 +179,32 @@ TEST_F(TerminalProgram, WindowsWaitForAMissingPriceFileAndAreSavedWhole) {
     EXPECT_TRUE(r.err.trimmed().isEmpty()) << r.err.toStdString();
     EXPECT_EQ(windows(workspace), made);
     EXPECT_TRUE(Read(workspace).contains(QStringLiteral("Source=\"%1\"").arg(moved).toUtf8()));
+}
+
+// The programs that read price files on the command line take a file with a few unreadable
+// rows as the terminal does: the rest is used, and which rows were left out is said once.
+TEST_F(TerminalProgram, RecordsAndRenderSkipUnreadableRowsAndSaySo) {
+    const QString csv = Path("bad.csv");
+    {
+        QFile f(csv);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("time,close\n");
+        for (int i = 0; i < 200; ++i) {
+            const QByteArray time = QByteArray::number(1600000000 + 1800 * i);
+            f.write(i == 1 ? time + ",N/A\n" : i == 4 ? QByteArray(",\n") : time + ",1." + QByteArray::number(1000 + i % 37 * 7) + "\n");
+        }
+    }
+    const char* note = "bad.csv: 2 rows skipped (line 3: bad close, line 6: bad time)";
+    Result r = Run({QStringLiteral("--data"), csv, QStringLiteral("--type"), QStringLiteral("pf")}, QStringLiteral("records"));
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(r.err.count(QLatin1String("rows skipped")), 1) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains(QLatin1String(note))) << r.err.toStdString();
+    EXPECT_TRUE(r.out.contains(QLatin1String("198 quotes"))) << r.out.left(300).toStdString();
+    r = Run({QStringLiteral("--data"), csv, QStringLiteral("--type"), QStringLiteral("renko"), QStringLiteral("--out"), Path("bad.png")},
+            QStringLiteral("render"));
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains(QLatin1String(note))) << r.err.toStdString();
+    EXPECT_FALSE(QImage(Path("bad.png")).isNull());
 }
 
 TEST_F(TerminalProgram, BrokenAndMissingWorkspacesAreSaidAndTheTerminalStarts) {

@@ -225,8 +225,9 @@ void Terminal::reattach() {
     for (void* w : made) arrangement_->adopt(charts.subWindow(w));
     for (const WaitingCharts::Kept& k : ready) waiting_->release(k);
     for (const QString& p : problems) showMessage(tr("Workspace: %1").arg(p), true);
-    showMessage(made.size() == 1 ? tr("The chart window that waited for its price file is open again.")
-                                 : tr("%1 chart windows that waited for their price file are open again.").arg(made.size()));
+    if (!made.empty())
+        showMessage(made.size() == 1 ? tr("The chart window that waited for its price file is open again.")
+                                     : tr("%1 chart windows that waited for their price file are open again.").arg(made.size()));
     refresh();
 }
 

@@ -84,7 +84,7 @@ void Area::Draw(QPainter& painter) const {
     }
     if (selected_ && chart_ && !rect_.contains(chart_->MousePos())) {
         if (TextStatusBar* bar = chart_->GetWidget() ? chart_->GetWidget()->GetStatusBar() : nullptr)
-            bar->ClearTextStatusBar();
+            bar->ClearTextStatusBar(layers_.empty() ? nullptr : layers_.front().get());
     }
 }
 

@@ -82,6 +82,7 @@ void TextStatusBar::SetTextStatusBar(const boost::shared_ptr<Layer>& layer, cons
     const fxDataPointArray* array = line ? line->GetArray() : nullptr;
     const boost::shared_ptr<pf::ScaleEngine>& engine = layer->GetEngine();
     if (!array || !engine) return;
+    writer_ = layer.get();
 
     if (QLabel* label = labels_[CORE_STATUS_PANE_TIME]) {
         // A stale time would belong to another place: without times the pane is emptied.
@@ -100,7 +101,13 @@ void TextStatusBar::SetTextStatusBar(const boost::shared_ptr<Layer>& layer, cons
     }
 }
 
+void TextStatusBar::ClearTextStatusBar(const Layer* layer) {
+    if (writer_ && writer_ != layer) return;
+    ClearTextStatusBar();
+}
+
 void TextStatusBar::ClearTextStatusBar() {
+    writer_ = nullptr;
     CModule* module = module_ ? module_ : CModule::Current();
     for (int pane = 0; pane < kPaneCount; ++pane) {
         if (QLabel* label = labels_[pane]) {

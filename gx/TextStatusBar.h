@@ -31,6 +31,10 @@ public:
     void SetTextStatusBar(const boost::shared_ptr<Layer>& layer, const QPoint& point);
     // Clears the known labels; asks the host (7001) for the ids of the others.
     void ClearTextStatusBar();
+    // The same, unless what the panes show was written for another layer than `layer`
+    // since: the status bar is the module's, one for every window, and the area a mouse left
+    // must not erase what the area under the mouse has written.
+    void ClearTextStatusBar(const Layer* layer);
 
     QLabel* GetLabel(int pane) const;
     const coreStatusBarPanes& GetPanes() const { return panes_; }
@@ -43,6 +47,7 @@ private:
     CModule* module_;
     coreStatusBarPanes panes_;
     QPointer<QLabel> labels_[2];
+    const Layer* writer_ = nullptr;  // the layer of what the panes show; compared, never read
 };
 
 }  // namespace gx

@@ -4,6 +4,9 @@
 #include <QEvent>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMenu>
+#include <QAction>
+#include <QKeySequence>
 #include <QWidget>
 #include <algorithm>
 #include <cstddef>
@@ -91,6 +94,13 @@ void* ChartWindows::create(data::ChartType type) {
     QWidget* container = new QWidget;
     QMdiSubWindow* sub = mainWindow_.mdiArea()->addSubWindow(container);
     sub->setWindowTitle(QString::fromLatin1(data::chartTypeName(type)));
+    // A chart window is closed through the module (5004, destroy()): the sub-window's own
+    // Close keeps no shortcut, which would also make the terminal's key for closing the
+    // chart with the focus (Ctrl+W) ambiguous.
+    if (QMenu* menu = sub->systemMenu())
+        for (QAction* a : menu->actions())
+            for (const QKeySequence& key : QKeySequence::keyBindings(QKeySequence::Close))
+                if (a->shortcuts().contains(key)) a->setShortcuts(QList<QKeySequence>());
     sub->show();
     sub->resize(sub->size() - container->size() + kInitialSize);
 

@@ -342,6 +342,7 @@ int RunChartCommand(const QStringList& args, const char* command, const char* us
             std::fprintf(stderr, "pfhost %s: %s\n", command, error.c_str());
             return 1;
         }
+        if (const data::Instrument* loaded = emulator.data().loaded(name)) reportSkippedRows(command, *loaded);
         picture.instruments.push_back(name);
     }
     const bool saved = SaveChart(emulator, picture, out, &error);

@@ -36,6 +36,9 @@ bool hasFlag(const QStringList& args, const QString& name);
 #include "host/Emulator.h"
 
 namespace host {
+namespace data {
+class Instrument;
+}
 namespace cli {
 // --module PATH, --work DIR, --language NAME (repeatable; the first is selected), --log FILE
 EmulatorOptions emulatorOptions(const QStringList& args);
@@ -44,5 +47,9 @@ EmulatorOptions emulatorOptions(const QStringList& args);
 // accounts (DealingService::addDemoAccounts). False (with the reason on stderr) when it
 // cannot load.
 bool startModule(Emulator& emulator, bool verbose = true, int accounts = 1);
+// Says on stderr, once, how many rows of an instrument's price file were left out and which
+// ("pfhost records: FILE: 2 rows skipped (line 3: bad close, line 7: bad date)"); nothing
+// when none were.
+void reportSkippedRows(const char* command, const data::Instrument& instrument);
 }  // namespace cli
 }  // namespace host

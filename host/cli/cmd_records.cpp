@@ -43,6 +43,7 @@ int runRecords(const QStringList& args) {
                                                                     : error.c_str());
         return 1;
     }
+    host::cli::reportSkippedRows("records", *instrument);
     host::data::ChartSettings settings;
     settings.box = box;
     settings.reversal = int(reversal);

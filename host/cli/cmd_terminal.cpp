@@ -63,7 +63,8 @@ int runTerminal(const QStringList& args) {
                 a != QLatin1String("--no-workspace") && a != QLatin1String("--verbose"))
                 return fail(QStringLiteral("unknown option %1\nusage: pfhost terminal %2").arg(a, QLatin1String(kUsage)));
         } else {
-            options.files << a;
+            // Kept in the workspace by its full path, so that it is found from anywhere.
+            options.files << QFileInfo(a).absoluteFilePath();
         }
     }
     bool ok = true;
@@ -85,9 +86,8 @@ int runTerminal(const QStringList& args) {
     options.screenshot = option(args, "--screenshot");
     options.quit = host::cli::hasFlag(args, "--quit");
     options.examples = !host::cli::hasFlag(args, "--no-examples");
-    options.holdBack = option(args, "--hold-back", "2000").toULong(&ok);
+    options.holdBack = option(args, "--hold-back", "0").toULong(&ok);
     if (!ok) return fail(QStringLiteral("--hold-back takes a number of quotes"));
-    options.holdBackGiven = args.contains(QStringLiteral("--hold-back"));
     options.replaySpeed = option(args, "--speed", "100").toInt(&ok);
     if (!ok || options.replaySpeed < 1) return fail(QStringLiteral("--speed takes quotes per second (1 or more)"));
     const QStringList size = option(args, "--size", "1400x900").split(QLatin1Char('x'));

@@ -8,6 +8,7 @@
 
 #include "host/DealingService.h"
 #include "host/cli/Commands.h"
+#include "host/data/CsvPriceReader.h"
 
 namespace host {
 namespace cli {
@@ -101,4 +102,9 @@ bool host::cli::startModule(Emulator& emulator, bool verbose, int accounts) {
     emulator.startUp();
     if (verbose) std::printf("\nstart-up exchange:\n%s", emulator.host().journal().dump().c_str());
     return true;
+}
+
+void host::cli::reportSkippedRows(const char* command, const data::Instrument& instrument) {
+    const std::string note = data::CsvPriceReader::skippedNote(instrument.skippedRows(), instrument.skippedSample());
+    if (!note.empty()) std::fprintf(stderr, "pfhost %s: %s: %s\n", command, instrument.source().c_str(), note.c_str());
 }

@@ -28,6 +28,13 @@ std::unique_ptr<Instrument> fail(std::string* error, const std::string& text) {
 
 }  // namespace
 
+std::string CsvPriceReader::skippedNote(std::size_t rows, const std::string& sample) {
+    if (rows == 0) return std::string();
+    std::string note = std::to_string(rows) + (rows == 1 ? " row skipped (" : " rows skipped (") + sample;
+    if (rows > std::size_t(kSkippedShown)) note += ", " + std::to_string(rows - kSkippedShown) + " more";
+    return note + ")";
+}
+
 std::string CsvPriceReader::nameFromPath(const std::string& path) {
     const std::size_t slash = path.find_last_of('/');
     std::string base = slash == std::string::npos ? path : path.substr(slash + 1);
@@ -91,9 +98,34 @@ std::unique_ptr<Instrument> CsvPriceReader::read(std::istream& in, const std::st
     std::vector<Quote> quotes;
     int decimals = 0;
     long lineNumber = 1;
+    std::size_t skipped = 0;
+    std::string sample;
     const auto field = [&format](const std::vector<std::string>& fields, C::Column c) -> const std::string* {
         const int i = format.index(c);
         return i >= 0 && std::size_t(i) < fields.size() ? &fields[std::size_t(i)] : nullptr;
+    };
+    // A row's quote and the decimals of its prices; the reason when it cannot be read.
+    const auto readRow = [&](const std::string& row, Quote* q, int* places) -> std::string {
+        const std::vector<std::string> fields = format.split(row);
+        const std::string* date = field(fields, C::kWhen);
+        const std::string* tod = field(fields, C::kTimeOfDay);
+        if (format.index(C::kTimeOfDay) >= 0 && !tod) return "bad time";
+        std::int64_t seconds = 0;
+        if (!date || !CsvFormat::when(*date, std::string(), &seconds)) return std::string("bad ") + format.columnName(C::kWhen);
+        if (tod && !CsvFormat::when(*date, *tod, &seconds)) return "bad time";
+        if (seconds < 0 || seconds > 2147483647LL) return "time out of range";
+        *q = Quote{std::int32_t(seconds), 0, 0, 0, 0, 0};
+        double* const slot[C::kColumns] = {nullptr, nullptr, &q->open, &q->high, &q->low, &q->close, &q->volume};
+        *places = 0;
+        for (C::Column c : prices) {
+            const std::string* text = field(fields, c);
+            if (!text || !format.number(*text, slot[c])) return std::string("bad ") + format.columnName(c);
+            if (c != C::kVolume) *places = std::max(*places, format.decimals(*text));
+        }
+        if (!ohlc) q->open = q->high = q->low = q->close;
+        if (!Instrument::validClose(q->close)) return "close out of range";
+        if (!quotes.empty() && q->time < quotes.back().time) return "time goes backwards";
+        return std::string();
     };
     while (std::getline(in, line)) {
         ++lineNumber;
@@ -103,29 +135,18 @@ std::unique_ptr<Instrument> CsvPriceReader::read(std::istream& in, const std::st
         }
         if (!line.empty() && line.back() == '\r') line.pop_back();
         if (blank(line)) continue;
-        const std::string at = "line " + std::to_string(lineNumber) + ": ";
-        const std::vector<std::string> fields = format.split(line);
-        const std::string* date = field(fields, C::kWhen);
-        const std::string* tod = field(fields, C::kTimeOfDay);
-        if (format.index(C::kTimeOfDay) >= 0 && !tod) return fail(error, at + "bad time");
-        std::int64_t seconds = 0;
-        if (!date || !CsvFormat::when(*date, std::string(), &seconds))
-            return fail(error, at + "bad " + format.columnName(C::kWhen));
-        if (tod && !CsvFormat::when(*date, *tod, &seconds)) return fail(error, at + "bad time");
-        if (seconds < 0 || seconds > 2147483647LL) return fail(error, at + "time out of range");
-        Quote q{std::int32_t(seconds), 0, 0, 0, 0, 0};
-        double* const slot[C::kColumns] = {nullptr, nullptr, &q.open, &q.high, &q.low, &q.close, &q.volume};
-        for (C::Column c : prices) {
-            const std::string* text = field(fields, c);
-            if (!text || !format.number(*text, slot[c]))
-                return fail(error, at + "bad " + format.columnName(c));
-            if (c != C::kVolume) decimals = std::max(decimals, format.decimals(*text));
+        Quote q;
+        int places = 0;
+        const std::string why = readRow(line, &q, &places);
+        if (!why.empty()) {
+            if (skipped++ < std::size_t(kSkippedShown))
+                sample += (sample.empty() ? "" : ", ") + ("line " + std::to_string(lineNumber) + ": " + why);
+            continue;
         }
-        if (!ohlc) q.open = q.high = q.low = q.close;
-        if (!Instrument::validClose(q.close)) return fail(error, at + "close out of range");
-        if (!quotes.empty() && q.time < quotes.back().time) return fail(error, at + "time goes backwards");
+        decimals = std::max(decimals, places);
         quotes.push_back(q);
     }
+    if (quotes.empty() && skipped > 0) return fail(error, "no readable row: " + skippedNote(skipped, sample));
     if (quotes.empty()) return fail(error, "no quotes");
 
     std::map<std::int64_t, std::size_t> spacing;
@@ -138,6 +159,7 @@ std::unique_ptr<Instrument> CsvPriceReader::read(std::istream& in, const std::st
     std::unique_ptr<Instrument> instrument(new Instrument(
         name, periodFromSpacing(usual), std::min<int>(decimals, PriceGrid::kMaxDigits), ohlc));
     for (const Quote& q : quotes) instrument->append(q);
+    instrument->setSkipped(skipped, sample);
     return instrument;
 }
 

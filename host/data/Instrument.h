@@ -36,6 +36,14 @@ public:
     bool hasOhlc() const { return ohlc_; }
     const std::string& source() const { return source_; }
     void setSource(const std::string& path) { source_ = path; }
+    // Rows of the source that could not be read and were left out: how many, and the first
+    // few as "line 5: bad close", joined with ", ".
+    std::size_t skippedRows() const { return skippedRows_; }
+    const std::string& skippedSample() const { return skippedSample_; }
+    void setSkipped(std::size_t rows, const std::string& sample) {
+        skippedRows_ = rows;
+        skippedSample_ = sample;
+    }
 
     const std::vector<Quote>& quotes() const { return quotes_; }
     std::size_t pendingCount() const { return pending_.size() - nextPending_; }
@@ -76,6 +84,8 @@ private:
     int precision_;
     bool ohlc_;
     std::string source_;
+    std::size_t skippedRows_ = 0;
+    std::string skippedSample_;
     std::vector<Quote> quotes_;
     std::vector<Quote> pending_;
     std::size_t nextPending_ = 0;

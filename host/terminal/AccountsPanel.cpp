@@ -42,7 +42,7 @@ AccountsPanel::AccountsPanel(DealingService& dealing, DataCore& data, const std:
     accounts_->setRootIsDecorated(false);
     accounts_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     QPushButton* add = new QPushButton(tr("&Add account"));
-    QPushButton* remove = new QPushButton(tr("&Remove account"));
+    QPushButton* remove = new QPushButton(tr("Re&move account"));
     dayOff_ = new QListWidget;
     dayOff_->setObjectName(QStringLiteral("dayOff"));
     QHBoxLayout* buttons = new QHBoxLayout;

@@ -22,6 +22,8 @@ public:
     ~PriceFileLoader() override;
 
     const QString& path() const { return path_; }
+    // The name asked for; empty: the file's.
+    const QString& name() const { return name_; }
     // After finished(): the instrument, or null with error() saying why.
     std::unique_ptr<data::Instrument> take() { return std::move(instrument_); }
     const QString& error() const { return error_; }

@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QDockWidget>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMdiArea>
@@ -19,6 +20,7 @@
 #include <QToolBar>
 
 #include "host/ChartWindows.h"
+#include "host/CoreServices.h"
 #include "host/DataCore.h"
 #include "host/DealingService.h"
 #include "host/DialogAnswerer.h"
@@ -38,6 +40,7 @@
 #include "host/terminal/ProblemBoxes.h"
 #include "host/terminal/ReplayFeed.h"
 #include "host/terminal/TerminalPrint.h"
+#include "host/terminal/WaitingCharts.h"
 #include "host/terminal/WindowArrangement.h"
 
 namespace host {
@@ -49,6 +52,8 @@ namespace {
 const int kRefreshInterval = 200;
 // Replay speeds offered, quotes per second.
 const int kSpeeds[] = {10, 100, 1000, 10000};
+// Quotes of each file opened that the Replay menu offers to hold back.
+const std::size_t kHoldBacks[] = {0, 500, 2000, 10000};
 const char* const kLanguages[] = {"English", "Chinese (Simplified)"};
 // Journal entries kept: above the high mark the oldest go down to the low mark.
 const std::size_t kJournalHigh = 200000;
@@ -82,6 +87,7 @@ Terminal::Terminal(Emulator& emulator, const TerminalOptions& options, QObject* 
       arrangement_(new WindowArrangement(emulator.mainWindow().mdiArea(), this)),
       print_(new TerminalPrint(emulator.charts(), emulator.data())) {
     replay_->setSpeed(options_.replaySpeed);
+    holdBack_ = options_.holdBack;
     const EmulatorOptions& eo = emulator_.options();
     language_ = eo.selectedLanguage >= 0 && std::size_t(eo.selectedLanguage) < eo.languages.size()
                     ? QString::fromStdString(eo.languages[std::size_t(eo.selectedLanguage)])
@@ -96,6 +102,18 @@ Terminal::Terminal(Emulator& emulator, const TerminalOptions& options, QObject* 
     // request has returned (its menu is closed by then).
     emulator_.dealing().setTicket([this](const DealingService::Trade& request) {
         QTimer::singleShot(0, this, [this, request] { openTicket(request); });
+    });
+    // The terminal's language tables say what each answer to the module's question does
+    // when an instrument is added to a chart that shows one.
+    emulator_.core().setTranslation("English", QStringLiteral("C0111Message"),
+                                    tr("Replace instrument?\nYes replaces the chart's instrument; No adds it as a new area."));
+    emulator_.core().setTranslation("Chinese (Simplified)", QStringLiteral("C0111Message"),
+                                    QStringLiteral("替换品种？\n“是”替换图表的品种；“否”将其添加为新的区域。"));
+    // A window standing in for a saved one that is closed lets the saved one go.
+    waiting_.reset(new WaitingCharts(emulator_));
+    QPointer<Terminal> self(this);
+    emulator_.charts().onWindowGoing([self](void* widget) {
+        if (self && self->waiting_) self->waiting_->forget(widget);
     });
     // Escape on a chart cancels the study tool as well as what the chart is placing.
     qApp->installEventFilter(this);
@@ -127,6 +145,7 @@ Terminal::~Terminal() {
     emulator_.studies().setPropertiesHandler(nullptr);
     qApp->removeEventFilter(this);
     emulator_.dealing().setTicket(DealingService::Ticket());
+    waiting_.reset();
 }
 
 QMainWindow* Terminal::window() const { return emulator_.mainWindow().window(); }
@@ -172,6 +191,15 @@ void Terminal::buildMenus() {
         for (PriceFileLoader* l : loaders_) l->stop();
     });
     stop->setEnabled(false);
+    addAction(file, this, "locatePriceFile", tr("&Locate missing price file..."), QKeySequence(), [this] {
+        // One missing file at a time, the first the workspace named.
+        if (waiting_->missing().empty()) return;
+        const Workspace::Instrument i = waiting_->missing().front().instrument;
+        const QString path = QFileDialog::getOpenFileName(window(), tr("Locate the price file of %1 (was %2)").arg(i.name, i.source),
+                                                          QFileInfo(i.source).absolutePath(),
+                                                          tr("Price files (*.csv);;All files (*)"));
+        if (!path.isEmpty()) locate(i.name, path);
+    });
     file->addSeparator();
     addAction(file, this, "openWorkspace", tr("Open &workspace..."), QKeySequence(tr("Ctrl+Shift+O")), [this] {
         const QString path = QFileDialog::getOpenFileName(window(), tr("Open workspace"), workspacePath_,
@@ -223,7 +251,10 @@ void Terminal::buildMenus() {
     addAction(chart, this, "addInstrument", tr("&Add selected instrument"), QKeySequence(tr("Ctrl+I")),
               [this] { addToActiveChart(instruments_->current()); });
     addAction(chart, this, "properties", tr("P&roperties..."), QKeySequence(tr("Alt+Return")), [this] { showProperties(); });
-    addAction(chart, this, "closeChart", tr("&Close chart"), QKeySequence(tr("Ctrl+W")), [this] { closeActiveChart(); });
+    // The chart that has the focus is the active one; Ctrl+F4 as well, as in other
+    // programs with windows inside a window.
+    addAction(chart, this, "closeChart", tr("&Close chart"), QKeySequence(tr("Ctrl+W")), [this] { closeActiveChart(); })
+        ->setShortcuts({QKeySequence(tr("Ctrl+W")), QKeySequence(tr("Ctrl+F4"))});
 
     // The line-study tools: the one chosen is what the next clicks on a chart draw; the chart
     // puts it down when the study is placed (3501), and the pointer comes back.
@@ -272,6 +303,19 @@ void Terminal::buildMenus() {
         a->setCheckable(true);
         a->setChecked(s == replay_->speed());
         speeds_->addAction(a);
+    }
+    // How much of each file opened next waits for the replay: nothing unless chosen.
+    QMenu* hold = replay->addMenu(tr("&Hold back from files opened"));
+    holdBacks_ = new QActionGroup(this);
+    std::vector<std::size_t> holds(std::begin(kHoldBacks), std::end(kHoldBacks));
+    if (std::find(holds.begin(), holds.end(), holdBack_) == holds.end()) holds.push_back(holdBack_);
+    for (std::size_t n : holds) {
+        QAction* a = addAction(hold, this, QStringLiteral("holdBack%1").arg(n).toLatin1().constData(),
+                               n ? tr("The last %L1 quotes").arg(qulonglong(n)) : tr("&Nothing: show files whole"),
+                               QKeySequence(), [this, n] { setHoldBack(n); });
+        a->setCheckable(true);
+        a->setChecked(n == holdBack_);
+        holdBacks_->addAction(a);
     }
     tools->addSeparator();
     tools->addAction(action(QStringLiteral("newPf")));
@@ -398,6 +442,7 @@ void Terminal::refresh() {
     for (const char* name : {"closeChart", "addInstrument", "print", "printModule", "exportPng", "exportPdf", "properties"})
         action(QString::fromLatin1(name))->setEnabled(chart);
     action(QStringLiteral("stopLoading"))->setEnabled(loading());
+    action(QStringLiteral("locatePriceFile"))->setEnabled(!waiting_->missing().empty());
 }
 
 void Terminal::showMessage(const QString& text, bool problem) {
@@ -406,9 +451,9 @@ void Terminal::showMessage(const QString& text, bool problem) {
     message_->setStyleSheet(problem ? QStringLiteral("color: #b00000") : QString());
     message_->setToolTip(text);
     emit messageShown(text, problem);
-    // A problem is also said in a box, one at a time, unless the emulator answers dialogs
-    // for a test or a picture.
-    if (problem && !emulator_.dialogs().active()) problemBoxes_->add(text);
+    // A problem is also said in a box, one at a time, when a person is at the terminal: not
+    // while the emulator answers dialogs or the terminal ends by itself (--answer, --quit).
+    if (problem && !emulator_.dialogs().active() && !options_.quit) problemBoxes_->add(text);
 }
 
 bool Terminal::eventFilter(QObject* watched, QEvent* event) {

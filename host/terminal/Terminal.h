@@ -56,6 +56,7 @@ class ProblemBoxes;
 class ReplayFeed;
 class StudyDialog;
 class TerminalPrint;
+class WaitingCharts;
 class WindowArrangement;
 
 struct TerminalOptions {
@@ -63,10 +64,10 @@ struct TerminalOptions {
     QString workspace;        // restored at start, saved on quit; empty: none until saved as
     QString screenshot;       // once every window has painted, the main window into this PNG
     bool quit = false;        // and then quit
-    // Last quotes of each price file kept for the replay: at most a quarter of the file,
-    // unless `holdBackGiven` (--hold-back), when it is kept as said (one quote stays live).
-    std::size_t holdBack = 2000;
-    bool holdBackGiven = false;
+    // Last quotes of each price file opened that wait for the replay (--hold-back; Replay >
+    // Hold back changes it for the files opened next). None unless asked: an opened file is
+    // shown whole. One quote always stays for the charts.
+    std::size_t holdBack = 0;
     int replaySpeed = 100;    // quotes per second
     QSize size{1400, 900};    // of the main window
     bool sizeGiven = false;   // `size` was asked for: it wins over the workspace's geometry
@@ -113,6 +114,10 @@ public:
     // Opens a price file in the background; its instrument joins when read.
     void openPriceFile(const QString& path);
     bool loading() const;
+    // The last quotes of each price file opened from now on that wait for the replay (none
+    // at first unless --hold-back said); Replay > Hold back sets it.
+    void setHoldBack(std::size_t quotes);
+    std::size_t holdBack() const { return holdBack_; }
     // Undoes the top step of the undo stack (3140); false when it is empty or refused.
     bool undo();
     // The price type for every chart (3545: 0 middle, 1 bid, 2 ask), then the module's advice
@@ -170,6 +175,12 @@ public:
     // price file being read is in, with each instrument's quotes split at its saved Live
     // count, and workspaceOpened() follows. True when the file was read.
     bool openWorkspace(const QString& path);
+    // Windows of the workspace waiting for a price file that could not be read, and those
+    // instruments (WaitingCharts.h).
+    WaitingCharts& waiting() { return *waiting_; }
+    // Reads `path` as the price file of the missing instrument `name` (File > Locate price
+    // file); its waiting windows open once it is in. False for a name not missing.
+    bool locate(const QString& name, const QString& path);
     // A workspace being opened waits for its price files.
     bool openingWorkspace() const { return pendingOpen_.waiting; }
     const QString& workspacePath() const { return workspacePath_; }
@@ -206,6 +217,15 @@ private:
     void finishOpenWorkspace();
     // The main window's place and panels as the workspace saved them (when readable).
     void restoreMainWindow(const Workspace::Contents& contents);
+    // The windows of a workspace opened (windows waiting for a missing price file stand in
+    // for those that cannot show their charts yet), placed and followed; what went wrong is
+    // said, once per missing file.
+    void openWindows(const Workspace::Contents& contents, QStringList problems);
+    // The instrument of that name of the workspace being opened (at start or from the File
+    // menu); false when it names none.
+    bool workspaceInstrument(const QString& name, Workspace::Instrument* instrument) const;
+    // Opens the saved windows whose instruments are all loaded now in their stand-ins' places.
+    void reattach();
     // Moves an instrument's quotes after the first `live` back into its held-back queue (or
     // the other way), so that its charts start where the workspace left them.
     void splitAt(const QString& name, long live);
@@ -232,8 +252,10 @@ private:
     QActionGroup* priceTypes_ = nullptr;
     QActionGroup* languages_ = nullptr;
     QActionGroup* speeds_ = nullptr;
+    QActionGroup* holdBacks_ = nullptr;
     QActionGroup* studyTools_ = nullptr;
     std::vector<PriceFileLoader*> loaders_;
+    std::unique_ptr<WaitingCharts> waiting_;
     std::vector<std::pair<QString, long> > liveCounts_;  // from the workspace: name, live quotes
     Workspace::Contents startContents_;
     struct PendingOpen {
@@ -246,6 +268,7 @@ private:
     QString workspacePath_;
     QString language_;
     int priceType_ = 0;
+    std::size_t holdBack_ = 0;  // quotes of each file opened next held back for the replay
     bool ready_ = false;
     bool closing_ = false;
     QStringList messages_;

@@ -26,6 +26,7 @@
 #include "host/MainWindowService.h"
 #include "host/PropertyService.h"
 #include "host/UndoStack.h"
+#include "host/data/CsvPriceReader.h"
 #include "host/data/Instrument.h"
 #include "host/ls/StudyGeometry.h"
 #include "host/terminal/AccountsPanel.h"
@@ -36,6 +37,7 @@
 #include "host/terminal/ReplayFeed.h"
 #include "host/terminal/Terminal.h"
 #include "host/terminal/TerminalPrint.h"
+#include "host/terminal/WaitingCharts.h"
 #include "host/terminal/WindowArrangement.h"
 
 namespace host {
@@ -265,6 +267,13 @@ QString Terminal::suggestedExportPath(const QString& suffix) const {
 
 bool Terminal::loading() const { return !loaders_.empty(); }
 
+void Terminal::setHoldBack(std::size_t quotes) {
+    holdBack_ = quotes;
+    if (QAction* a = action(QStringLiteral("holdBack%1").arg(quotes))) a->setChecked(true);
+    showMessage(quotes ? tr("The last %L1 quotes of each file opened from now on wait for the replay.").arg(qulonglong(quotes))
+                       : tr("Files opened from now on are shown whole."));
+}
+
 void Terminal::openPriceFile(const QString& path) {
     startLoader(path, QString())->start();
     showMessage(tr("Reading %1...").arg(QFileInfo(path).fileName()));
@@ -292,18 +301,30 @@ void Terminal::loaderDone(PriceFileLoader* loader) {
     std::unique_ptr<data::Instrument> instrument = loader->take();
     const QString path = loader->path();
     QString name, error = loader->error();
+    // An instrument of the workspace being opened whose file cannot be read is kept, and
+    // its windows wait for it (said once they are open).
+    Workspace::Instrument saved;
+    if (!instrument && !loader->name().isEmpty() && workspaceInstrument(loader->name(), &saved)) {
+        waiting_->addMissing(saved, error);
+        error.clear();
+    }
     loader->deleteLater();
     if (instrument) {
         name = QString::fromStdString(instrument->name());
         // The part of the file the charts start with; the rest waits for the replay.
         DataCore::LoadOptions split;
-        const auto saved = std::find_if(liveCounts_.begin(), liveCounts_.end(),
-                                        [&name](const std::pair<QString, long>& l) { return l.first == name; });
+        const auto live = std::find_if(liveCounts_.begin(), liveCounts_.end(),
+                                       [&name](const std::pair<QString, long>& l) { return l.first == name; });
+        const WaitingCharts::Missing* missing = waiting_->missingNamed(name);
         const std::size_t quotes = instrument->quotes().size();
-        if (saved != liveCounts_.end())
-            split.live = saved->second;
+        const QString skipped = QString::fromStdString(
+            data::CsvPriceReader::skippedNote(instrument->skippedRows(), instrument->skippedSample()));
+        if (live != liveCounts_.end())
+            split.live = live->second;
+        else if (missing && missing->instrument.live >= 0)
+            split.live = missing->instrument.live;
         else
-            split.holdBack = std::min(options_.holdBack, options_.holdBackGiven ? (quotes ? quotes - 1 : 0) : quotes / 4);
+            split.holdBack = std::min(holdBack_, quotes ? quotes - 1 : 0);
         std::size_t repeated = 0;
         const auto& q = instrument->quotes();
         for (std::size_t i = 1; i < q.size(); ++i)
@@ -318,12 +339,19 @@ void Terminal::loaderDone(PriceFileLoader* loader) {
                                        .arg(quotes)
                                        .arg(repeated)
                                  : tr("%1: %2 quotes").arg(name).arg(quotes));
+            // Rows that could not be read were left out: said once, in one box.
+            if (!skipped.isEmpty())
+                showMessage(tr("%1: %2; %3 has the other %4 quotes.").arg(QFileInfo(path).fileName(), skipped, name).arg(quotes),
+                            true);
+            waiting_->removeMissing(name);
         }
     }
     if (!error.isEmpty()) showMessage(tr("%1 was not opened: %2").arg(QFileInfo(path).fileName(), error), true);
     if (loaders_.empty()) progress_->hide();
     instruments_->refresh();
     accounts_->refresh();
+    // Windows that waited for this instrument open now (once the workspace's are open).
+    if (!name.isEmpty() && ready_ && !pendingOpen_.waiting) reattach();
     refresh();
     emit priceFileDone(path, name, error);
     afterLoading();
@@ -380,12 +408,7 @@ void Terminal::start() {
 }
 
 void Terminal::finishStart() {
-    if (haveStartWorkspace_) {
-        QStringList problems;
-        for (void* w : Workspace::open(emulator_, startContents_, &problems))
-            arrangement_->adopt(emulator_.charts().subWindow(w));
-        for (const QString& p : problems) showMessage(tr("Workspace: %1").arg(p), true);
-    }
+    if (haveStartWorkspace_) openWindows(startContents_, QStringList());
     if (emulator_.charts().widgets().empty() && !options_.windows.empty()) {
         for (const auto& w : options_.windows)
             if (newChart(w.first)) addToActiveChart(w.second);

@@ -16,6 +16,7 @@
 #include "host/terminal/InstrumentPanel.h"
 #include "host/terminal/StudyDialog.h"
 #include "host/terminal/Terminal.h"
+#include "host/terminal/WaitingCharts.h"
 
 namespace host {
 namespace terminal {
@@ -72,7 +73,11 @@ void Terminal::updateTitles() {
         QMdiSubWindow* sub = charts.subWindow(w);
         data::ChartType type;
         if (!sub || !charts.typeOf(w, &type)) continue;
-        const QString title = windowTitle(emulator_.data(), w, QString::fromLatin1(data::chartTypeName(type)));
+        // A window standing in for one whose price file is missing says so.
+        const QString waits = waiting_->waitText(w);
+        const QString typeName = QString::fromLatin1(data::chartTypeName(type));
+        const QString title =
+            windowTitle(emulator_.data(), w, waits.isEmpty() ? typeName : typeName + QStringLiteral(" · ") + waits);
         if (sub->windowTitle() != title) sub->setWindowTitle(title);
     }
     // The Instruments panel lists the same under each instrument.

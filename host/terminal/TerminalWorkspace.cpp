@@ -3,6 +3,8 @@
 #include <QAction>
 #include <QFileInfo>
 #include <QMainWindow>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QProgressBar>
 #include <algorithm>
 #include <memory>
@@ -11,13 +13,16 @@
 #include "host/DataCore.h"
 #include "host/DealingService.h"
 #include "host/Emulator.h"
+#include "host/MainWindowService.h"
 #include "host/data/Instrument.h"
 #include "host/terminal/AccountsPanel.h"
+#include "host/terminal/ChartDescription.h"
 #include "host/terminal/InstrumentPanel.h"
 #include "host/terminal/LatestPrices.h"
 #include "host/terminal/PriceFileLoader.h"
 #include "host/terminal/ReplayFeed.h"
 #include "host/terminal/Terminal.h"
+#include "host/terminal/WaitingCharts.h"
 #include "host/terminal/WindowArrangement.h"
 
 namespace host {
@@ -32,6 +37,9 @@ Workspace::Contents Terminal::choices() const {
     c.docks = window()->saveState(Workspace::kDocksVersion);
     c.latestPrices = latest_->enabled();
     c.exportFolder = exportFolder_;
+    // What waits for a missing price file is saved as it was read.
+    c.instruments = waiting_->missingInstruments();
+    c.kept = waiting_->keptNodes();
     return c;
 }
 
@@ -79,6 +87,8 @@ bool Terminal::openWorkspace(const QString& path) {
     // background; those being read already are waited for. Each is split at its saved
     // live count when it arrives.
     liveCounts_.clear();
+    // The missing files of the workspace left are forgotten with its windows.
+    waiting_->clearMissing();
     int reading = 0;
     for (const Workspace::Instrument& i : contents.instruments) {
         if (i.live >= 0) liveCounts_.push_back({i.name, i.live});
@@ -131,23 +141,94 @@ void Terminal::finishOpenWorkspace() {
     pendingOpen_ = PendingOpen();
     liveCounts_.clear();
     emulator_.charts().destroyAll();
-    for (const Workspace::Instrument& i : open.contents.instruments) {
-        if (!emulator_.data().loaded(i.name.toStdString()))
-            open.problems << tr("%1 (its price file %2 was not read)").arg(i.name, i.source);
-        else
-            splitAt(i.name, i.live);
-    }
+    for (const Workspace::Instrument& i : open.contents.instruments) splitAt(i.name, i.live);
     if (open.contents.replaySpeed > 0) replay_->setSpeed(open.contents.replaySpeed);
     restoreMainWindow(open.contents);
-    for (void* w : Workspace::open(emulator_, open.contents, &open.problems))
-        arrangement_->adopt(emulator_.charts().subWindow(w));
-    for (const QString& p : open.problems) showMessage(tr("Workspace: %1").arg(p), true);
+    openWindows(open.contents, open.problems);
     workspacePath_ = open.path;
     instruments_->refresh();
     accounts_->refresh();
     refresh();
     showMessage(tr("Workspace %1 opened").arg(open.path));
     emit workspaceOpened(open.path);
+}
+
+void Terminal::openWindows(const Workspace::Contents& contents, QStringList problems) {
+    // Every instrument of the workspace that is not in is kept (its loader said why); one
+    // that came from another file after all is not missing.
+    for (const Workspace::Instrument& i : contents.instruments) {
+        if (emulator_.data().loaded(i.name.toStdString()))
+            waiting_->removeMissing(i.name);
+        else if (!waiting_->missingNamed(i.name))
+            waiting_->addMissing(i, tr("not read"));
+    }
+    const auto standIn = [this](const Workspace::Window& w, const QStringList& lacking) {
+        return waiting_->standIn(w, lacking);
+    };
+    for (void* w : Workspace::open(emulator_, contents, &problems, standIn))
+        arrangement_->adopt(emulator_.charts().subWindow(w));
+    for (const QString& p : problems) showMessage(tr("Workspace: %1").arg(p), true);
+    // One message for each missing file, however many windows wait for it.
+    for (const WaitingCharts::Missing& m : waiting_->missing()) {
+        const int windows = waiting_->waitingFor(m.instrument.name);
+        const QString waits = windows == 0 ? tr("The workspace keeps it")
+                              : windows == 1 ? tr("One chart window waits for it, keeping its charts and settings")
+                                             : tr("%1 chart windows wait for it, keeping their charts and settings").arg(windows);
+        showMessage(tr("%1: its price file %2 could not be read (%3). %4; open the file (File > Open price file) or "
+                       "locate it (File > Locate missing price file).")
+                        .arg(m.instrument.name, m.instrument.source, m.why, waits),
+                    true);
+    }
+    updateTitles();
+}
+
+bool Terminal::workspaceInstrument(const QString& name, Workspace::Instrument* instrument) const {
+    const Workspace::Contents* contents =
+        pendingOpen_.waiting ? &pendingOpen_.contents : !ready_ && haveStartWorkspace_ ? &startContents_ : nullptr;
+    if (!contents) return false;
+    for (const Workspace::Instrument& i : contents->instruments)
+        if (i.name == name) {
+            *instrument = i;
+            return true;
+        }
+    return false;
+}
+
+bool Terminal::locate(const QString& name, const QString& path) {
+    if (!waiting_->missingNamed(name)) return false;
+    startLoader(path, name)->start();
+    showMessage(tr("Reading %1 as the price file of %2...").arg(QFileInfo(path).fileName(), name));
+    refresh();
+    return true;
+}
+
+void Terminal::reattach() {
+    std::vector<WaitingCharts::Kept> ready = waiting_->takeReady();
+    if (ready.empty()) return;
+    ChartWindows& charts = emulator_.charts();
+    QMdiSubWindow* active = emulator_.mainWindow().mdiArea()->currentSubWindow();
+    // Each saved window takes its stand-in's place, size, state and stacking; a stand-in
+    // that shows charts of its own stays.
+    Workspace::Contents contents;
+    for (const WaitingCharts::Kept& k : ready) {
+        Workspace::Window w = k.window;
+        if (QMdiSubWindow* sub = charts.subWindow(k.widget)) {
+            w.geometry = sub->isMaximized() || sub->isMinimized() ? sub->normalGeometry() : sub->geometry();
+            w.state = sub->isMaximized() ? QStringLiteral("maximized") : sub->isMinimized() ? QStringLiteral("minimized") : QStringLiteral("normal");
+            w.active = sub == active;
+        }
+        if (windowCharts(emulator_.data(), k.widget).empty()) charts.destroy(k.widget);
+        contents.windows.push_back(w);
+    }
+    QStringList problems;
+    const std::vector<void*> made = Workspace::open(emulator_, contents, &problems);
+    for (void* w : made) arrangement_->adopt(charts.subWindow(w));
+    for (const WaitingCharts::Kept& k : ready) waiting_->release(k);
+    for (const QString& p : problems) showMessage(tr("Workspace: %1").arg(p), true);
+    if (!made.empty())
+        showMessage(made.size() == 1 ? tr("The chart window that waited for its price file is open again.")
+                                     : tr("%1 chart windows that waited for their price file are open again.").arg(made.size()));
+    refresh();
 }
 
 }  // namespace terminal

@@ -46,9 +46,14 @@ void WindowArrangement::place(QMdiSubWindow* sub) {
     for (QMdiSubWindow* other : area_->subWindowList())
         maximized |= other != sub && other->isVisible() && other->isMaximized();
     if (maximized) {
-        // The new window keeps a normal place for when it is restored.
+        // The new window keeps a normal place for when it is restored. The area may have
+        // maximized it as it was shown: a maximized window given a place keeps it (a frame
+        // of normal size, without its title bar), so it is placed while normal, made active
+        // (the area restores the window maximized before as it hands over) and maximized.
+        if (sub->isMaximized()) sub->showNormal();
         sub->setGeometry(cascadeRect(next_++));
         normal_[sub] = sub->geometry();
+        area_->setActiveSubWindow(sub);
         sub->showMaximized();
     } else {
         sub->showNormal();

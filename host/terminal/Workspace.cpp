@@ -18,6 +18,7 @@
 #include "host/WorkDataStore.h"
 #include "host/terminal/BlotterRecords.h"
 #include "host/data/Instrument.h"
+#include "host/terminal/ChartDescription.h"
 #include "host/terminal/WindowSettings.h"
 #include "host/workdata/WorkTree.h"
 
@@ -171,6 +172,16 @@ bool Workspace::write(Emulator& emulator, const QString& path, const Contents& c
         store.setAttribute(node, QStringLiteral("Live"), QString::number(i->quotes().size()));
     }
 
+    // Instruments kept while their price file is missing, as they were read.
+    for (const Instrument& i : choices.instruments) {
+        if (data.loaded(i.name.toStdString())) continue;
+        void* node = store.createChild(root, QStringLiteral("Instrument"));
+        store.setAttribute(node, QStringLiteral("Name"), i.name);
+        const bool example = i.source.toStdString() == DataCore::builtInPath(i.name.toStdString());
+        store.setAttribute(node, QStringLiteral("Source"), example ? QString() : i.source);
+        if (i.live >= 0) store.setAttribute(node, QStringLiteral("Live"), QString::number(i.live));
+    }
+
     ChartWindows& charts = emulator.charts();
     QMdiArea* area = emulator.mainWindow().mdiArea();
     QMdiSubWindow* active = area->currentSubWindow();
@@ -180,17 +191,33 @@ bool Workspace::write(Emulator& emulator, const QString& path, const Contents& c
             if (charts.subWindow(w) == sub) widget = w;
         data::ChartType type;
         if (!widget || !charts.typeOf(widget, &type)) continue;
+        // The place of the window on the screen, for the saved window it stands for as well.
+        const auto place = [&](void* node) {
+            const QRect g = sub->isMaximized() || sub->isMinimized() ? sub->normalGeometry() : sub->geometry();
+            store.setAttribute(node, QStringLiteral("X"), QString::number(g.x()));
+            store.setAttribute(node, QStringLiteral("Y"), QString::number(g.y()));
+            store.setAttribute(node, QStringLiteral("Width"), QString::number(g.width()));
+            store.setAttribute(node, QStringLiteral("Height"), QString::number(g.height()));
+            store.setAttribute(node, QStringLiteral("State"),
+                               sub->isMaximized() ? QStringLiteral("maximized")
+                                                  : sub->isMinimized() ? QStringLiteral("minimized") : QStringLiteral("normal"));
+            store.setAttribute(node, QStringLiteral("Active"), sub == active ? QStringLiteral("1") : QStringLiteral("0"));
+        };
+        const auto kept = std::find_if(choices.kept.begin(), choices.kept.end(),
+                                       [widget](const std::pair<void*, void*>& k) { return k.first == widget; });
+        const workdata::Node* saved = kept != choices.kept.end() ? store.node(kept->second) : nullptr;
+        if (saved) {
+            // Written as any window is (type and place first), with the layout and settings read.
+            void* node = store.createChild(root, QStringLiteral("Window"));
+            store.setAttribute(node, QStringLiteral("Type"), typeWord(type));
+            place(node);
+            copyNode(store, *saved, node);
+            place(node);
+            if (windowCharts(data, widget).empty()) continue;
+        }
         void* node = store.createChild(root, QStringLiteral("Window"));
-        const QRect g = sub->isMaximized() || sub->isMinimized() ? sub->normalGeometry() : sub->geometry();
         store.setAttribute(node, QStringLiteral("Type"), typeWord(type));
-        store.setAttribute(node, QStringLiteral("X"), QString::number(g.x()));
-        store.setAttribute(node, QStringLiteral("Y"), QString::number(g.y()));
-        store.setAttribute(node, QStringLiteral("Width"), QString::number(g.width()));
-        store.setAttribute(node, QStringLiteral("Height"), QString::number(g.height()));
-        store.setAttribute(node, QStringLiteral("State"),
-                           sub->isMaximized() ? QStringLiteral("maximized")
-                                              : sub->isMinimized() ? QStringLiteral("minimized") : QStringLiteral("normal"));
-        store.setAttribute(node, QStringLiteral("Active"), sub == active ? QStringLiteral("1") : QStringLiteral("0"));
+        place(node);
         void* layout = store.createChild(node, QString::fromLatin1(ChartLayouts::windowName()));
         QString why;
         if (!emulator.layouts().saveInto(widget, layout, &why))
@@ -202,36 +229,35 @@ bool Workspace::write(Emulator& emulator, const QString& path, const Contents& c
     return store.save(root, error);
 }
 
-std::vector<void*> Workspace::open(Emulator& emulator, const Contents& contents, QStringList* problems) {
+QStringList Workspace::instrumentsOf(Emulator& emulator, const Window& window) {
+    QStringList out;
+    const workdata::Node* node = window.node ? emulator.workData().node(window.node) : nullptr;
+    if (node)
+        for (const SavedChart& c : savedCharts(*node))
+            if (!c.instrument.isEmpty() && !out.contains(c.instrument)) out << c.instrument;
+    return out;
+}
+
+void Workspace::copyNode(WorkDataStore& store, const workdata::Node& from, void* into) {
+    for (const auto& a : from.attributes) store.setAttribute(into, a.first, a.second);
+    for (const auto& child : from.children) {
+        void* made = store.createChild(into, child->name);
+        if (made) copyNode(store, *child, made);
+    }
+}
+
+std::vector<void*> Workspace::open(Emulator& emulator, const Contents& contents, QStringList* problems,
+                                   const StandIn& standIn) {
     std::vector<void*> made;
     ChartWindows& charts = emulator.charts();
     QMdiSubWindow* active = nullptr;
     for (const Window& w : contents.windows) {
-        QString why;
-        std::vector<std::int32_t> studies = emulator.studies().ids();
-        std::sort(studies.begin(), studies.end());
-        // The window's charts are made with their saved settings, each instrument's in turn.
-        const workdata::Node* node = w.node ? emulator.workData().node(w.node) : nullptr;
-        std::vector<SavedChart> saved = node ? savedCharts(*node) : std::vector<SavedChart>();
-        emulator.data().setSettingsChooser(
-            [&saved](const std::string& instrument, data::ChartType, data::ChartSettings* settings) {
-                const QString name = QString::fromStdString(instrument);
-                for (auto it = saved.begin(); it != saved.end(); ++it)
-                    if (it->instrument == name) {
-                        *settings = it->settings;
-                        saved.erase(it);
-                        return true;
-                    }
-                return false;
-            });
-        void* widget = emulator.layouts().loadFrom(w.type, w.layout, &why);
-        emulator.data().setSettingsChooser(nullptr);
-        if (!widget) {
-            if (problems) *problems << QStringLiteral("a %1 window: %2").arg(typeWord(w.type), why);
-            continue;
-        }
+        QStringList lacking;
+        for (const QString& name : instrumentsOf(emulator, w))
+            if (!emulator.data().loaded(name.toStdString())) lacking << name;
+        void* widget = standIn && !lacking.isEmpty() ? standIn(w, lacking) : openWindow(emulator, w, problems);
+        if (!widget) continue;
         made.push_back(widget);
-        if (node) restoreWindowSettings(emulator, widget, *node, studies, problems);
         QMdiSubWindow* sub = charts.subWindow(widget);
         if (!sub) continue;
         if (w.geometry.isValid()) sub->setGeometry(w.geometry);
@@ -243,6 +269,34 @@ std::vector<void*> Workspace::open(Emulator& emulator, const Contents& contents,
     }
     if (active) emulator.mainWindow().mdiArea()->setActiveSubWindow(active);
     return made;
+}
+
+void* Workspace::openWindow(Emulator& emulator, const Window& w, QStringList* problems) {
+    QString why;
+    std::vector<std::int32_t> studies = emulator.studies().ids();
+    std::sort(studies.begin(), studies.end());
+    // The window's charts are made with their saved settings, each instrument's in turn.
+    const workdata::Node* node = w.node ? emulator.workData().node(w.node) : nullptr;
+    std::vector<SavedChart> saved = node ? savedCharts(*node) : std::vector<SavedChart>();
+    emulator.data().setSettingsChooser(
+        [&saved](const std::string& instrument, data::ChartType, data::ChartSettings* settings) {
+            const QString name = QString::fromStdString(instrument);
+            for (auto it = saved.begin(); it != saved.end(); ++it)
+                if (it->instrument == name) {
+                    *settings = it->settings;
+                    saved.erase(it);
+                    return true;
+                }
+            return false;
+        });
+    void* widget = emulator.layouts().loadFrom(w.type, w.layout, &why);
+    emulator.data().setSettingsChooser(nullptr);
+    if (!widget) {
+        if (problems) *problems << QStringLiteral("a %1 window: %2").arg(typeWord(w.type), why);
+        return nullptr;
+    }
+    if (node) restoreWindowSettings(emulator, widget, *node, studies, problems);
+    return widget;
 }
 
 }  // namespace terminal

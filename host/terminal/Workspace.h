@@ -26,6 +26,8 @@
 #include <QRect>
 #include <QString>
 #include <QStringList>
+#include <functional>
+#include <utility>
 #include <vector>
 
 #include "host/DealingService.h"
@@ -35,6 +37,10 @@ namespace host {
 
 class Emulator;
 class WorkDataStore;
+
+namespace workdata {
+struct Node;
+}
 
 namespace terminal {
 
@@ -64,6 +70,10 @@ public:
         std::vector<Instrument> instruments;
         std::vector<Window> windows;
         std::vector<DealingService::Trade> trades;  // the blotter (BlotterRecords.h)
+        // Written only: windows standing in for saved windows whose price file is missing
+        // (WaitingCharts.h), each with the Window node it stands for, written in its place
+        // as it was read.
+        std::vector<std::pair<void*, void*> > kept;  // widget, Window node
     };
 
     static const char* rootName() { return "Workspace"; }
@@ -86,16 +96,29 @@ public:
     static QString languageOf(const QString& path);
 
     // Writes every chart window of the emulator (their layouts through 3021), the loaded
-    // instruments and the choices in `contents` (its lists are ignored; the main window's
-    // geometry and docks are written when not empty) into the document at `path`, which must
-    // be new or a workspace; its folder is made when missing. False with `error` set, the
-    // file unchanged.
+    // instruments and the choices in `contents` into the document at `path`, which must be
+    // new or a workspace; its folder is made when missing. Of its lists, `instruments` are
+    // those not loaded that are kept all the same (a missing price file) and `kept` the saved
+    // windows written for the windows standing in for them (a stand-in that shows charts of
+    // its own is written as well); the main window's geometry and docks are written when not
+    // empty. False with `error` set, the file unchanged.
     static bool write(Emulator& emulator, const QString& path, const Contents& choices, QString* error);
 
     // Opens the windows of `contents` (5003 and 3020 each), places them and makes the active
-    // one active. The new windows' widgets, in order; windows the module refused are named
-    // in `problems`.
-    static std::vector<void*> open(Emulator& emulator, const Contents& contents, QStringList* problems);
+    // one active. A window showing an instrument the data core has not loaded is not opened
+    // from its layout (the module would leave out what it cannot show) but handed to
+    // `standIn` with those instruments, when given; the window it returns is placed instead.
+    // The windows' widgets, in order; windows the module refused are named in `problems`.
+    using StandIn = std::function<void*(const Window& window, const QStringList& lacking)>;
+    static std::vector<void*> open(Emulator& emulator, const Contents& contents, QStringList* problems,
+                                   const StandIn& standIn = StandIn());
+    // One window of a workspace opened from its layout, with its charts' and studies'
+    // settings; null (the reason in `problems`) when the module refused it.
+    static void* openWindow(Emulator& emulator, const Window& window, QStringList* problems);
+    // The instruments the charts of a saved window show (its Chart elements).
+    static QStringList instrumentsOf(Emulator& emulator, const Window& window);
+    // Copies the attributes and children of `from` into the work-data node `into`.
+    static void copyNode(WorkDataStore& store, const workdata::Node& from, void* into);
 
     // "pf", "renko", "kagi".
     static QString typeWord(data::ChartType type);

@@ -317,16 +317,16 @@ TEST(CsvPriceReader, PrecisionPeriodAndLayoutComeFromTheFile) {
     EXPECT_EQ(std::make_tuple(q.open, q.high, q.low, q.close, q.volume), std::make_tuple(2.0, 3.0, 1.0, 2.5, 10.125));
 }
 
-TEST(CsvPriceReader, BrokenFilesAreRefusedWithTheReason) {
-    const std::pair<const char*, const char*> cases[] = {
+// Only a file without a usable header or without one readable row is refused; a row that
+// cannot be read is left out, counted and named (the first few), the rest is loaded.
+TEST(CsvPriceReader, UnreadableRowsAreSkippedAndOnlyUnusableFilesRefused) {
+    const std::pair<const char*, const char*> refused[] = {
         {"", "empty file"},
         {"time,open\n1,2\n", "the header needs a time column (time, or date, datetime or timestamp) and a close column"},
-        {"time,close\n1,abc\n", "line 2: bad close"},
-        {"time,close\n1,1.5\n2\n", "line 3: bad close"},
-        {"time,close\n5,1\n4,1\n", "line 3: time goes backwards"},
-        {"time,close\n-5,1\n", "line 2: time out of range"},
+        {"time,close\n1,abc\n\n", "no readable row: 1 row skipped (line 2: bad close)"},
+        {"time,close\n-5,1\n", "no readable row: 1 row skipped (line 2: time out of range)"},
         {"time,close\n", "no quotes"}};
-    for (const auto& c : cases) {
+    for (const auto& c : refused) {
         std::string error;
         EXPECT_EQ(Read(c.first, &error), nullptr) << c.first;
         EXPECT_EQ(error, c.second);
@@ -334,6 +334,24 @@ TEST(CsvPriceReader, BrokenFilesAreRefusedWithTheReason) {
     std::string error;
     EXPECT_EQ(host::data::CsvPriceReader::readFile("/nonexistent/prices.csv", "", &error), nullptr);
     EXPECT_NE(error.find("cannot open"), std::string::npos);
+
+    // N/A, a row of empty fields, a short row, a time going backwards: each left out; the
+    // precision comes from the rows taken. Blank lines are no rows.
+    auto mixed = Read("time,close\n5,1.5\n6,N/A\n\n,\n7\n4,1.25\n8,1.75\n9,1.123456\n", &error);
+    ASSERT_NE(mixed, nullptr) << error;
+    EXPECT_EQ(mixed->quotes().size(), 3u);
+    EXPECT_EQ(mixed->precision(), 6);
+    EXPECT_EQ(host::data::CsvPriceReader::skippedNote(mixed->skippedRows(), mixed->skippedSample()),
+              "4 rows skipped (line 3: bad close, line 5: bad time, line 6: bad close, line 7: time goes backwards)");
+    // Past the first few rows the rest are counted only.
+    std::string many = "time,close\n1,1\n";
+    for (int i = 0; i < 8; ++i) many += "2,x\n";
+    auto counted = Read(many);
+    ASSERT_NE(counted, nullptr);
+    EXPECT_EQ(host::data::CsvPriceReader::skippedNote(counted->skippedRows(), counted->skippedSample()),
+              "8 rows skipped (line 3: bad close, line 4: bad close, line 5: bad close, line 6: bad close, "
+              "line 7: bad close, 3 more)");
+    EXPECT_EQ(host::data::CsvPriceReader::skippedNote(0, std::string()), "");
 }
 
 // Broker exports: ISO dates with or without a time, a separate time column, semicolons with
@@ -368,22 +386,27 @@ TEST(CsvPriceReader, BrokerLayoutsGiveTheSameQuotes) {
     EXPECT_EQ(intraday->quotes()[1].close, 1.25);
 }
 
-TEST(CsvPriceReader, BrokerFilesThatCannotBeReadSayWhere) {
+TEST(CsvPriceReader, BrokerRowsThatCannotBeReadSayWhere) {
     const std::pair<const char*, const char*> cases[] = {
         {"Date,Close\n2024-01-02,1.5\n2024-02-30,1.6\n", "line 3: bad date"},
         {"Date,Close\n2024-01-02,1.5\n02/01/2024,1.6\n", "line 3: bad date"},
         {"Date,Time,Close\n2024-01-02,10:00,1.5\n2024-01-02,25:00,1.6\n", "line 3: bad time"},
         {"Date,Time,Close\n2024-01-02,10:00,1.5\n2024-01-02\n", "line 3: bad time"},
         {"Date;Close\n2024-01-02;1,5\n2024-01-03;1,5x\n", "line 3: bad close"},
-        {"Date,Open,High,Low,Close\n2024-01-02,1,2,,1.5\n", "line 2: bad low"},
-        {"Date,Close\n1969-12-31,1.5\n", "line 2: time out of range"},
-        {"Date,Close\n2024-01-03,1.5\n2024-01-02,1.5\n", "line 3: time goes backwards"},
-        {"Day,Price\n2024-01-02,1.5\n", "the header needs a time column (time, or date, datetime or timestamp) and a close column"}};
+        {"Date,Open,High,Low,Close\n2024-01-02,1,2,1,1.5\n2024-01-03,1,2,,1.5\n", "line 3: bad low"},
+        {"Date,Close\n2024-01-02,1.5\n1969-12-31,1.5\n", "line 3: time out of range"},
+        {"Date,Close\n2024-01-03,1.5\n2024-01-02,1.5\n", "line 3: time goes backwards"}};
     for (const auto& c : cases) {
         std::string error;
-        EXPECT_EQ(Read(c.first, &error), nullptr) << c.first;
-        EXPECT_EQ(error, c.second) << c.first;
+        auto i = Read(c.first, &error);
+        ASSERT_NE(i, nullptr) << c.first << ": " << error;
+        EXPECT_EQ(i->quotes().size(), 1u) << c.first;
+        EXPECT_EQ(std::make_pair(i->skippedRows(), i->skippedSample()), std::make_pair(std::size_t(1), std::string(c.second)))
+            << c.first;
     }
+    std::string error;
+    EXPECT_EQ(Read("Day,Price\n2024-01-02,1.5\n", &error), nullptr);
+    EXPECT_EQ(error, "the header needs a time column (time, or date, datetime or timestamp) and a close column");
 }
 
 TEST(CsvPriceReader, NamesAndPeriods) {

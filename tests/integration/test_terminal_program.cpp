@@ -30,14 +30,14 @@ protected:
     };
     // Runs `pfhost terminal ARGS` on the offscreen platform with the user's configuration in
     // the test's folder, so that no default workspace of the machine is read or written.
-    Result Run(const QStringList& args) {
+    Result Run(const QStringList& args, const QString& command = QStringLiteral("terminal")) {
         QProcess p;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
         env.insert(QStringLiteral("XDG_CONFIG_HOME"), config);
         p.setProcessEnvironment(env);
         p.setWorkingDirectory(dir.path());
-        p.start(pfhost, QStringList{QStringLiteral("terminal")} + args);
+        p.start(pfhost, QStringList{command} + args);
         Result r;
         if (!p.waitForFinished(90000)) {
             p.kill();
@@ -99,9 +99,9 @@ TEST_F(TerminalProgram, ScreenshotOfAPriceFileAndTheExampleWorkspaceThenSavedOnQ
     EXPECT_FALSE(QFileInfo::exists(config));
 }
 
-// The replay holds back the last quotes of a file: 2000 at most, never more than a quarter of
-// the file, unless --hold-back says how many (one quote stays for the charts).
-TEST_F(TerminalProgram, TheReplayHoldsBackAQuarterOfAFileUnlessToldOtherwise) {
+// An opened file is shown whole: the replay holds back the last quotes of a file only when
+// --hold-back says how many (one quote stays for the charts).
+TEST_F(TerminalProgram, AFileIsShownWholeUnlessTheReplayIsToldToHoldBack) {
     const QString csv = Path("eurusd.csv");
     {
         QFile f(csv);
@@ -111,7 +111,7 @@ TEST_F(TerminalProgram, TheReplayHoldsBackAQuarterOfAFileUnlessToldOtherwise) {
         for (int d = 0; d < 80; ++d) f.write(first.addDays(d).toString(Qt::ISODate).toLatin1() + ",1.1" + QByteArray::number(d % 10) + "\n");
     }
     const std::pair<QStringList, const char*> cases[] = {
-        {QStringList(), "Live=\"60\""},
+        {QStringList(), "Live=\"80\""},
         {QStringList{QStringLiteral("--hold-back"), QStringLiteral("50")}, "Live=\"30\""},
         {QStringList{QStringLiteral("--hold-back"), QStringLiteral("500")}, "Live=\"1\""}};
     for (const auto& c : cases) {
@@ -123,6 +123,88 @@ TEST_F(TerminalProgram, TheReplayHoldsBackAQuarterOfAFileUnlessToldOtherwise) {
         ASSERT_EQ(r.status, 0) << r.err.toStdString();
         EXPECT_TRUE(Read(workspace).contains(c.second)) << c.first.join(' ').toStdString() << ": " << Read(workspace).left(600).toStdString();
     }
+}
+
+// A workspace whose price file is missing is never saved over with less: its windows wait
+// for the file with their layouts and settings, said once on the console (no box waits with
+// --quit), and come back whole once the file is opened again from elsewhere.
+TEST_F(TerminalProgram, WindowsWaitForAMissingPriceFileAndAreSavedWhole) {
+    const QString csv = Path("eurusd.csv"), workspace = Path("waiting.xml");
+    {
+        QFile f(csv);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("Date,Close\n");
+        const QDate first(2020, 1, 1);
+        for (int d = 0; d < 120; ++d)
+            f.write(first.addDays(d).toString(Qt::ISODate).toLatin1() + ",1." + QByteArray::number(100 + d % 17 * 3) + "\n");
+    }
+    // The windows' layouts (what the module wrote) and the Window elements' types and places.
+    const auto windows = [this](const QString& path) {
+        const QString text = QString::fromUtf8(Read(path));
+        QStringList out = Arrangement(path).filter(QStringLiteral("<Window "));
+        QRegularExpressionMatchIterator it =
+            QRegularExpression(QStringLiteral("<ChartWindow>.*?</ChartWindow>"), QRegularExpression::DotMatchesEverythingOption)
+                .globalMatch(text);
+        while (it.hasNext()) out << it.next().captured(0);
+        out << QString::number(text.count(QLatin1String("<Chart ")));
+        return out;
+    };
+    Result r = Run({csv, QStringLiteral("--no-examples"), QStringLiteral("--workspace"), workspace, QStringLiteral("--window"),
+                    QStringLiteral("pf:EURUSD"), QStringLiteral("--window"), QStringLiteral("renko:EURUSD"),
+                    QStringLiteral("--screenshot"), Path("a.png"), QStringLiteral("--quit")});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    const QStringList made = windows(workspace);
+    ASSERT_EQ(made.size(), 5) << made.join('\n').toStdString();
+    EXPECT_EQ(made.last(), QStringLiteral("2"));
+    for (const QString& w : made.mid(2, 2)) ASSERT_TRUE(w.contains(QLatin1String("InstrumentName=\"EURUSD\""))) << w.toStdString();
+
+    // The file is gone: one message names it, the terminal starts and ends by itself, and the
+    // windows are saved as they were read, with the instrument and its file.
+    const QString moved = Path("elsewhere/eurusd.csv");
+    ASSERT_TRUE(QDir().mkpath(Path("elsewhere")) && QFile::rename(csv, moved));
+    r = Run({QStringLiteral("--no-examples"), QStringLiteral("--workspace"), workspace, QStringLiteral("--screenshot"),
+             Path("b.png"), QStringLiteral("--quit")});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(r.err.count(QLatin1String("pfhost terminal:")), 1) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains(QStringLiteral("EURUSD: its price file %1 could not be read").arg(csv))) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains(QLatin1String("2 chart windows wait for it"))) << r.err.toStdString();
+    EXPECT_EQ(windows(workspace), made);
+    EXPECT_TRUE(Read(workspace).contains(QStringLiteral("<Instrument Name=\"EURUSD\" Source=\"%1\" Live=\"120\"/>").arg(csv).toUtf8()))
+        << Read(workspace).toStdString();
+
+    // Opened from its new place: the windows show it again and the workspace names the file there.
+    r = Run({moved, QStringLiteral("--no-examples"), QStringLiteral("--workspace"), workspace, QStringLiteral("--screenshot"),
+             Path("c.png"), QStringLiteral("--quit")});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.err.trimmed().isEmpty()) << r.err.toStdString();
+    EXPECT_EQ(windows(workspace), made);
+    EXPECT_TRUE(Read(workspace).contains(QStringLiteral("Source=\"%1\"").arg(moved).toUtf8()));
+}
+
+// The programs that read price files on the command line take a file with a few unreadable
+// rows as the terminal does: the rest is used, and which rows were left out is said once.
+TEST_F(TerminalProgram, RecordsAndRenderSkipUnreadableRowsAndSaySo) {
+    const QString csv = Path("bad.csv");
+    {
+        QFile f(csv);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("time,close\n");
+        for (int i = 0; i < 200; ++i) {
+            const QByteArray time = QByteArray::number(1600000000 + 1800 * i);
+            f.write(i == 1 ? time + ",N/A\n" : i == 4 ? QByteArray(",\n") : time + ",1." + QByteArray::number(1000 + i % 37 * 7) + "\n");
+        }
+    }
+    const char* note = "bad.csv: 2 rows skipped (line 3: bad close, line 6: bad time)";
+    Result r = Run({QStringLiteral("--data"), csv, QStringLiteral("--type"), QStringLiteral("pf")}, QStringLiteral("records"));
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(r.err.count(QLatin1String("rows skipped")), 1) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains(QLatin1String(note))) << r.err.toStdString();
+    EXPECT_TRUE(r.out.contains(QLatin1String("198 quotes"))) << r.out.left(300).toStdString();
+    r = Run({QStringLiteral("--data"), csv, QStringLiteral("--type"), QStringLiteral("renko"), QStringLiteral("--out"), Path("bad.png")},
+            QStringLiteral("render"));
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains(QLatin1String(note))) << r.err.toStdString();
+    EXPECT_FALSE(QImage(Path("bad.png")).isNull());
 }
 
 TEST_F(TerminalProgram, BrokenAndMissingWorkspacesAreSaidAndTheTerminalStarts) {

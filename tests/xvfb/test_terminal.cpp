@@ -420,8 +420,7 @@ TEST_F(TerminalSession, BrokenPriceFilesAndWorkspacesAreRefusedAndChangeNothing)
     } bad[] = {
         {"empty.csv", "", "empty file"},
         {"noheader.csv", "828316800,1.1930\n828318600,1.1941\n", "header"},
-        {"text.csv", "time,close\n828316800,1.1930\n828318600,abc\n", "line 3: bad close"},
-        {"backwards.csv", "time,close\n828318600,1.1930\n828316800,1.1941\n", "line 3: time goes backwards"},
+        {"text.csv", "time,close\n828316800,N/A\n828318600,abc\n", "no readable row: 2 rows skipped (line 2: bad close, line 3: bad close)"},
     };
     for (const auto& b : bad) {
         QSignalSpy done(terminal.get(), &Terminal::priceFileDone);
@@ -430,6 +429,15 @@ TEST_F(TerminalSession, BrokenPriceFilesAndWorkspacesAreRefusedAndChangeNothing)
         EXPECT_TRUE(done.at(0).at(1).toString().isEmpty()) << b.file;
         EXPECT_TRUE(terminal->messages().last().contains(QLatin1String(b.says)))
             << b.file << ": " << terminal->messages().last().toStdString();
+    }
+    // A row that cannot be read is left out, and said.
+    {
+        QSignalSpy done(terminal.get(), &Terminal::priceFileDone);
+        terminal->openPriceFile(write("backwards.csv", "time,close\n828318600,1.1930\n828316800,1.1941\n828320400,1.1950\n"));
+        ASSERT_TRUE(done.wait(5000));
+        EXPECT_EQ(done.at(0).at(1).toString(), QStringLiteral("BACKWARDS"));
+        EXPECT_TRUE(terminal->messages().last().contains(QLatin1String("1 row skipped (line 3: time goes backwards)")))
+            << terminal->messages().last().toStdString();
     }
     // Repeated times are taken, in file order, and said.
     {

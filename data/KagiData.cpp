@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QRect>
+#include <algorithm>
 #include <cmath>
 
 namespace pf {
@@ -29,7 +30,7 @@ KagiData::KagiData(gx::Line* line, const boost::shared_ptr<ScaleEngine>& engine)
 
 void KagiData::Draw(QPainter& painter, fxDataPointArray* array) {
     Frame f;
-    if (!BeginDraw(array, f)) return;
+    if (!BeginDraw(painter, array, f)) return;
     const ScaleEngine& e = *engine_;
     const QPen thin = MakePen(f.colour1, 1.0);
     const QPen thick = MakePen(f.colour0, 2.0);
@@ -53,8 +54,14 @@ void KagiData::Draw(QPainter& painter, fxDataPointArray* array) {
         const int yV = e.TranslateY(roundFloat(r.value, f.precision));
         const int yS = e.TranslateY(roundFloat(r.solid, f.precision));
         const int yE = e.TranslateY(roundFloat(r.end, f.precision));
-        painter.setPen(*pen);
         const bool crosses = Crosses(yV, yS, yE);
+        // A stroke that cannot show only passes its pen on.
+        if (!stamps_.Shows(FigureStamps::Reach(xl, std::min({yV, yS, yE}), xr, std::max({yV, yS, yE}), 2))) {
+            if (crosses && r.type == 0) pen = &thin;
+            if (crosses && r.type == 1) pen = &thick;
+            continue;
+        }
+        painter.setPen(*pen);
         if (crosses && r.type == 0) {
             // Falling through the level: the part above it keeps the pen, the rest is thin.
             painter.drawLine(xl, yE, xr, yE);

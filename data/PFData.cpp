@@ -12,7 +12,7 @@ PFData::PFData(gx::Line* line, const boost::shared_ptr<ScaleEngine>& engine)
 
 void PFData::Draw(QPainter& painter, fxDataPointArray* array) {
     Frame f;
-    if (!BeginDraw(array, f)) return;
+    if (!BeginDraw(painter, array, f)) return;
     const ScaleEngine& e = *engine_;
     const QPen xPen = MakePen(f.colour0);
     const QPen oPen = MakePen(f.colour1);
@@ -44,10 +44,16 @@ void PFData::Draw(QPainter& painter, fxDataPointArray* array) {
             const float next = v + r.step;
             const int y2 = e.TranslateY(next);
             if (rising) {
-                painter.drawLine(px, y1, x2, y2);
-                painter.drawLine(px, y2, x2, y1);
+                stamps_.Paint(painter, FigureStamps::Shape{kCross, x2 - px, y1 - y2},
+                              FigureStamps::Reach(px, y1, x2, y2), [&](QPainter& p, const QPoint& o) {
+                                  p.drawLine(px + o.x(), y1 + o.y(), x2 + o.x(), y2 + o.y());
+                                  p.drawLine(px + o.x(), y2 + o.y(), x2 + o.x(), y1 + o.y());
+                              });
             } else {
-                painter.drawEllipse(QRect(QPoint(px, y1), QPoint(px + oWidth - 1, y2 - 1)));
+                const QRect oval(QPoint(px, y1), QPoint(px + oWidth - 1, y2 - 1));
+                stamps_.Paint(painter, FigureStamps::Shape{kNought, oWidth, y2 - 1 - y1},
+                              FigureStamps::Reach(px, y1, px + oWidth - 1, y2 - 1),
+                              [&](QPainter& p, const QPoint& o) { p.drawEllipse(oval.translated(o)); });
             }
             // When the float no longer moves, every remaining box is this one again; once the
             // stack has left the area by a whole area height, every later box is further out.

@@ -60,8 +60,9 @@ void PointData::AdvancePenStyle() {
         penStyle_ = Qt::SolidLine;
 }
 
-bool PointData::BeginDraw(const fxDataPointArray* array, Frame& frame) {
+bool PointData::BeginDraw(const QPainter& painter, const fxDataPointArray* array, Frame& frame) {
     if (!engine_) return false;
+    stamps_.Begin(painter);
     const ScaleEngine& e = *engine_;
     const int n = e.GetColumnCount();
     frame.step = e.GetXStep(static_cast<float>(n));

@@ -21,6 +21,7 @@
 #include <cstring>
 
 #include "abi/records/dpa_records.h"
+#include "data/FigureStamps.h"
 #include "data/ScaleEngine.h"
 
 class QPainter;
@@ -94,10 +95,10 @@ protected:
     };
 
     // The common start of Draw: the column width is handed to SetStepX, x starts at the
-    // engine's left edge and the pen style advances. Returns false when nothing is to be
-    // drawn: no visible column, a first column past the last drawable one (or negative),
-    // no readable record.
-    bool BeginDraw(const fxDataPointArray* array, Frame& frame);
+    // engine's left edge, the pen style advances and the stamps learn about the painter.
+    // Returns false when nothing is to be drawn: no visible column, a first column past the
+    // last drawable one (or negative), no readable record.
+    bool BeginDraw(const QPainter& painter, const fxDataPointArray* array, Frame& frame);
 
     // A pen in `colour` with the current style, square caps and bevel joins.
     QPen MakePen(QRgb colour, qreal width = 1.0) const;
@@ -113,6 +114,7 @@ protected:
     boost::shared_ptr<ScaleEngine> engine_;
     float xPos_ = 0.0f;
     float stepX_ = 0.0f;
+    FigureStamps stamps_;
 
 private:
     void AdvancePenStyle();

@@ -30,6 +30,8 @@ void PFData::Draw(QPainter& painter, fxDataPointArray* array) {
 
     for (int i = f.first; i < f.end && budget > 0; ++i, xPos_ += f.step) {
         const fxChartTypeRecord r = Record(array, i);
+        // Records left undrawn still use up the budget as when drawn.
+        const bool drawn = f.Drawn(i);
         const int px = TruncToPixel(xPos_ + 0.5L);
         const long long boxes =
             static_cast<long long>(TruncToInt(std::fabs(static_cast<long double>(r.value) - r.end) /
@@ -43,13 +45,13 @@ void PFData::Draw(QPainter& painter, fxDataPointArray* array) {
             const int y1 = e.TranslateY(v);
             const float next = v + r.step;
             const int y2 = e.TranslateY(next);
-            if (rising) {
+            if (drawn && rising) {
                 stamps_.Paint(painter, FigureStamps::Shape{kCross, x2 - px, y1 - y2},
                               FigureStamps::Reach(px, y1, x2, y2), [&](QPainter& p, const QPoint& o) {
                                   p.drawLine(px + o.x(), y1 + o.y(), x2 + o.x(), y2 + o.y());
                                   p.drawLine(px + o.x(), y2 + o.y(), x2 + o.x(), y1 + o.y());
                               });
-            } else {
+            } else if (drawn) {
                 const QRect oval(QPoint(px, y1), QPoint(px + oWidth - 1, y2 - 1));
                 stamps_.Paint(painter, FigureStamps::Shape{kNought, oWidth, y2 - 1 - y1},
                               FigureStamps::Reach(px, y1, px + oWidth - 1, y2 - 1),

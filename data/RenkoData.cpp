@@ -16,6 +16,7 @@ void RenkoData::Draw(QPainter& painter, fxDataPointArray* array) {
     const QPen fallPen = MakePen(f.colour1);
 
     for (int i = f.first; i < f.end; ++i, xPos_ += f.step) {
+        if (!f.Drawn(i)) continue;
         const fxChartTypeRecord r = Record(array, i);
         const int px = TruncToPixel(xPos_ + 0.5L);
         const int y1 = e.TranslateY(r.value);

@@ -1,7 +1,7 @@
 // A line's kept picture of its figures and the stamps its renderer blits for boxes and
 // bricks: the window must look exactly as when the renderer draws every figure straight
-// onto it, on the paint that makes the picture, on the paints that reuse it, and after the
-// data or the view changed under it.
+// onto it, on the paint that makes the picture, on the paints that reuse it, after the data
+// or the view changed under it, and after an update drawn into it column by column.
 #include <gtest/gtest.h>
 
 #include <QImage>
@@ -53,6 +53,12 @@ struct Chart {
     void Point() {
         array.points = reinterpret_cast<unsigned char*>(records.data());
         array.pointCount = std::int32_t(records.size());
+    }
+    // The host's next array: one more column.
+    void Append() {
+        records.push_back(Column(int(records.size())));
+        Point();
+        line->SetArray(&array);
     }
     void View(int first, int columns, float minPrice = 0.995f, float maxPrice = 1.035f) {
         engine->SetColumnCount(columns);
@@ -152,6 +158,45 @@ TEST_P(FigurePictureTest, ASelectedLineLooksAsDrawnDirectlyInBothDashPatterns) {
             const QImage drawn = direct.Paint(false);
             EXPECT_EQ(fast.Paint(true), drawn) << v.what << ", " << pattern;
             EXPECT_EQ(fast.line->GetRenderer()->GetPenStyle(), direct.line->GetRenderer()->GetPenStyle());
+        }
+    }
+}
+
+TEST_P(FigurePictureTest, UpdatesDrawnIntoThePictureLookAsANewPicture) {
+    Chart chart(GetParam());
+    // The newest column grows in place, then columns are added into free space on the
+    // right, the view standing still.
+    for (const View& v : {View{"whole", 150, 66, 0.995f, 1.035f}, View{"fractional", 150, 70, 0.96f, 1.08f}}) {
+        chart.View(v.first, v.columns, v.minPrice, v.maxPrice);
+        chart.Paint(true);
+        chart.records.back().end += 0.002f;
+        chart.line->DataChanged();
+        chart.ExpectAsDrawnDirectly(std::string(v.what) + ": the newest column grown");
+        chart.Paint(true);
+        chart.records.back().end -= 0.003f;
+        chart.records.back().type ^= 1;
+        chart.line->DataChanged();
+        chart.ExpectAsDrawnDirectly(std::string(v.what) + ": the newest column shrunk and turned");
+        for (int k = 0; k < 3; ++k) {
+            chart.Paint(true);
+            chart.Append();
+            chart.ExpectAsDrawnDirectly(std::string(v.what) + ": column " + std::to_string(k) + " added");
+        }
+        chart.Paint(true);
+        chart.records.resize(chart.records.size() - 2);
+        chart.Point();
+        chart.line->SetArray(&chart.array);
+        chart.ExpectAsDrawnDirectly(std::string(v.what) + ": columns taken back");
+    }
+    // The view follows the newest column by one, two and seven columns: the picture moves on
+    // by whole pixels for whole column widths, and is made anew for fractional ones.
+    for (int columns : {66, 99, 132, 198, 70}) {
+        chart.View(int(chart.records.size()) - columns + 1, columns, 0.99f, 1.04f);
+        for (int by : {1, 2, 7}) {
+            chart.Paint(true);
+            for (int k = 0; k < by; ++k) chart.Append();
+            chart.View(int(chart.records.size()) - columns + 1, columns, 0.99f, 1.04f);
+            chart.ExpectAsDrawnDirectly(std::to_string(columns) + " columns, moved by " + std::to_string(by));
         }
     }
 }

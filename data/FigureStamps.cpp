@@ -74,8 +74,17 @@ void FigureStamps::Begin(const QPainter& painter) {
     }
 }
 
-const FigureStamps::Stamp* FigureStamps::Find(const Shape& shape, const QSize& size, const QPen& pen) {
-    const auto matches = [&](const Stamp& s) { return s.shape == shape && s.size == size && s.pen == pen; };
+void FigureStamps::UsePen(QPainter& painter, const QPen& pen) {
+    painter.setPen(pen);
+    pen_ = pen;
+    penKey_ = PenKey{pen.color().rgba(), int(pen.style()), pen.widthF(), int(pen.capStyle()), int(pen.joinStyle())};
+    // Patterns of their own, and brushes other than a colour, draw through the painter.
+    if (pen.style() == Qt::CustomDashLine || pen.brush().style() != Qt::SolidPattern || pen.isCosmetic())
+        penKey_.style = -1;
+}
+
+const FigureStamps::Stamp* FigureStamps::Find(const Shape& shape, const QSize& size) {
+    const auto matches = [&](const Stamp& s) { return s.shape == shape && s.size == size && s.pen == penKey_; };
     if (last_ < stamps_.size() && matches(stamps_[last_])) return &stamps_[last_];
     for (std::size_t i = 0; i < stamps_.size(); ++i)
         if (matches(stamps_[i])) {
@@ -85,10 +94,10 @@ const FigureStamps::Stamp* FigureStamps::Find(const Shape& shape, const QSize& s
     return nullptr;
 }
 
-FigureStamps::Stamp& FigureStamps::Make(const Shape& shape, const QSize& size, const QPen& pen) {
+FigureStamps::Stamp& FigureStamps::Make(const Shape& shape, const QSize& size) {
     // Full: the stamp made longest ago gives way (a view shows a few kinds of box at most).
     if (stamps_.size() >= std::size_t(kMaxStamps)) stamps_.erase(stamps_.begin());
-    stamps_.push_back(Stamp{shape, size, pen, QImage(size, QImage::Format_ARGB32_Premultiplied), false, {}});
+    stamps_.push_back(Stamp{shape, size, penKey_, QImage(size, QImage::Format_ARGB32_Premultiplied), false, {}});
     last_ = stamps_.size() - 1;
     Stamp& stamp = stamps_.back();
     stamp.image.fill(Qt::transparent);

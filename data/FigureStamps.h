@@ -57,8 +57,11 @@ public:
     // Whether anything of a figure whose pixels all lie in `reach` can show.
     bool Shows(const QRect& reach) const { return reach.intersects(visible_); }
 
-    // Paints a figure whose pixels all lie in `reach`, with the painter's current pen:
-    // `draw(painter, offset)` draws it through the painter's primitives, moved by `offset`.
+    // Sets the painter's pen for the figures that follow.
+    void UsePen(QPainter& painter, const QPen& pen);
+
+    // Paints a figure whose pixels all lie in `reach`, with the pen of UsePen: `draw(painter,
+    // offset)` draws it through the painter's primitives, moved by `offset`.
     // A figure that cannot show is left out, and so is one exactly like the figure painted
     // just before it (painting the same opaque pixels again changes nothing).
     template <class Draw>
@@ -68,20 +71,21 @@ public:
             draw(painter, QPoint());
             return;
         }
-        if (havePrevious_ && reach == previousReach_ && shape == previousShape_ && painter.pen() == previousPen_) return;
+        const bool ownPen = penKey_.style < 0;
+        if (!ownPen && havePrevious_ && reach == previousReach_ && shape == previousShape_ && penKey_ == previousPen_) return;
         havePrevious_ = true;
         previousReach_ = reach;
         previousShape_ = shape;
-        previousPen_ = painter.pen();
-        if (!usable_ || !inside_.contains(reach)) {
+        previousPen_ = penKey_;
+        if (!usable_ || ownPen || !inside_.contains(reach)) {
             draw(painter, QPoint());
             return;
         }
-        const Stamp* stamp = Find(shape, reach.size(), painter.pen());
+        const Stamp* stamp = Find(shape, reach.size());
         if (!stamp) {
-            Stamp& made = Make(shape, reach.size(), painter.pen());
+            Stamp& made = Make(shape, reach.size());
             QPainter p(&made.image);
-            p.setPen(painter.pen());
+            p.setPen(pen_);
             draw(p, -reach.topLeft());
             p.end();
             Finish(made);
@@ -93,6 +97,18 @@ public:
     int Count() const { return int(stamps_.size()); }
 
 private:
+    // What of a renderer's pen (a solid colour in one of Qt's own dash patterns) decides
+    // pixels.
+    struct PenKey {
+        QRgb rgba = 0;
+        int style = 0;
+        qreal width = 0;
+        int cap = 0;
+        int join = 0;
+        bool operator==(const PenKey& o) const {
+            return rgba == o.rgba && style == o.style && width == o.width && cap == o.cap && join == o.join;
+        }
+    };
     // One opaque pixel of a stamp.
     struct Dot {
         int x, y;  // from the stamp's corner
@@ -101,14 +117,14 @@ private:
     struct Stamp {
         Shape shape;
         QSize size;
-        QPen pen;
+        PenKey pen;
         QImage image;
         // Opaque pixels only: its pixels, written straight into the device's image.
         bool solid = false;
         std::vector<Dot> dots;
     };
-    const Stamp* Find(const Shape& shape, const QSize& size, const QPen& pen);
-    Stamp& Make(const Shape& shape, const QSize& size, const QPen& pen);
+    const Stamp* Find(const Shape& shape, const QSize& size);
+    Stamp& Make(const Shape& shape, const QSize& size);
     // Takes the pixels of a stamp just drawn.
     static void Finish(Stamp& stamp);
     void Blit(QPainter& painter, const Stamp& stamp, const QPoint& corner);
@@ -127,7 +143,9 @@ private:
     bool havePrevious_ = false;
     QRect previousReach_;
     Shape previousShape_{0, 0, 0};
-    QPen previousPen_;
+    PenKey previousPen_;
+    QPen pen_;
+    PenKey penKey_;
 };
 
 }  // namespace pf

@@ -38,11 +38,12 @@ void PFData::Draw(QPainter& painter, fxDataPointArray* array) {
                                                   r.step + 0.5L)) + 1;
         if (boxes < 1) continue;
         const bool rising = r.type != 0;
-        painter.setPen(rising ? xPen : oPen);
+        stamps_.UsePen(painter, rising ? xPen : oPen);
         const int x2 = TruncToPixel(px + 1 + step);
         float v = r.value;
+        // Each box's upper edge is the next one's lower edge.
+        int y1 = e.TranslateY(v);
         for (long long b = 0; b < boxes && budget > 0; ++b, --budget) {
-            const int y1 = e.TranslateY(v);
             const float next = v + r.step;
             const int y2 = e.TranslateY(next);
             if (drawn && rising) {
@@ -63,6 +64,7 @@ void PFData::Draw(QPainter& painter, fxDataPointArray* array) {
             v = next;
             if ((r.step > 0 && std::max(y1, y2) < aboveArea) || (r.step < 0 && std::min(y1, y2) > belowArea))
                 break;
+            y1 = y2;
         }
     }
 }

@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QRect>
+#include <algorithm>
 #include <cmath>
 
 namespace pf {
@@ -29,22 +30,11 @@ KagiData::KagiData(gx::Line* line, const boost::shared_ptr<ScaleEngine>& engine)
 
 void KagiData::Draw(QPainter& painter, fxDataPointArray* array) {
     Frame f;
-    if (!BeginDraw(array, f)) return;
+    if (!BeginDraw(painter, array, f)) return;
     const ScaleEngine& e = *engine_;
     const QPen thin = MakePen(f.colour1, 1.0);
     const QPen thick = MakePen(f.colour0, 2.0);
-    const QPen* pen = &thin;
-
-    // The line enters the visible range as thick or thin as the last crossing before it
-    // left it: the nearest crossing to the left decides, so the walk goes backwards and
-    // stops there instead of running over the whole history.
-    for (int i = f.first - 1; i >= 0; --i) {
-        const fxChartTypeRecord r = Record(array, i);
-        if (r.type != 0 && r.type != 1) continue;
-        if (!Crosses(e.TranslateY(r.value), e.TranslateY(r.solid), e.TranslateY(r.end))) continue;
-        pen = r.type == 0 ? &thin : &thick;
-        break;
-    }
+    const QPen* pen = EntryState(array, f.first) == 1 ? &thick : &thin;
 
     for (int i = f.first; i < f.end; ++i, xPos_ += f.step) {
         const fxChartTypeRecord r = Record(array, i);
@@ -53,8 +43,14 @@ void KagiData::Draw(QPainter& painter, fxDataPointArray* array) {
         const int yV = e.TranslateY(roundFloat(r.value, f.precision));
         const int yS = e.TranslateY(roundFloat(r.solid, f.precision));
         const int yE = e.TranslateY(roundFloat(r.end, f.precision));
-        painter.setPen(*pen);
         const bool crosses = Crosses(yV, yS, yE);
+        // A stroke that cannot show only passes its pen on.
+        if (!f.Drawn(i) || !stamps_.Shows(FigureStamps::Reach(xl, std::min({yV, yS, yE}), xr, std::max({yV, yS, yE}), 2))) {
+            if (crosses && r.type == 0) pen = &thin;
+            if (crosses && r.type == 1) pen = &thick;
+            continue;
+        }
+        painter.setPen(*pen);
         if (crosses && r.type == 0) {
             // Falling through the level: the part above it keeps the pen, the rest is thin.
             painter.drawLine(xl, yE, xr, yE);
@@ -79,6 +75,20 @@ void KagiData::Draw(QPainter& painter, fxDataPointArray* array) {
             painter.drawLine(xr, yV, xr, yE);
         }
     }
+}
+
+int KagiData::EntryState(const fxDataPointArray* array, int index) const {
+    // The line enters a record as thick or thin as the last crossing before it left it: the
+    // nearest crossing to the left decides, so the walk goes backwards and stops there
+    // instead of running over the whole history. Thin when there is none.
+    const ScaleEngine& e = *engine_;
+    for (int i = std::min(index, RecordCount(array)) - 1; i >= 0; --i) {
+        const fxChartTypeRecord r = Record(array, i);
+        if (r.type != 0 && r.type != 1) continue;
+        if (!Crosses(e.TranslateY(r.value), e.TranslateY(r.solid), e.TranslateY(r.end))) continue;
+        return r.type;
+    }
+    return 0;
 }
 
 bool KagiData::IsUnderMouse(const QPoint& point, fxDataPointArray* array, const QString& name,

@@ -16,6 +16,8 @@ public:
     KagiData(gx::Line* line, const boost::shared_ptr<ScaleEngine>& engine);
 
     void Draw(QPainter& painter, fxDataPointArray* array) override;
+    // 1 when the line enters record `index` thick, 0 when thin.
+    int EntryState(const fxDataPointArray* array, int index) const override;
     // A stroke is hit on its shoulder (a 3-row strip at the top of even columns, at the
     // bottom of odd ones) or on a 3-pixel strip around its vertical line.
     bool IsUnderMouse(const QPoint& point, fxDataPointArray* array, const QString& name,

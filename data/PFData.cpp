@@ -12,7 +12,7 @@ PFData::PFData(gx::Line* line, const boost::shared_ptr<ScaleEngine>& engine)
 
 void PFData::Draw(QPainter& painter, fxDataPointArray* array) {
     Frame f;
-    if (!BeginDraw(array, f)) return;
+    if (!BeginDraw(painter, array, f)) return;
     const ScaleEngine& e = *engine_;
     const QPen xPen = MakePen(f.colour0);
     const QPen oPen = MakePen(f.colour1);
@@ -30,24 +30,33 @@ void PFData::Draw(QPainter& painter, fxDataPointArray* array) {
 
     for (int i = f.first; i < f.end && budget > 0; ++i, xPos_ += f.step) {
         const fxChartTypeRecord r = Record(array, i);
+        // Records left undrawn still use up the budget as when drawn.
+        const bool drawn = f.Drawn(i);
         const int px = TruncToPixel(xPos_ + 0.5L);
         const long long boxes =
             static_cast<long long>(TruncToInt(std::fabs(static_cast<long double>(r.value) - r.end) /
                                                   r.step + 0.5L)) + 1;
         if (boxes < 1) continue;
         const bool rising = r.type != 0;
-        painter.setPen(rising ? xPen : oPen);
+        stamps_.UsePen(painter, rising ? xPen : oPen);
         const int x2 = TruncToPixel(px + 1 + step);
         float v = r.value;
+        // Each box's upper edge is the next one's lower edge.
+        int y1 = e.TranslateY(v);
         for (long long b = 0; b < boxes && budget > 0; ++b, --budget) {
-            const int y1 = e.TranslateY(v);
             const float next = v + r.step;
             const int y2 = e.TranslateY(next);
-            if (rising) {
-                painter.drawLine(px, y1, x2, y2);
-                painter.drawLine(px, y2, x2, y1);
-            } else {
-                painter.drawEllipse(QRect(QPoint(px, y1), QPoint(px + oWidth - 1, y2 - 1)));
+            if (drawn && rising) {
+                stamps_.Paint(painter, FigureStamps::Shape{kCross, x2 - px, y1 - y2},
+                              FigureStamps::Reach(px, y1, x2, y2), [&](QPainter& p, const QPoint& o) {
+                                  p.drawLine(px + o.x(), y1 + o.y(), x2 + o.x(), y2 + o.y());
+                                  p.drawLine(px + o.x(), y2 + o.y(), x2 + o.x(), y1 + o.y());
+                              });
+            } else if (drawn) {
+                const QRect oval(QPoint(px, y1), QPoint(px + oWidth - 1, y2 - 1));
+                stamps_.Paint(painter, FigureStamps::Shape{kNought, oWidth, y2 - 1 - y1},
+                              FigureStamps::Reach(px, y1, px + oWidth - 1, y2 - 1),
+                              [&](QPainter& p, const QPoint& o) { p.drawEllipse(oval.translated(o)); });
             }
             // When the float no longer moves, every remaining box is this one again; once the
             // stack has left the area by a whole area height, every later box is further out.
@@ -55,6 +64,7 @@ void PFData::Draw(QPainter& painter, fxDataPointArray* array) {
             v = next;
             if ((r.step > 0 && std::max(y1, y2) < aboveArea) || (r.step < 0 && std::min(y1, y2) > belowArea))
                 break;
+            y1 = y2;
         }
     }
 }

@@ -20,6 +20,9 @@ public:
     // what any visible part of a real chart holds (a window of a few thousand pixels shows
     // at most some hundred thousand boxes of one pixel). Boxes past it are not drawn.
     static constexpr long long kMaxBoxesPerDraw = 1000000;
+
+private:
+    enum Shapes { kCross, kNought };
 };
 
 }  // namespace pf

@@ -60,8 +60,9 @@ void PointData::AdvancePenStyle() {
         penStyle_ = Qt::SolidLine;
 }
 
-bool PointData::BeginDraw(const fxDataPointArray* array, Frame& frame) {
+bool PointData::BeginDraw(const QPainter& painter, const fxDataPointArray* array, Frame& frame) {
     if (!engine_) return false;
+    stamps_.Begin(painter);
     const ScaleEngine& e = *engine_;
     const int n = e.GetColumnCount();
     frame.step = e.GetXStep(static_cast<float>(n));
@@ -81,8 +82,26 @@ bool PointData::BeginDraw(const fxDataPointArray* array, Frame& frame) {
     frame.colour0 = static_cast<QRgb>(array->typeShow.color0);
     frame.colour1 = static_cast<QRgb>(array->typeShow.color1);
     frame.precision = array->precision;
+    frame.drawFrom = drawFrom_;
+    frame.drawTo = drawTo_;
     return true;
 }
+
+void PointData::DrawRecords(QPainter& painter, fxDataPointArray* array, int from, int to) {
+    drawFrom_ = from;
+    drawTo_ = to;
+    try {
+        Draw(painter, array);
+    } catch (...) {
+        drawFrom_ = INT_MIN;
+        drawTo_ = INT_MAX;
+        throw;
+    }
+    drawFrom_ = INT_MIN;
+    drawTo_ = INT_MAX;
+}
+
+int PointData::EntryState(const fxDataPointArray*, int) const { return 0; }
 
 QPen PointData::MakePen(QRgb colour, qreal width) const {
     return QPen(QBrush(QColor(colour), Qt::SolidPattern), width,

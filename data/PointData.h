@@ -18,9 +18,11 @@
 #include <QRgb>
 #include <QString>
 #include <boost/shared_ptr.hpp>
+#include <climits>
 #include <cstring>
 
 #include "abi/records/dpa_records.h"
+#include "data/FigureStamps.h"
 #include "data/ScaleEngine.h"
 
 class QPainter;
@@ -40,6 +42,18 @@ public:
 
     // Paints the visible records of `array`.
     virtual void Draw(QPainter& painter, fxDataPointArray* array) = 0;
+    // Paints only the visible records from index `from` up to `to` (exclusive), each exactly
+    // as Draw paints it; the walk, the x reached and the pen carried from record to record
+    // are those of Draw.
+    void DrawRecords(QPainter& painter, fxDataPointArray* array, int from, int to);
+    // What a record's drawing takes over from the records before `index` (the Kagi line's
+    // thickness); 0 for renderers that draw every record on its own.
+    virtual int EntryState(const fxDataPointArray* array, int index) const;
+    // Every pixel of the record drawn at x position x (see Draw) lies at or right of
+    // x + 0.5 truncated less kReachLeft, and at or left of that plus the column width
+    // rounded up and kReachRight.
+    static constexpr int kReachLeft = 3;
+    static constexpr int kReachRight = 5;
     // The x position (widget pixels) reached by the last Draw.
     virtual float GetXPos() const { return xPos_; }
     virtual void SetStepX(float step) { stepX_ = step; }
@@ -91,13 +105,16 @@ protected:
         QRgb colour0 = 0;     // header colour word 0: X boxes, rising bricks, thick Kagi line
         QRgb colour1 = 0;     // header colour word 1: O boxes, falling bricks, thin Kagi line
         int precision = 0;
+        int drawFrom = 0;     // records outside drawFrom .. drawTo - 1 are walked, not drawn
+        int drawTo = 0;
+        bool Drawn(int index) const { return index >= drawFrom && index < drawTo; }
     };
 
     // The common start of Draw: the column width is handed to SetStepX, x starts at the
-    // engine's left edge and the pen style advances. Returns false when nothing is to be
-    // drawn: no visible column, a first column past the last drawable one (or negative),
-    // no readable record.
-    bool BeginDraw(const fxDataPointArray* array, Frame& frame);
+    // engine's left edge, the pen style advances and the stamps learn about the painter.
+    // Returns false when nothing is to be drawn: no visible column, a first column past the
+    // last drawable one (or negative), no readable record.
+    bool BeginDraw(const QPainter& painter, const fxDataPointArray* array, Frame& frame);
 
     // A pen in `colour` with the current style, square caps and bevel joins.
     QPen MakePen(QRgb colour, qreal width = 1.0) const;
@@ -113,6 +130,9 @@ protected:
     boost::shared_ptr<ScaleEngine> engine_;
     float xPos_ = 0.0f;
     float stepX_ = 0.0f;
+    FigureStamps stamps_;
+    int drawFrom_ = INT_MIN;
+    int drawTo_ = INT_MAX;
 
 private:
     void AdvancePenStyle();

@@ -10,23 +10,28 @@ RenkoData::RenkoData(gx::Line* line, const boost::shared_ptr<ScaleEngine>& engin
 
 void RenkoData::Draw(QPainter& painter, fxDataPointArray* array) {
     Frame f;
-    if (!BeginDraw(array, f)) return;
+    if (!BeginDraw(painter, array, f)) return;
     const ScaleEngine& e = *engine_;
     const QPen risePen = MakePen(f.colour0);
     const QPen fallPen = MakePen(f.colour1);
 
     for (int i = f.first; i < f.end; ++i, xPos_ += f.step) {
+        if (!f.Drawn(i)) continue;
         const fxChartTypeRecord r = Record(array, i);
         const int px = TruncToPixel(xPos_ + 0.5L);
         const int y1 = e.TranslateY(r.value);
         const int y2 = e.TranslateY(r.value + r.step);
         // Unlike the X box, the brick's right side has no extra pixel.
         const int xr = TruncToPixel(static_cast<long double>(xPos_) + f.step + 0.5L);
-        painter.setPen(r.type != 0 ? risePen : fallPen);
-        painter.drawLine(px, y1, px, y2);
-        painter.drawLine(px, y1, xr, y1);
-        painter.drawLine(px, y2, xr, y2);
-        painter.drawLine(xr, y1, xr, y2);
+        stamps_.UsePen(painter, r.type != 0 ? risePen : fallPen);
+        stamps_.Paint(painter, FigureStamps::Shape{0, xr - px, y1 - y2}, FigureStamps::Reach(px, y1, xr, y2),
+                      [&](QPainter& p, const QPoint& o) {
+                          const int left = px + o.x(), right = xr + o.x(), a = y1 + o.y(), b = y2 + o.y();
+                          p.drawLine(left, a, left, b);
+                          p.drawLine(left, a, right, a);
+                          p.drawLine(left, b, right, b);
+                          p.drawLine(right, a, right, b);
+                      });
     }
 }
 

@@ -58,6 +58,19 @@ public:
     static bool Enabled();
 
 private:
+    // What the pixels of a picture were drawn from.
+    struct Snapshot {
+        QByteArray view;     // the rectangle, the engine's transform and columns, the painter, the header
+        int first = 0;       // the records drawn: first .. end - 1
+        int end = 0;
+        QByteArray records;  // their bytes
+        unsigned generation = 0;
+        const void* array = nullptr;
+        const void* points = nullptr;
+        QByteArray overlay;  // the overlay's key; empty without one
+        int entry = 0;       // what the first record took over from those before it
+    };
+
     // Whether the picture can stand for drawing directly through this painter.
     bool Usable(const QPainter& painter, const QRect& rect, const pf::PointData& renderer,
                 const fxDataPointArray* array, bool selected) const;
@@ -66,12 +79,22 @@ private:
     // Draws the figures, then the overlay if there is one, into a new picture covering `area`.
     void Render(const QPainter& painter, const QRect& rect, const QRect& area, pf::PointData& renderer,
                 fxDataPointArray* array, const std::function<void(QPainter&)>* overlay);
-    QByteArray Key(const QPainter& painter, const QRect& rect, const pf::PointData& renderer,
-                   const fxDataPointArray* array, unsigned generation) const;
+    Snapshot Describe(const QPainter& painter, const QRect& rect, const pf::PointData& renderer,
+                      const fxDataPointArray* array, unsigned generation) const;
+    bool Same(const Snapshot& now) const;
+    // Brings a picture without overlay up to `now` by drawing only what changed: the records
+    // from the first one that differs, and, when the view moved on by whole pixels, what
+    // comes into view at the right after the picture is scrolled. False when that cannot
+    // give exactly the pixels of a new picture.
+    bool Update(const QPainter& painter, const QRect& rect, pf::PointData& renderer, fxDataPointArray* array,
+                const Snapshot& now);
+    // Draws the picture's columns x0 .. x1 (painter coordinates) anew.
+    void Redraw(const QPainter& painter, const QRect& rect, pf::PointData& renderer, fxDataPointArray* array,
+                const Snapshot& now, int x0, int x1);
 
     QImage image_;
     QRect area_;  // where the picture goes, in the painter's coordinates
-    QByteArray key_;
+    Snapshot kept_;
     pf::PointData::DrawState state_{};
 };
 

@@ -10,6 +10,10 @@
 // the next; so is a paint through a painter that scales, rotates, blends or antialiases
 // (the chart's own painters do none of these; a blended copy could differ in the last bit).
 //
+// When only the newest records changed (a quote grew the newest column or added one) and
+// the view stayed, or moved on by whole pixels, the picture is brought up to date by
+// drawing again just the pixel columns those records reach (see Update).
+//
 // A line's studies join the picture while none is being placed or moved (see Line::Draw).
 //
 // The picture is drawn from the painter's own state into a transparent image and blitted

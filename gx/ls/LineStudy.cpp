@@ -363,7 +363,9 @@ int LineStudy::PointY(const lsPointShape& point) const { return engine_ ? engine
 // ---- drawing and hit tests ----
 
 int LineStudy::OutPointsUsed() const {
-    const int returned = std::max(0, std::min<int>(cps_.outCount, static_cast<int>(out_.size())));
+    // The packed record's count is copied first: std::min takes its operands by reference.
+    const int written = cps_.outCount;
+    const int returned = std::max(0, std::min(written, static_cast<int>(out_.size())));
     int n = 0;
     while (n < returned) {
         if (out_[std::size_t(n++)].m_typePoint == LS_POINT_LAST) break;
@@ -372,7 +374,8 @@ int LineStudy::OutPointsUsed() const {
 }
 
 int LineStudy::ShapesUsed() const {
-    return std::max(0, std::min<int>(cps_.shapeCount, static_cast<int>(shapes_.size())));
+    const int written = cps_.shapeCount;
+    return std::max(0, std::min(written, static_cast<int>(shapes_.size())));
 }
 
 int LineStudy::InPointsUsed() const {

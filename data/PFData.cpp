@@ -47,7 +47,11 @@ void PFData::Draw(QPainter& painter, fxDataPointArray* array) {
                 painter.drawLine(px, y1, x2, y2);
                 painter.drawLine(px, y2, x2, y1);
             } else {
-                painter.drawEllipse(QRect(QPoint(px, y1), QPoint(px + oWidth - 1, y2 - 1)));
+                // Between (px, y1) and (px + oWidth - 1, y2 - 1), given upper corner first: the
+                // painter would turn a rectangle the wrong way up itself, and Qt 6 moves its
+                // corners in by one where Qt 5 does not.
+                const bool up = y2 < y1;
+                painter.drawEllipse(QRect(QPoint(px, up ? y2 - 1 : y1), QPoint(px + oWidth - 1, up ? y1 : y2 - 1)));
             }
             // When the float no longer moves, every remaining box is this one again; once the
             // stack has left the area by a whole area height, every later box is further out.

@@ -10,7 +10,8 @@
 # folder of its own rather than the linker's search path, without the libPFChartModule.so
 # development link. pfhost finds it and the examples relative to its own folder, so the
 # installed tree works wherever it is unpacked. `cpack -G DEB` (or the `package` target)
-# makes pfchartmodule_<version>_<arch>.deb with the prefix /usr.
+# makes pfchartmodule-qt<5|6>_<version>_<arch>.deb with the prefix /usr: the module must run on
+# its terminal's Qt, so the package says which one it was built against.
 include(GNUInstallDirs)
 
 set(PF_INSTALL_MODULE_DIR "lib/PFChartModule" CACHE STRING
@@ -32,19 +33,30 @@ set_property(SOURCE host/InstallPaths.cpp APPEND PROPERTY COMPILE_DEFINITIONS
   PF_INSTALLED_EXAMPLES="${PF_EXAMPLES_FROM_BIN}")
 
 set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_NAME pfchartmodule)
+set(CPACK_PACKAGE_NAME pfchartmodule-qt${PF_QT_VERSION})
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY
     "Point and Figure, Renko and Kagi chart module for a trading terminal")
 set(CPACK_PACKAGE_DESCRIPTION
     "libPFChartModule.so.1, the chart plug-in module a trading terminal loads at run time, \
-with pfhost, an emulator of the terminal that loads it, and example price data.")
+with pfhost, an emulator of the terminal that loads it, and example price data. \
+Built for terminals on Qt ${PF_QT_VERSION}.")
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "PFChartModule developers")
 set(CPACK_DEBIAN_PACKAGE_SECTION misc)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-# Depends from the Qt and C++ libraries the two binaries use; the charts need a font.
+# Depends from the Qt and C++ libraries the two binaries use; the charts need a font. Qt 6
+# keeps its platform plugins (offscreen, xcb), which pfhost cannot start without, in a package
+# of their own; Qt 5 has them in libqt5gui5.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+if(PF_QT_VERSION EQUAL 6)
+  set(CPACK_DEBIAN_PACKAGE_DEPENDS qt6-qpa-plugins)
+endif()
+# The Qt 5 and the Qt 6 package hold the same files: either one is installed, and each takes
+# the other's place (and that of the earlier package named pfchartmodule).
+set(CPACK_DEBIAN_PACKAGE_PROVIDES pfchartmodule)
+set(CPACK_DEBIAN_PACKAGE_CONFLICTS pfchartmodule)
+set(CPACK_DEBIAN_PACKAGE_REPLACES pfchartmodule)
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS fonts-dejavu-core)
 # The debug information stays in the build tree; stripping keeps the dynamic symbols.
 set(CPACK_STRIP_FILES ON)

@@ -20,7 +20,7 @@ int Send(const CModule* module, unsigned int message, const void* p1, const void
 QString WideField(const coreWChar* field, int size) {
     int n = 0;
     while (n < size && field[n]) ++n;
-    return QString::fromUtf16(field, n);
+    return QString::fromUtf16(reinterpret_cast<const char16_t*>(field), n);
 }
 
 constexpr int kNameUnits = sizeof(coreNameInstrument::name) / sizeof(coreWChar);

@@ -1,7 +1,5 @@
 #include "data/KVLineBase.h"
 
-#include <QTextCodec>
-
 #include <algorithm>
 #include <climits>
 #include <cstdio>
@@ -31,7 +29,7 @@ unsigned char* NameField(fxDataPointArray* header) {
 // Copies `text` into the UTF-16 name field. Longer input is cut at 254 units and terminated
 // (never inside a surrogate pair) instead of running past the field.
 void CopyName16(unsigned char* field, const QString& text) {
-    int n = std::min(text.size(), kNameUnits - 1);
+    int n = std::min(int(text.size()), kNameUnits - 1);
     if (n < text.size() && n > 0 && text.at(n - 1).isHighSurrogate()) --n;
     std::memcpy(field, text.utf16(), sizeof(coreWChar) * static_cast<std::size_t>(n));
     const coreWChar terminator = 0;
@@ -43,20 +41,18 @@ QString ReadName16(const unsigned char* field) {
     std::memcpy(units, field, sizeof units);
     int n = 0;
     while (n < kNameUnits && units[n] != 0) ++n;
-    return QString::fromUtf16(units, n);
+    return QString::fromUtf16(reinterpret_cast<const char16_t*>(units), n);
 }
 
 // Converts `text` to local 8-bit into a field of kText8Bytes bytes. Input of 255 bytes or more
-// is cut at 254 bytes and terminated (at a character boundary in a UTF-8 locale) instead of
-// overflowing the field.
+// keeps the whole characters that fit in 254 bytes (never half of one, in any locale) and is
+// terminated instead of overflowing the field.
 void CopyText8(char* field, const QString& text) {
-    QByteArray bytes = text.left(kText8Bytes - 1).toLocal8Bit();
-    if (bytes.size() > kText8Bytes - 1) {
-        int n = kText8Bytes - 1;
-        const QTextCodec* codec = QTextCodec::codecForLocale();
-        if (codec && codec->mibEnum() == 106)  // UTF-8: do not keep half a character
-            while (n > 0 && (static_cast<unsigned char>(bytes[n]) & 0xC0) == 0x80) --n;
-        bytes.truncate(n);
+    int n = std::min(int(text.size()), kText8Bytes - 1);
+    QByteArray bytes = text.left(n).toLocal8Bit();
+    while (bytes.size() > kText8Bytes - 1) {
+        n -= (n > 1 && text.at(n - 1).isLowSurrogate()) ? 2 : 1;
+        bytes = text.left(n).toLocal8Bit();
     }
     std::memcpy(field, bytes.constData(), static_cast<std::size_t>(bytes.size()));
     field[bytes.size()] = '\0';
@@ -454,7 +450,7 @@ void CKVLineBase::GetStringRepresentation(QString& out) const {
     const std::size_t rowGuess = (hasTime ? 18u : 0u) + static_cast<std::size_t>(columns) * (12u + precision) + 1u;
     text.reserve(text.size() + std::min<std::size_t>(rowGuess * static_cast<std::size_t>(count), 1u << 26));
     // The text has to fit in a QString next to what `out` already holds.
-    const std::size_t limit = static_cast<std::size_t>(std::max(0, (INT_MAX / 2 - 16) - out.size()));
+    const std::size_t limit = static_cast<std::size_t>(std::max(0, (INT_MAX / 2 - 16) - int(out.size())));
 
     static const std::string kTimeFormat = "%d/%m/%y %H:%M:%S";
     CKVTime clock(0);

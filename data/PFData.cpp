@@ -53,7 +53,11 @@ void PFData::Draw(QPainter& painter, fxDataPointArray* array) {
                                   p.drawLine(px + o.x(), y2 + o.y(), x2 + o.x(), y1 + o.y());
                               });
             } else if (drawn) {
-                const QRect oval(QPoint(px, y1), QPoint(px + oWidth - 1, y2 - 1));
+                // Between (px, y1) and (px + oWidth - 1, y2 - 1), given upper corner first: the
+                // painter would turn a rectangle the wrong way up itself, and Qt 6 moves its
+                // corners in by one where Qt 5 does not.
+                const bool up = y2 < y1;
+                const QRect oval(QPoint(px, up ? y2 - 1 : y1), QPoint(px + oWidth - 1, up ? y1 : y2 - 1));
                 stamps_.Paint(painter, FigureStamps::Shape{kNought, oWidth, y2 - 1 - y1},
                               FigureStamps::Reach(px, y1, px + oWidth - 1, y2 - 1),
                               [&](QPainter& p, const QPoint& o) { p.drawEllipse(oval.translated(o)); });

@@ -24,6 +24,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "util/QtCompat.h"
+
 class QEvent;
 
 namespace pf {
@@ -92,7 +94,7 @@ protected:
     PF_GUARD_HANDLER(T, keyReleaseEvent, QKeyEvent)
     PF_GUARD_HANDLER(T, focusInEvent, QFocusEvent)
     PF_GUARD_HANDLER(T, focusOutEvent, QFocusEvent)
-    PF_GUARD_HANDLER(T, enterEvent, QEvent)
+    PF_GUARD_HANDLER(T, enterEvent, pf::EnterEvent)
     PF_GUARD_HANDLER(T, leaveEvent, QEvent)
     PF_GUARD_HANDLER(T, paintEvent, QPaintEvent)
     PF_GUARD_HANDLER(T, moveEvent, QMoveEvent)

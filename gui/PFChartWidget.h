@@ -24,6 +24,7 @@
 
 #include "abi/records.h"
 #include "gui/CSimpleGUIWidget.h"
+#include "util/QtCompat.h"
 
 class QMenu;
 class QAction;
@@ -320,7 +321,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    void enterEvent(QEvent* event) override;
+    void enterEvent(pf::EnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
     bool event(QEvent* event) override;
 

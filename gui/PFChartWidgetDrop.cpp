@@ -9,6 +9,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPointer>
+#include <QPushButton>
 #include <cstring>
 
 #include "abi/messages.h"
@@ -22,6 +23,7 @@
 #include "gx/Visitors.h"
 #include "gx/Walkers.h"
 #include "module/PFChartModule.h"
+#include "util/QtCompat.h"
 
 namespace {
 
@@ -81,7 +83,7 @@ void PFChartWidget::dropEvent(QDropEvent* event) {
         void* const provider = record.baseHandle;
         const std::int32_t color = record.style;
         event->acceptProposedAction();
-        StartLineStudy(event->pos(), provider, QString::fromLocal8Bit(record.symbol),
+        StartLineStudy(pf::EventPos(event), provider, QString::fromLocal8Bit(record.symbol),
                        static_cast<std::uint32_t>(color), true);
         repaint();
         return;
@@ -111,14 +113,20 @@ bool PFChartWidget::IsReplaceInstrument() {
 
     const QPointer<PFChartWidget> self(this);
     replacePending_ = true;
-    // Button 0 is Yes, button 1 No; Escape answers No.
-    const int answer = QMessageBox::question(this, DataTypeShow2StringLocale(chartType_),
-                                             module_ ? module_->tr("C0111Message") : QStringLiteral("Replace instrument?"),
-                                             module_ ? module_->tr("C0078") : QStringLiteral("Yes"),
-                                             module_ ? module_->tr("C0077") : QStringLiteral("No"), QString(), 0, 1);
+    // Two plain buttons, Yes the default and No the Escape button (the box Qt's static
+    // question with button texts made). The box goes with the window if the window goes
+    // while it is open.
+    const QPointer<QMessageBox> question(new QMessageBox(QMessageBox::Question, DataTypeShow2StringLocale(chartType_),
+        module_ ? module_->tr("C0111Message") : QStringLiteral("Replace instrument?"), QMessageBox::NoButton, this));
+    QPushButton* yes = question->addButton(module_ ? module_->tr("C0078") : QStringLiteral("Yes"), QMessageBox::ActionRole);
+    question->setEscapeButton(question->addButton(module_ ? module_->tr("C0077") : QStringLiteral("No"), QMessageBox::ActionRole));
+    question->setDefaultButton(yes);
+    question->exec();
+    const bool replace = question && question->clickedButton() == yes;
+    delete question.data();
     if (!self) return false;  // the window went while the question was open
     replacePending_ = false;
-    if (answer == 0) {
+    if (replace) {
         // Replacing: every line of the chart goes, the new instrument takes its place.
         for (const boost::shared_ptr<gx::Area>& area : std::vector<boost::shared_ptr<gx::Area> >(chart_->GetAreas()))
             gx::WidgetWalker<gx::SelectAreaLines>(chart_.get(), gx::SelectAreaLines(area.get())).Walk();

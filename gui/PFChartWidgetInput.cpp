@@ -174,7 +174,7 @@ void PFChartWidget::keyPressEvent(QKeyEvent* event) {
     event->accept();
 }
 
-void PFChartWidget::enterEvent(QEvent*) { SetCursor(); }
+void PFChartWidget::enterEvent(pf::EnterEvent*) { SetCursor(); }
 
 void PFChartWidget::leaveEvent(QEvent*) {
     mousePos_ = QPoint(-1, -1);

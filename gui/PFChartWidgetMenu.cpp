@@ -31,6 +31,7 @@
 #include "gx/Walkers.h"
 #include "module/AccountList.h"
 #include "module/PFChartModule.h"
+#include "util/QtCompat.h"
 
 namespace {
 
@@ -191,7 +192,7 @@ QString PFChartWidget::GetTradeInstrument() const { return InstrumentOf(TradeLin
 void PFChartWidget::OnHovered(QAction* action) {
     if (!action) return;
     // The menu that holds the action: an account's own menu under several accounts.
-    for (QWidget* holder : action->associatedWidgets())
+    for (QObject* holder : pf::ActionHolders(action))
         if (const QMenu* menu = qobject_cast<const QMenu*>(holder)) {
             lastHover_ = menu->title();
             return;

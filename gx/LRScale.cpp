@@ -14,6 +14,7 @@
 #include "gx/FigurePicture.h"
 #include "gx/FindMinMax.h"
 #include "module/CModule.h"
+#include "util/QtCompat.h"
 
 namespace gx {
 
@@ -209,7 +210,7 @@ int LRScale::LabelHeight(const QPainter& painter) const {
     QPaintDevice* device = painter.device();
     const int dpiX = device->logicalDpiX(), dpiY = device->logicalDpiY();
     if (measure_.key.isEmpty() || dpiX != measure_.dpiX || dpiY != measure_.dpiY || !(font_ == measure_.font) ||
-        font_.resolve() != measure_.font.resolve()) {
+        pf::FontResolveMask(font_) != pf::FontResolveMask(measure_.font)) {
         measure_.font = font_;
         measure_.dpiX = dpiX;
         measure_.dpiY = dpiY;

@@ -30,7 +30,12 @@ void SetBackgroundColor(QWidget* widget, const QColor& color) {
 
 namespace util {
 
-bool PtInRect(const QRect& rect, const QPoint& point) { return rect.normalized().contains(point); }
+// Between the corners whichever way round they are, both included (QRect::normalized moves
+// the corners of a backwards rectangle in by one on Qt 6, not on Qt 5).
+bool PtInRect(const QRect& rect, const QPoint& point) {
+    return std::min(rect.left(), rect.right()) <= point.x() && point.x() <= std::max(rect.left(), rect.right()) &&
+           std::min(rect.top(), rect.bottom()) <= point.y() && point.y() <= std::max(rect.top(), rect.bottom());
+}
 
 bool PtInLine(const QRect& segment, const QPoint& point, int tolerance) {
     return PtInLine(segment.topLeft(), segment.bottomRight(), point, tolerance);

@@ -42,7 +42,7 @@ std::intptr_t P(const void* p) { return reinterpret_cast<std::intptr_t>(p); }
 QString readTitle(const coreWChar* text) {
     int n = 0;
     while (n < kMaxTitle && text[n]) ++n;
-    return QString::fromUtf16(text, n);
+    return QString::fromUtf16(reinterpret_cast<const char16_t*>(text), n);
 }
 
 bool holdsWidgets(const QWidget* container) {
@@ -189,7 +189,7 @@ QString ChartWindows::displayName(data::ChartType type, QByteArray* icon) {
     // The module writes the icon's size only when the icon fitted.
     const std::int32_t size = record.iconSize;
     if (icon && size > 0 && size < kIconCapacity) *icon = buffer.left(size);
-    return QString::fromUtf16(name);
+    return QString::fromUtf16(reinterpret_cast<const char16_t*>(name));
 }
 
 QImage ChartWindows::grab(void* widget, const QSize& size) {
@@ -241,7 +241,7 @@ ChartWindows::Caption ChartWindows::caption(void* widget) {
                             "caption of " + hex(widget) + " in " + std::to_string(units) + " units");
     const auto end = std::find(buffer.begin(), buffer.begin() + units, coreWChar(0));
     out.terminated = end != buffer.begin() + units;
-    out.text = QString::fromUtf16(buffer.data(), int(end - buffer.begin()));
+    out.text = QString::fromUtf16(reinterpret_cast<const char16_t*>(buffer.data()), int(end - buffer.begin()));
     out.overrun = std::any_of(buffer.begin() + units, buffer.end(), [kFill](coreWChar u) { return u != kFill; });
     return out;
 }

@@ -24,7 +24,7 @@ QString wide(const coreWChar* text) {
     if (!text) return QString();
     int n = 0;
     while (text[n] && n < 1 << 20) ++n;
-    return QString::fromUtf16(text, n);
+    return QString::fromUtf16(reinterpret_cast<const char16_t*>(text), n);
 }
 
 // The host's two date formatting functions handed over with 3207.

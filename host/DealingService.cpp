@@ -54,7 +54,7 @@ fxdDealAccount DealingService::makeAccount(void* dealing, int id, const QString&
     // Handles of this host fit the record's 32-bit word.
     account.dealHandle = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(dealing));
     account.accountId = id;
-    const int n = std::min(name.size(), int(sizeof account.name / sizeof account.name[0]) - 1);
+    const int n = std::min(int(name.size()), int(sizeof account.name / sizeof account.name[0]) - 1);
     std::memcpy(account.name, name.utf16(), std::size_t(n) * sizeof(coreWChar));
     return account;
 }
@@ -209,7 +209,7 @@ QString DealingService::accountName(void* dealing, std::int32_t accountId) const
         if (a.accountId == accountId) {
             std::size_t n = 0;
             while (n < sizeof a.name / sizeof a.name[0] && a.name[n]) ++n;
-            return QString::fromUtf16(reinterpret_cast<const ushort*>(a.name), int(n));
+            return QString::fromUtf16(reinterpret_cast<const char16_t*>(a.name), int(n));
         }
     return QString();
 }

@@ -1,7 +1,6 @@
 #include "host/DragData.h"
 
 #include <QMimeData>
-#include <QTextCodec>
 
 namespace host {
 namespace drag {
@@ -21,9 +20,9 @@ const char kStudyWord[] = "study";
 bool readText(QByteArray bytes, QString* text) {
     while (bytes.endsWith('\0')) bytes.chop(1);
     if (bytes.isEmpty() || bytes.size() > kMaxBytes || bytes.contains('\0')) return false;
-    QTextCodec::ConverterState state;
-    const QString decoded = QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
-    if (state.invalidChars > 0 || state.remainingChars > 0) return false;
+    // Bytes that are not UTF-8 decode to replacement characters, which encode differently.
+    const QString decoded = QString::fromUtf8(bytes);
+    if (decoded.toUtf8() != bytes) return false;
     *text = decoded;
     return true;
 }

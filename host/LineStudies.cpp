@@ -280,7 +280,7 @@ int LineStudies::title(void* target, std::intptr_t id, coreWChar* buffer, std::s
     Study* s = target == handle_ ? find(std::int32_t(id)) : nullptr;
     if (!s || !buffer) return 1;
     const QString text = ls::studyTitle(s->kind);
-    const int n = std::min(text.size(), LS_TITLE_CHARS - 1);
+    const int n = std::min(int(text.size()), LS_TITLE_CHARS - 1);
     std::memcpy(buffer, text.utf16(), std::size_t(n) * sizeof(coreWChar));
     buffer[n] = 0;
     detail = "title \"" + text.toStdString() + "\"";

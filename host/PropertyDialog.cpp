@@ -29,11 +29,11 @@ constexpr int kMaxListItems = 4096;
 QString ReadUni(const coreWChar* field, int units) {
     int n = 0;
     while (n < units && field[n] != 0) ++n;
-    return QString::fromUtf16(field, n);
+    return QString::fromUtf16(reinterpret_cast<const char16_t*>(field), n);
 }
 
 void WriteUni(coreWChar* field, int units, const QString& text) {
-    const int n = std::min(text.size(), units - 1);
+    const int n = std::min(int(text.size()), units - 1);
     std::memcpy(field, text.utf16(), sizeof(coreWChar) * std::size_t(n));
     field[n] = 0;
 }
@@ -41,7 +41,7 @@ void WriteUni(coreWChar* field, int units, const QString& text) {
 // A text entry's value may fill its whole field; the terminator follows only when there is
 // room, and the rest of the field is zeroed.
 void FillUni(coreWChar* field, int units, const QString& text) {
-    const int n = std::min(text.size(), units);
+    const int n = std::min(int(text.size()), units);
     std::memcpy(field, text.utf16(), sizeof(coreWChar) * std::size_t(n));
     std::fill(field + n, field + units, coreWChar(0));
 }

@@ -10,7 +10,7 @@ QString OneHandleAccount::GetAccountName() const {
     const int capacity = int(sizeof account_.name / sizeof account_.name[0]);
     int n = 0;
     while (n < capacity && account_.name[n]) ++n;
-    return QString::fromUtf16(account_.name, n);
+    return QString::fromUtf16(reinterpret_cast<const char16_t*>(account_.name), n);
 }
 
 bool AccountList::addToAccountList(const fxdDealAccount& account, void* dealHandle) {

@@ -73,7 +73,7 @@ int ChartInterface::GetUnicodeWindowComponentName(fxwcNameCompUnicode* name) {
         std::memcpy(name->iconBuffer, png.constData(), static_cast<std::size_t>(png.size()));
     }
     const QString text = module_ ? module_->tr(traits_.displayKey) : QString::fromLatin1(traits_.displayKey);
-    const int n = std::min(text.size(), 500);
+    const int n = std::min(int(text.size()), 500);
     std::memset(name->name, 0, sizeof name->name);
     std::memcpy(name->name, text.utf16(), sizeof(coreWChar) * static_cast<std::size_t>(n));
     name->zero = 0;
@@ -201,7 +201,7 @@ int ChartInterface::FxWindowComponentGetCaption(const fxwcGetCaption* record, co
     if (!IsListed(request.widget) || !reply) return 1;
     const QString title = static_cast<PFChartWidget*>(request.widget)->UpdateTitle();
     // The whole title with its terminator; a title is a host string, bounded by its limit.
-    const int units = std::min(title.size(), int(FXWC_TITLE_MAX_UNITS));
+    const int units = std::min(int(title.size()), int(FXWC_TITLE_MAX_UNITS));
     std::memcpy(reply, title.utf16(), sizeof(coreWChar) * static_cast<std::size_t>(units));
     // The host's buffer may sit at any address: the terminator is copied like the text.
     const coreWChar terminator = 0;

@@ -105,10 +105,10 @@ int Log::SendMessage() {
     return sink_(&message);
 }
 
-QString Log::Text() const { return QString::fromUtf16(text_, length_ - 1); }
+QString Log::Text() const { return QString::fromUtf16(reinterpret_cast<const char16_t*>(text_), length_ - 1); }
 
 QString Log::Name() const {
-    return name_.empty() ? QString() : QString::fromUtf16(name_.data(), int(name_.size()) - 1);
+    return name_.empty() ? QString() : QString::fromUtf16(reinterpret_cast<const char16_t*>(name_.data()), int(name_.size()) - 1);
 }
 
 void Log::Append(const ushort* units, int count) {

@@ -57,7 +57,7 @@ int PFChartModule::LoadSkinFromHost(const coreWChar* text) {
         LogHelper::ShowLogInfo(1, 3, QStringLiteral("Skin not read: the path has no end within %1 units").arg(kMaxUnits));
         return 1;
     }
-    const QString path = QString::fromUtf16(units, length);
+    const QString path = QString::fromUtf16(reinterpret_cast<const char16_t*>(units), length);
     const int result = LoadSkin(path);
     if (result != 0) LogHelper::ShowLogInfo(1, 3, QStringLiteral("Skin not read from \"%1\"").arg(path));
     return result;

@@ -280,7 +280,7 @@ QString PFChartModule::GetWorkFolder() {
     std::vector<coreWChar> buffer(CORE_WORK_FOLDER_BUFFER / sizeof(coreWChar), 0);
     if (sendToHost(window, MSG_MAIN_WORK_FOLDER, Param(buffer.data()), 0) != 0) return QString();
     buffer.back() = 0;  // a folder that fills the buffer ends at the buffer's end
-    return QString::fromUtf16(buffer.data());
+    return QString::fromUtf16(reinterpret_cast<const char16_t*>(buffer.data()));
 }
 
 CXMLWorkData* PFChartModule::getDefaultXml() {

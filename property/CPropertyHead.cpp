@@ -197,7 +197,7 @@ bool CPropertyHead::ChangePropertyListItem(int group, int index, QStringList ite
     if (!p->value) p->value = new std::uint8_t[sizeof list]();
     else std::memcpy(&list, p->value, sizeof list);
     delete[] list.items;
-    const int count = std::min(items.size(), int(kMaxListItems));
+    const int count = std::min(int(items.size()), int(kMaxListItems));
     list.items = CopyItems(nullptr, count);
     for (int i = 0; i < count; ++i) property::WriteUni(list.items[i].text, PROPERTY_NAME_UNITS, items[i]);
     list.count = count;

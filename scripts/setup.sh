@@ -7,6 +7,7 @@ set -euo pipefail
 PACKAGES=(
   build-essential cmake ninja-build pkg-config
   qtbase5-dev qtbase5-dev-tools
+  qt6-base-dev qt6-base-dev-tools libgl-dev  # the Qt 6 build: PF_QT_VERSION=6
   libboost-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   g++-multilib

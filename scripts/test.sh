@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # Builds and runs every test: the release build with the unit, integration, export,
-# package and 32-bit layout tests; a clang build with AddressSanitizer and UndefinedBehaviorSanitizer
+# package and 32-bit layout tests, against Qt 5 and again against Qt 6 (build/qt6, without the
+# benchmarks); a clang build with AddressSanitizer and UndefinedBehaviorSanitizer
 # running the same tests (a short endurance run among them, under the leak checker); the fuzz
 # targets for a bounded time with leak detection; and a short run of each benchmark so that
-# they stay working. Installs missing packages first.
+# they stay working. The sanitizer build, the fuzzing, the benchmarks and the i386 run use
+# Qt 5. Installs missing packages first. Each stage's time is shown at the end.
 #
 #   PF_FUZZ_SECONDS   seconds per fuzz target (default 30; at least 60 for the two that play
 #                     the host, fuzz_host_messages and fuzz_chart_input)
@@ -17,6 +19,17 @@ jobs=$(nproc)
 passed=0
 failed=0
 summary=()
+counts=()
+times=()
+stage_name=""
+stage_start=$SECONDS
+
+stage() {  # name: ends the running stage (its time goes into the summary), starts the next
+    [ -z "$stage_name" ] || times+=("$stage_name $((SECONDS - stage_start)) s")
+    stage_name=$1
+    stage_start=$SECONDS
+    [ -z "$1" ] || echo "== $1"
+}
 
 build() {  # build-dir: compile quietly, show the log's end when it fails
     if ! cmake --build "$1" -j"$jobs" >"$1/build.log" 2>&1; then
@@ -44,15 +57,17 @@ tally() {  # ctest-output exit-code label: adds ctest's counts to the totals
     fails=$(echo "$line" | sed -E 's/.* ([0-9]+) tests failed.*/\1/')
     passed=$((passed + total - fails)); failed=$((failed + fails))
     summary+=("$3: $((total - fails)) of $total passed")
+    counts+=("$3 $((total - fails))/$total")
     [ "$2" -eq 0 ] || [ "$fails" -gt 0 ] || { failed=$((failed + 1)); summary+=("$3: ctest exit $2"); }
 }
 
-echo "== release build"
+stage "release build (Qt 5)"
 cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 build build/release
+stage "release tests (Qt 5)"
 run_ctest build/release release
 
-echo "== benchmarks (smoke run)"
+stage "benchmarks (smoke run)"
 for b in build/release/bench/bench_*; do
     [ -f "$b" ] && [ -x "$b" ] || continue
     if "$b" --benchmark_min_time=0.01 >/dev/null 2>&1; then
@@ -62,14 +77,22 @@ for b in build/release/bench/bench_*; do
     fi
 done
 
+# The same tests against Qt 6. The benchmarks measure the same code and stay with Qt 5.
+stage "release build (Qt 6)"
+cmake -S . -B build/qt6 -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DPF_QT_VERSION=6 -DPF_BENCH=OFF >/dev/null
+build build/qt6
+stage "release tests (Qt 6)"
+run_ctest build/qt6 qt6
+
 if [ "${PF_SKIP_ASAN:-0}" != "1" ]; then
-    echo "== sanitizer build (clang, ASan + UBSan)"
+    stage "sanitizer build (clang, ASan + UBSan)"
     cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug \
         -DCMAKE_CXX_COMPILER=clang++ -DPF_SANITIZE=ON -DPF_FUZZ=ON -DPF_BENCH=OFF >/dev/null
     build build/asan
+    stage "sanitizer tests"
     run_ctest build/asan asan
 
-    echo "== fuzzing (${PF_FUZZ_SECONDS:-30} s per target)"
+    stage "fuzzing (${PF_FUZZ_SECONDS:-30} s per target)"
     mkdir -p build/asan/fuzz-corpus
     for f in build/asan/tests/fuzz_*; do
         [ -f "$f" ] && [ -x "$f" ] || continue
@@ -108,7 +131,7 @@ if [ "${PF_SKIP_ASAN:-0}" != "1" ]; then
 fi
 
 if [ "${PF_I386:-0}" = "1" ]; then
-    echo "== 32-bit x86 (release build and tests in an i386 Debian root)"
+    stage "32-bit x86 (release build and tests in an i386 Debian root)"
     rc=0
     bash scripts/test-i386.sh >build/test-i386.log 2>&1 || rc=$?
     tail -n 40 build/test-i386.log
@@ -119,7 +142,9 @@ if [ "${PF_I386:-0}" = "1" ]; then
     fi
 fi
 
+stage ""
 echo
 printf '%s\n' "${summary[@]}"
-echo "$passed passed, $failed failed"
+printf 'time: %s\n' "${times[@]}" "all $SECONDS s"
+echo "$passed passed, $failed failed (ctest: ${counts[*]})"
 [ "$failed" -eq 0 ]

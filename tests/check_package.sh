@@ -4,11 +4,13 @@
 # runs the installed pfhost from there: it must load the installed module, not the build
 # tree's, and read the built-in instruments from the installed examples. Removing the
 # package must leave no file of it behind. Where apt is there, the package's dependencies
-# must also resolve on this machine.
-#   check_package.sh BUILD_DIR SOURCE_DIR
+# must also resolve on this machine. The package is named after the Qt it was built against.
+#   check_package.sh BUILD_DIR SOURCE_DIR QT_MAJOR_VERSION
 set -euo pipefail
 build=$1
 src=$2
+qt=$3
+name=pfchartmodule-qt$qt
 tmp=$(mktemp -d)
 trap 'rm -rf "$tmp"' EXIT
 fail() { echo "package: $*" >&2; exit 1; }
@@ -19,8 +21,13 @@ debs=("$tmp"/out/*.deb)
 [ ${#debs[@]} -eq 1 ] && [ -f "${debs[0]}" ] || fail "expected one .deb in $tmp/out"
 deb=${debs[0]}
 echo "$(basename "$deb"): $(dpkg-deb -f "$deb" Depends)"
-[ "$(dpkg-deb -f "$deb" Package)" = pfchartmodule ] || fail "package name"
-dpkg-deb -f "$deb" Depends | grep -q libqt5widgets5 || fail "Depends lacks the Qt libraries"
+[ "$(dpkg-deb -f "$deb" Package)" = "$name" ] || fail "package name"
+[ "$(basename "$deb")" = "${name}_$(dpkg-deb -f "$deb" Version)_$(dpkg-deb -f "$deb" Architecture).deb" ] ||
+    fail "file name"
+dpkg-deb -f "$deb" Depends | grep -q "libqt${qt}widgets$qt" || fail "Depends lacks the Qt $qt libraries"
+[ "$qt" != 6 ] || dpkg-deb -f "$deb" Depends | grep -q qt6-qpa-plugins || fail "Depends lacks the Qt 6 platform plugins"
+other=$((qt == 5 ? 6 : 5))
+! dpkg-deb -f "$deb" Depends | grep -q "libqt${other}" || fail "Depends names Qt $other libraries"
 
 if command -v apt-get >/dev/null; then
     apt-get install --simulate "$deb" >"$tmp/apt.log" 2>&1 || { cat "$tmp/apt.log"; fail "dependencies do not resolve"; }
@@ -31,7 +38,7 @@ touch "$tmp/root/var/lib/dpkg/status"
 # outside it (the root has no shell).
 in_root() { dpkg --root="$tmp/root" --log=/dev/null --force-depends --force-script-chrootless --force-not-root "$@"; }
 in_root -i "$deb" >"$tmp/dpkg.log" 2>&1 || { cat "$tmp/dpkg.log"; fail "dpkg -i failed"; }
-dpkg --root="$tmp/root" -s pfchartmodule | grep -q '^Status: install ok installed' || fail "not installed"
+dpkg --root="$tmp/root" -s "$name" | grep -q '^Status: install ok installed' || fail "not installed"
 usr=$tmp/root/usr
 module=$usr/lib/PFChartModule/libPFChartModule.so.1
 # Exactly these files: the module (no development link), the program and the examples.
@@ -60,6 +67,6 @@ if "$usr/bin/pfhost" render --data USDCHF --type pf --out "$tmp/none.png" >/dev/
     fail "USDCHF was read from outside the installation"
 fi
 cp "$src/examples/usdchf-30min.csv" "$usr/share/PFChartModule/examples/"
-in_root -r pfchartmodule >"$tmp/dpkg.log" 2>&1 || { cat "$tmp/dpkg.log"; fail "dpkg -r failed"; }
+in_root -r "$name" >"$tmp/dpkg.log" 2>&1 || { cat "$tmp/dpkg.log"; fail "dpkg -r failed"; }
 [ -z "$(installed_files)" ] || { installed_files >&2; fail "files left after removal"; }
 echo "package: installed pfhost loads the installed module and examples; removal leaves nothing"

@@ -25,7 +25,7 @@ UndoRecord::UndoRecord(PFChartWidget* widget, const char* titleKey) : widget_(wi
     PFChartModule* module = widget ? widget->GetModule() : nullptr;
     if (!module || !module->sendToHost) return;
     const QString title = module->tr(titleKey);
-    const int units = std::min(title.size(), 255);
+    const int units = std::min(int(title.size()), 255);
     std::memcpy(begin_.title, title.utf16(), sizeof(coreWChar) * static_cast<std::size_t>(units));
     begin_.hostHandle = widget->GetHostHandle();
     begin_.widget = widget;

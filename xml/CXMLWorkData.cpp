@@ -18,7 +18,7 @@ QString Utf16(const coreWChar* text, std::size_t max) {
     if (!text) return QString();
     std::size_t n = 0;
     while (n < max && text[n] != 0) ++n;
-    return QString::fromUtf16(text, static_cast<int>(n));
+    return QString::fromUtf16(reinterpret_cast<const char16_t*>(text), static_cast<int>(n));
 }
 
 // Copies `bytes` into an 8-bit field of `size` bytes, terminated when there is room.
@@ -44,8 +44,6 @@ const char kDpaPeriodLen[] = "DpaPeriodLen";
 const char kDpaValue[] = "DpaValue";
 
 const int kHostText = 255;  // bytes of an 8-bit host string field
-const int kBoldWeight = 75;
-const int kNormalWeight = 50;
 
 }  // namespace
 
@@ -352,7 +350,7 @@ bool CXMLWorkData::readString(const char* name, char* buffer, int size,
         v ? v->toLocal8Bit()
           : QByteArray(defaultValue ? defaultValue : "",
                        defaultValue ? static_cast<int>(strnlen(defaultValue, size - 1)) : 0);
-    const int n = std::min(bytes.size(), size - 1);
+    const int n = std::min(int(bytes.size()), size - 1);
     std::memcpy(buffer, bytes.constData(), n);
     buffer[n] = 0;
     return v != nullptr;
@@ -363,7 +361,7 @@ bool CXMLWorkData::readString(const char* name, coreWChar* buffer, int size,
     const QString* v = Value(name);
     if (!buffer || size < 1) return v != nullptr;
     const QString text = v ? *v : Utf16(defaultValue, size - 1);
-    const int n = std::min(text.size(), size - 1);
+    const int n = std::min(int(text.size()), size - 1);
     std::memcpy(buffer, text.utf16(), n * sizeof(coreWChar));
     buffer[n] = 0;
     return v != nullptr;
@@ -411,7 +409,7 @@ QFont CXMLWorkData::readFont(const char* name, const QFont& defaultValue) const 
     if (!node) return defaultValue;
     QFont font(node->readString(kFamily, defaultValue.family()),
                node->readInteger(kSize, defaultValue.pointSize()));
-    font.setWeight(node->readBool(kBold, defaultValue.bold()) ? kBoldWeight : kNormalWeight);
+    font.setBold(node->readBool(kBold, defaultValue.bold()));
     font.setItalic(node->readBool(kItalic, defaultValue.italic()));
     font.setStrikeOut(node->readBool(kStrikeout, defaultValue.strikeOut()));
     font.setUnderline(node->readBool(kUnderline, defaultValue.underline()));

@@ -150,7 +150,7 @@ int LineStudy::Create(void* provider, const QString& name, std::uint32_t color) 
     Send(provider_, MSG_LS_TITLE, id_, Param(title));
     int n = 0;
     while (n < LS_TITLE_CHARS - 1 && title[n]) ++n;
-    title_ = QString::fromUtf16(title, n);
+    title_ = QString::fromUtf16(reinterpret_cast<const char16_t*>(title), n);
     const std::int32_t points = create.cpCount;
     const std::int32_t shapes = create.shapeCount;
     // The host would fill arrays of its own counts: a study with counts out of range is

@@ -31,12 +31,12 @@ bool LsText::Layout(QPoint& anchor, QString& text, QFont& font, QRect& bounds) c
     }
     std::vector<ushort> copy(std::size_t(length) + 1, 0);
     if (length) std::memcpy(copy.data(), units, sizeof(coreWChar) * std::size_t(length));
-    text = QString::fromUtf16(copy.data(), length);
+    text = QString::fromUtf16(reinterpret_cast<const char16_t*>(copy.data()), length);
     const std::size_t familyLength = strnlen(block->family, sizeof block->family);
     font = QFont(QString::fromLatin1(block->family, int(familyLength)));
     const std::int32_t size = block->pointSize;
     if (size > 0 && size < 1000) font.setPointSize(size);
-    font.setWeight(block->bold ? 75 : 50);
+    font.setBold(block->bold != 0);
     font.setItalic(block->italic != 0);
     font.setUnderline(block->underline != 0);
     font.setStrikeOut(block->strikeOut != 0);

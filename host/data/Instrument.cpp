@@ -87,7 +87,7 @@ std::string readWide(const void* field, std::size_t units) {
     std::memcpy(text.data(), field, units * sizeof(coreWChar));
     std::size_t n = 0;
     while (n < units && text[n]) ++n;
-    return QString::fromUtf16(text.data(), int(n)).toUtf8().toStdString();
+    return QString::fromUtf16(reinterpret_cast<const char16_t*>(text.data()), int(n)).toUtf8().toStdString();
 }
 
 }  // namespace data

@@ -295,7 +295,7 @@ void computeStudy(StudyKind kind, const StudyParams& p, const SeriesView& series
             lsShapeText block;
             std::memset(&block, 0, sizeof block);
             block.anchor = out[0];
-            const int units = std::min(p.text.size(), LS_TEXT_CHARS - 1);
+            const int units = std::min(int(p.text.size()), LS_TEXT_CHARS - 1);
             std::memcpy(block.text, p.text.utf16(), std::size_t(units) * sizeof(coreWChar));
             std::strncpy(block.family, p.family.c_str(), sizeof block.family - 1);
             block.pointSize = p.pointSize;

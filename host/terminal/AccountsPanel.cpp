@@ -27,7 +27,7 @@ const int kIdRole = Qt::UserRole + 1;
 QString accountName(const fxdDealAccount& account) {
     coreWChar name[sizeof account.name / sizeof(coreWChar) + 1] = {};
     std::memcpy(name, reinterpret_cast<const char*>(&account) + offsetof(fxdDealAccount, name), sizeof account.name);
-    return QString::fromUtf16(name);
+    return QString::fromUtf16(reinterpret_cast<const char16_t*>(name));
 }
 
 }  // namespace

@@ -76,7 +76,7 @@ bool InstrumentPanel::select(const QString& name) {
 
 QStringList InstrumentPanel::mimeTypes() const { return QStringList(QString::fromLatin1(drag::kInstrumentType)); }
 
-QMimeData* InstrumentPanel::mimeData(const QList<QListWidgetItem*> items) const {
+QMimeData* InstrumentPanel::mimeData(pf::ListWidgetItems items) const {
     if (items.isEmpty()) return nullptr;
     return drag::instrumentDrag(items.first()->data(kNameRole).toString().toStdString()).release();
 }

@@ -6,6 +6,8 @@
 #include <QListWidget>
 #include <QStringList>
 
+#include "util/QtCompat.h"
+
 namespace host {
 
 class DataCore;
@@ -30,7 +32,7 @@ signals:
 
 protected:
     QStringList mimeTypes() const override;
-    QMimeData* mimeData(const QList<QListWidgetItem*> items) const override;
+    QMimeData* mimeData(pf::ListWidgetItems items) const override;
 
 private:
     DataCore& data_;

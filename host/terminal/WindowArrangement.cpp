@@ -77,10 +77,14 @@ void WindowArrangement::adopt(QMdiSubWindow* sub) {
         normal_[sub] = normal;
     }
     sub->installEventFilter(this);
+    // Connected once per window: a lambda cannot be a unique connection (Qt 5 connects it
+    // again, Qt 6 refuses it).
+    const char* const kFollowed = "pfhostArrangementFollows";
+    if (sub->property(kFollowed).toBool()) return;
+    sub->setProperty(kFollowed, true);
     connect(sub, &QMdiSubWindow::windowStateChanged, this,
-            [this, sub](Qt::WindowStates before, Qt::WindowStates now) { stateChanged(sub, before, now); },
-            Qt::UniqueConnection);
-    connect(sub, &QObject::destroyed, this, [this, sub] { normal_.remove(sub); }, Qt::UniqueConnection);
+            [this, sub](Qt::WindowStates before, Qt::WindowStates now) { stateChanged(sub, before, now); });
+    connect(sub, &QObject::destroyed, this, [this, sub] { normal_.remove(sub); });
 }
 
 void WindowArrangement::stateChanged(QMdiSubWindow* sub, Qt::WindowStates before, Qt::WindowStates now) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <climits>
 
 #include "data/KVDataStore.h"
 #include "data/KVDataLine.h"

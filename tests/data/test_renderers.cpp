@@ -114,8 +114,8 @@ TEST_F(RendererTest, PFColumnsStackBoxesUpFromValue) {
     // one pixel narrower than an X.
     const std::vector<Prim> ellipses = device.of(Prim::Ellipse);
     ASSERT_EQ(ellipses.size(), 2u);
-    EXPECT_EQ(ellipses[0].rects.at(0), QRect(QPoint(10, 80), QPoint(20, 69)).normalized());
-    EXPECT_EQ(ellipses[1].rects.at(0), QRect(QPoint(10, 70), QPoint(20, 59)).normalized());
+    EXPECT_EQ(ellipses[0].rects.at(0), QRect(QPoint(10, 69), QPoint(20, 80)));
+    EXPECT_EQ(ellipses[1].rects.at(0), QRect(QPoint(10, 59), QPoint(20, 70)));
     EXPECT_TRUE(SamePen(ellipses[0].pen, kColour1, 1.0));
     EXPECT_EQ(pfData.GetStepX(), 10.0f);
     EXPECT_EQ(pfData.GetXPos(), 30.0f);
@@ -155,7 +155,7 @@ TEST_F(RendererTest, PFFractionalColumnWidthsTruncateEachEdge) {
     Paint(pfData, a.get());
     EXPECT_EQ(device.lines(), Lines({QLine(0, 80, 13, 70), QLine(0, 70, 13, 80), QLine(25, 80, 38, 70),
                                      QLine(25, 70, 38, 80)}));
-    EXPECT_EQ(device.of(Prim::Ellipse).at(0).rects.at(0), QRect(QPoint(13, 80), QPoint(25, 69)).normalized());
+    EXPECT_EQ(device.of(Prim::Ellipse).at(0).rects.at(0), QRect(QPoint(13, 69), QPoint(25, 80)));
 }
 
 TEST_F(RendererTest, RenkoDrawsOneHollowBrickPerRecordWhateverItsEnd) {

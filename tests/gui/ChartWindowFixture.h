@@ -66,7 +66,7 @@ struct ChartWindowFixture : ::testing::Test {
             coreWChar name[255];
             std::memcpy(name, r->name.name, sizeof name);
             for (Series& s : series)
-                if (QString::fromUtf16(name) == s.name) r->handle = &s;
+                if (QString::fromUtf16(reinterpret_cast<const char16_t*>(name)) == s.name) r->handle = &s;
             return 0;
         });
         host.on(MSG_DPA_COUNT, [this](void*, std::intptr_t p1, std::intptr_t p2) {

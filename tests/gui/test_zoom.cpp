@@ -166,9 +166,9 @@ TEST_F(Zoom, DraggedSelectionIsMarkedAtItsStartAndAtTheMouse) {
     pf::ScaleEngine& e = Engine();
     const QPoint press(r.left() + r.width() / 4, r.center().y());
     const QPoint drag(r.left() + 3 * r.width() / 4, r.center().y());
-    QMouseEvent down(QEvent::MouseButtonPress, press, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent down(QEvent::MouseButtonPress, press, widget->mapToGlobal(press), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(widget.get(), &down);
-    QMouseEvent move(QEvent::MouseMove, drag, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent move(QEvent::MouseMove, drag, widget->mapToGlobal(drag), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(widget.get(), &move);
     ASSERT_TRUE(e.GetFlag());
 
@@ -191,7 +191,7 @@ TEST_F(Zoom, DraggedSelectionIsMarkedAtItsStartAndAtTheMouse) {
     EXPECT_TRUE(blackColumn(markerX(e.GetZoomEndPos())));
     EXPECT_EQ(e.GetZoomMiddlePos(), e.GetZoomEndPos() - 1);
     EXPECT_FALSE(blackColumn(markerX(e.GetZoomMiddlePos())));
-    QMouseEvent up(QEvent::MouseButtonRelease, press, Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
+    QMouseEvent up(QEvent::MouseButtonRelease, press, widget->mapToGlobal(press), Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
     QApplication::sendEvent(widget.get(), &up);
 }
 

@@ -59,7 +59,7 @@ std::vector<fxChartTypeRecord> Bricks(int n, float start = 1.0f, float box = 0.0
 }
 
 QMouseEvent Press(QPoint at, Qt::MouseButton button) {
-    return QMouseEvent(QEvent::MouseButtonPress, at, button, button, Qt::NoModifier);
+    return QMouseEvent(QEvent::MouseButtonPress, at, at, button, button, Qt::NoModifier);
 }
 
 // Records every visit as text, to compare walk orders.

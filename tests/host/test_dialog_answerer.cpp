@@ -11,6 +11,7 @@
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QProcess>
+#include <QPushButton>
 #include <QTemporaryDir>
 
 #include "host/DialogAnswerer.h"
@@ -24,9 +25,13 @@ protected:
     QTemporaryDir dir;
     DialogAnswerer answerer{dir.path()};
 
-    // The question the module asks, with its own labels in place of "Yes" and "No".
-    int AskLabelled() {
-        return QMessageBox::question(nullptr, "Renko", "Replace instrument?", "Ja", "Nein", QString(), 0, 1);
+    // The question the module asks, with its own labels in place of "Yes" and "No": the
+    // index of the button pressed, -1 for none.
+    int AskLabelled(const QString& yes = "Ja", const QString& no = "Nein") {
+        QMessageBox box(QMessageBox::Question, "Renko", "Replace instrument?", QMessageBox::NoButton);
+        box.setDefaultButton(box.addButton(yes, QMessageBox::ActionRole));
+        box.setEscapeButton(box.addButton(no, QMessageBox::ActionRole));
+        return box.exec();
     }
     // A print dialog as the module runs it; the text printed when it was accepted.
     int Print(QPrinter& printer) {
@@ -60,7 +65,7 @@ TEST_F(Answerer, QuestionBoxesGetTheAnswerOfThePolicy) {
 
 TEST_F(Answerer, BoxesWithoutAMatchingButtonAndOtherDialogsAreClosed) {
     // Buttons the answerer cannot read: ended with -1, which is neither button's index.
-    EXPECT_EQ(QMessageBox::question(nullptr, "t", "?", "Oui", "Non", QString(), 0, 1), -1);
+    EXPECT_EQ(AskLabelled("Oui", "Non"), -1);
     bool ok = true;
     QInputDialog::getText(nullptr, "Name", "Name:", QLineEdit::Normal, QString(), &ok);
     EXPECT_FALSE(ok);

@@ -141,7 +141,7 @@ TEST_F(Studies, EveryStudyIsCreatedWithItsPointsShapesAndTitle) {
         coreWChar title[LS_TITLE_CHARS];
         std::memset(title, 0xFF, sizeof title);
         ASSERT_EQ(Send(Provider(), MSG_LS_TITLE, s->id, P(title)), 0);
-        EXPECT_EQ(QString::fromUtf16(title), QString::fromLatin1(e.title));
+        EXPECT_EQ(QString::fromUtf16(reinterpret_cast<const char16_t*>(title)), QString::fromLatin1(e.title));
     }
     // The name is the system's: a corrected spelling is not a study.
     lsCreateObject create;
@@ -207,7 +207,7 @@ TEST_F(Studies, LineTextAndArcCarryTheirSettings) {
     ASSERT_TRUE(LS().setParams(text->id, params));
     ASSERT_EQ(Exchange(*text), 0);
     const lsShapeText t = text->data<lsShapeText>(0);
-    EXPECT_EQ(QString::fromUtf16(t.text), QStringLiteral("Breakout \u2191"));
+    EXPECT_EQ(QString::fromUtf16(reinterpret_cast<const char16_t*>(t.text)), QStringLiteral("Breakout \u2191"));
     EXPECT_STREQ(t.family, "DejaVu Sans");
     EXPECT_EQ(t.pointSize, 14);
     EXPECT_EQ(t.bold, 1);

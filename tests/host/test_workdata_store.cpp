@@ -92,7 +92,7 @@ TEST_F(Store, ReadsAreCutToTheModuleBuffers) {
     params[0].valueLength = 3;
     ASSERT_EQ(send(MSG_WD_READ_PARAMS, &n, &list), 0);
     EXPECT_STREQ(params[0].name, "Key");
-    EXPECT_EQ(QString::fromUtf16(small), "ab");
+    EXPECT_EQ(QString::fromUtf16(reinterpret_cast<const char16_t*>(small)), "ab");
     EXPECT_EQ(small[3], 0xAAAA) << "nothing past the stated length";
     EXPECT_STREQ(params[1].name, "Kid");
     EXPECT_EQ(static_cast<void*>(params[1].node), store().child(root, "Kid"));

@@ -142,7 +142,7 @@ TEST_F(Dealing, MainWindowInterfaceAsTheModuleSeesIt) {
 
     std::vector<coreWChar> folder(CORE_WORK_FOLDER_BUFFER / 2, 0xFFFF);
     EXPECT_EQ(ask(MSG_MAIN_WORK_FOLDER, main.handle(), folder.data()), 0);
-    EXPECT_EQ(QString::fromUtf16(folder.data()).toStdString(), emulator->options().workFolder);
+    EXPECT_EQ(QString::fromUtf16(reinterpret_cast<const char16_t*>(folder.data())).toStdString(), emulator->options().workFolder);
 
     EXPECT_EQ(ask(MSG_MAIN_CHANGED, main.handle(), "\0\0\0\0Scale changed"), 0);
     ASSERT_EQ(main.notices().size(), 1u);

@@ -139,7 +139,7 @@ TEST_F(StartUp, TextsComeBackTranslatedForTheSelectedLanguage) {
     name.iconSize = std::int32_t(icon.size());
     void* pf = Core().componentObject("Points and Figures");
     EXPECT_EQ(H().send(pf, MSG_WC_UNICODE_NAME, reinterpret_cast<std::intptr_t>(&name)), 0);
-    EXPECT_EQ(QString::fromUtf16(name.name), QStringLiteral("Punkt und Figur"));
+    EXPECT_EQ(QString::fromUtf16(reinterpret_cast<const char16_t*>(name.name)), QStringLiteral("Punkt und Figur"));
     ASSERT_GT(int(name.iconSize), 8);
     ASSERT_LT(int(name.iconSize), 4096);
     EXPECT_EQ(std::memcmp(icon.data(), "\x89PNG", 4), 0);
@@ -153,7 +153,7 @@ TEST_F(StartUp, TextsComeBackTranslatedForTheSelectedLanguage) {
     EXPECT_EQ(H().send(kagi, MSG_WC_UNICODE_NAME, reinterpret_cast<std::intptr_t>(&name)), 0);
     EXPECT_EQ(int(name.iconSize), 8);
     EXPECT_EQ(std::string(small.data(), 8), "zzzzzzzz");
-    EXPECT_EQ(QString::fromUtf16(name.name), QStringLiteral("Kagi"));
+    EXPECT_EQ(QString::fromUtf16(reinterpret_cast<const char16_t*>(name.name)), QStringLiteral("Kagi"));
 
     nameComponent shortName;
     std::memset(&shortName, 0x55, sizeof shortName);

@@ -200,7 +200,7 @@ TEST_F(ChartModuleHost, DefaultParametersFileInTheWorkFolder) {
     QString opened;
     void* document = H(0x5D);
     host.fill<coreOpenWorkData>(MSG_WD_OPEN, [&](coreOpenWorkData* r) {
-        opened = QString::fromUtf16(r->path);
+        opened = QString::fromUtf16(reinterpret_cast<const char16_t*>(r->path));
         r->handle = document;
     });
     std::unique_ptr<CXMLWorkData> tree(module.getDefaultXml());

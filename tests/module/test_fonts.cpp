@@ -30,7 +30,9 @@ TEST(FontManager, EachLanguageGetsItsFamiliesForAllTwentyTwoElements) {
             ASSERT_NE(element, nullptr) << code;
             EXPECT_EQ(manager->GetFont(font::elementCode(code)), element->family);
             EXPECT_GT(element->size, 0);
-            if (c.china) EXPECT_EQ(element->family, QStringLiteral("SimSun"));
+            if (c.china) {
+                EXPECT_EQ(element->family, QStringLiteral("SimSun"));
+            }
         }
         // Codes outside 0 to 21 are "Arial".
         for (int code : {-1, 22, 1000}) {

@@ -19,7 +19,7 @@ std::vector<std::string> g_sink;
 
 int TestSink(const coreLogMessage* m) {
     g_sink.push_back(QString("%1 %2 %3: %4").arg(int(m->type)).arg(int(m->level))
-                         .arg(QString::fromUtf16(m->logName), QString::fromUtf16(m->text)).toStdString());
+                         .arg(QString::fromUtf16(reinterpret_cast<const char16_t*>(m->logName)), QString::fromUtf16(reinterpret_cast<const char16_t*>(m->text))).toStdString());
     return 0;
 }
 

@@ -157,7 +157,7 @@ TEST_F(Bindings, SaveAsDefaultStoresTheDefaultsAndClearsItsBox) {
     CDefaultProperty save(&page, 1, group, static_cast<CPropertyHead*>(&owner));
     // It labels itself with the translation of its key (the key itself without a module).
     EXPECT_EQ(save.AddProperty(), 0);
-    EXPECT_EQ(QString::fromUtf16(page.getPropertyItem(group, 0)->name), QStringLiteral("C0035SetAsDef"));
+    EXPECT_EQ(QString::fromUtf16(reinterpret_cast<const char16_t*>(page.getPropertyItem(group, 0)->name)), QStringLiteral("C0035SetAsDef"));
     page.SetProperty(group, 0, QVariant(true));
     stateChangeProperty state;
     QVariant no(false), yes(true);

@@ -254,7 +254,7 @@ TEST(PropertyHead, AHostilePageIsCopiedWithinBounds) {
     EXPECT_EQ(head.GetPage()->title[PROPERTY_NAME_UNITS - 1], 0);
     EXPECT_EQ(head.getPropertyGroup(0)->name[PROPERTY_NAME_UNITS - 1], 0);
     EXPECT_EQ(head.getPropertyItem(0, 0)->name[PROPERTY_NAME_UNITS - 1], 0);
-    EXPECT_EQ(QString::fromUtf16(head.getPropertyItem(0, 0)->name).size(), PROPERTY_NAME_UNITS - 1);
+    EXPECT_EQ(QString::fromUtf16(reinterpret_cast<const char16_t*>(head.getPropertyItem(0, 0)->name)).size(), PROPERTY_NAME_UNITS - 1);
     // The int entry without a buffer reads 0 and refuses writes.
     EXPECT_EQ(head.GetPropertyItem(0, 0), QVariant(0));
     EXPECT_EQ(Thrown([&] { head.SetProperty(0, 0, QVariant(3)); }), "Error memo in CPropertyParamInt");
@@ -292,7 +292,7 @@ TEST(PropertyHead, StringCopiesStopAtTheLimitAndTerminate) {
     EXPECT_EQ(small[0], 'k');
     unsigned short wide[3];
     CPropertyHead::eStrCpyUni(wide, 3, U(QStringLiteral("hello")));
-    EXPECT_EQ(QString::fromUtf16(wide), QStringLiteral("he"));
+    EXPECT_EQ(QString::fromUtf16(reinterpret_cast<const char16_t*>(wide)), QStringLiteral("he"));
     char mixed[] = "ab1-Cz\xe9";
     EXPECT_STREQ(CPropertyHead::StruprP(mixed), "AB1-CZ\xe9");
     EXPECT_EQ(CPropertyHead::StruprP(nullptr), nullptr);

@@ -51,7 +51,7 @@ TEST_F(RoundTrip, EveryTypedAttributeSurvivesTheFileAndAFreshHost) {
         node->writeString("Text", kAwkward);
         node->writeString("Empty", QString());
         node->writeColor("Colour", QColor(10, 20, 30, 40));
-        node->writeFont("AreasFont", QFont("DejaVu Sans", 11, 75, true));
+        node->writeFont("AreasFont", QFont("DejaVu Sans", 11, QFont::Bold, true));
         EXPECT_EQ(node->writeParameters(), 0);
         Tree inner(node->createNode("Nested"));
         inner->writeInteger("Depth", 2);
@@ -80,8 +80,8 @@ TEST_F(RoundTrip, EveryTypedAttributeSurvivesTheFileAndAFreshHost) {
     EXPECT_EQ(node->readString("Empty", "default"), "");
     EXPECT_EQ(node->readColor("Colour", Qt::black), QColor(10, 20, 30));
     const QFont font = node->readFont("AreasFont", QFont());
-    EXPECT_EQ(std::make_tuple(font.family(), font.pointSize(), font.weight(), font.italic(), font.underline()),
-              std::make_tuple(QString("DejaVu Sans"), 11, 75, true, false));
+    EXPECT_EQ(std::make_tuple(font.family(), font.pointSize(), font.bold(), font.italic(), font.underline()),
+              std::make_tuple(QString("DejaVu Sans"), 11, true, true, false));
     Tree inner(node->getFirstNode("Nested"));
     ASSERT_NE(inner, nullptr);
     EXPECT_EQ(inner->readInteger("Depth"), 2);
@@ -107,9 +107,9 @@ TEST_F(RoundTrip, AHandEditedDocumentReadsWithTheDefaults) {
     EXPECT_EQ(renko->readColor("AreaColor", Qt::green), QColor(Qt::green));
     EXPECT_EQ(renko->readString("Note"), "a\nb");
     // A missing flag takes the default font's.
-    const QFont font = renko->readFont("AreasFont", QFont("Courier", 5, 75, true));
-    EXPECT_EQ(std::make_tuple(font.family(), font.pointSize(), font.weight(), font.italic()),
-              std::make_tuple(QString("Arial"), 9, 75, true));
+    const QFont font = renko->readFont("AreasFont", QFont("Courier", 5, QFont::Bold, true));
+    EXPECT_EQ(std::make_tuple(font.family(), font.pointSize(), font.bold(), font.italic()),
+              std::make_tuple(QString("Arial"), 9, true, true));
 }
 
 TEST_F(RoundTrip, ChildrenAreWalkedByNameInDocumentOrder) {

@@ -76,7 +76,7 @@ struct Exchange : ::testing::Test {
                 EXPECT_EQ(int(p.valueLength), int(std::char_traits<char16_t>::length(
                                              reinterpret_cast<const char16_t*>(p.value))) + 1);
                 written.emplace_back(std::string(p.name, strnlen(p.name, sizeof p.name)),
-                                     QString::fromUtf16(p.value));
+                                     QString::fromUtf16(reinterpret_cast<const char16_t*>(p.value)));
             }
             return 0;
         });

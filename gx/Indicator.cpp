@@ -1,5 +1,7 @@
 #include "gx/Indicator.h"
 
+#include <algorithm>
+
 #include <QAction>
 #include <QMenu>
 #include <QPainter>
@@ -24,13 +26,15 @@ Indicator::Indicator(Layer* layer, const boost::shared_ptr<pf::DataSource>& sour
     if (!source_) return;
     const int count = source_->GetList().count;
     for (int i = 0; i < count; ++i)
-        if (fxDataPointArray* array = source_->GetArray(i)) AddLine(array);
+        if (fxDataPointArray* array = source_->GetArray(i)) AddLine(array, i);
+    arraysSeen_ = std::max(0, count);
 }
 
 Indicator::~Indicator() = default;
 
-boost::shared_ptr<Line> Indicator::AddLine(fxDataPointArray* array) {
+boost::shared_ptr<Line> Indicator::AddLine(fxDataPointArray* array, int sourceIndex) {
     boost::shared_ptr<Line> line(new Line(this, array, engine_, rect_));
+    line->SetSourceIndex(sourceIndex);
     lines_.push_back(line);
     return line;
 }
@@ -38,22 +42,27 @@ boost::shared_ptr<Line> Indicator::AddLine(fxDataPointArray* array) {
 bool Indicator::UpdateLines() {
     if (!source_) return false;
     bool changed = false;
-    const int count = source_->GetList().count;
-    for (int i = 0; i < count; ++i) {
-        fxDataPointArray* array = source_->GetArray(i);
+    // Each line follows the array of its own position: after a line was deleted by hand the
+    // positions of the lines and of the arrays no longer match.
+    for (const boost::shared_ptr<Line>& line : lines_) {
+        fxDataPointArray* array = line->GetSourceIndex() >= 0 ? source_->GetArray(line->GetSourceIndex()) : nullptr;
         if (!array) continue;
-        if (i < static_cast<int>(lines_.size())) {
-            if (lines_[static_cast<std::size_t>(i)]->GetArray() != array) {
-                lines_[static_cast<std::size_t>(i)]->SetArray(array);
-                changed = true;
-            } else {
-                lines_[static_cast<std::size_t>(i)]->DataChanged();
-            }
+        if (line->GetArray() != array) {
+            line->SetArray(array);
+            changed = true;
         } else {
-            AddLine(array);
+            line->DataChanged();
+        }
+    }
+    // Arrays the source did not have before are new lines.
+    const int count = source_->GetList().count;
+    for (int i = arraysSeen_; i < count; ++i) {
+        if (fxDataPointArray* array = source_->GetArray(i)) {
+            AddLine(array, i);
             changed = true;
         }
     }
+    arraysSeen_ = std::max(arraysSeen_, count);
     return changed;
 }
 

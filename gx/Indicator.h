@@ -53,9 +53,11 @@ public:
     void SetRect(const QRect& rect) override;
     void Select(bool selected) override;
 
-    boost::shared_ptr<Line> AddLine(fxDataPointArray* array);
-    // Gives every line the source's current array of its position, adding lines for new
-    // arrays; returns whether the lines changed.
+    // A line on `array`, the source's array at `sourceIndex` (-1: not the source's).
+    boost::shared_ptr<Line> AddLine(fxDataPointArray* array, int sourceIndex = -1);
+    // Gives every line the source's current array of its own position among the arrays,
+    // and adds lines for arrays beyond every position seen before (a line deleted by hand
+    // does not come back with the next data); returns whether the lines changed.
     bool UpdateLines();
     int GetLineCount() const { return static_cast<int>(lines_.size()); }
     // 0 for the first indicator of the layer, -i for position i, -1 when absent.
@@ -79,8 +81,9 @@ public:
     static void FromXML(const boost::shared_ptr<Layer>& layer, CXMLWorkData* layerNode);
     // One saved "PFIndicator" node, added to the layer.
     static void FromXMLNode(const boost::shared_ptr<Layer>& layer, CXMLWorkData* node);
-    // A deleted line back at `index` among the lines, on the source's array of that
-    // position; the lines that stayed keep their studies and settings. False (nothing
+    // A deleted line back at `index` among the lines, on the first of the source's arrays
+    // that lie between its neighbours' and have no line; the lines that stayed keep their
+    // studies and settings. False (nothing
     // added) when the source has no such array or the place is beyond the lines.
     bool RestoreLine(int index);
     const boost::shared_ptr<pf::ScaleEngine>& GetEngine() const { return engine_; }
@@ -115,6 +118,8 @@ private:
     boost::shared_ptr<pf::DataSource> source_;
     boost::shared_ptr<pf::ScaleEngine> engine_;
     Origin origin_;
+    // How many of the source's arrays the lines have been made for.
+    int arraysSeen_ = 0;
 };
 
 }  // namespace gx

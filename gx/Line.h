@@ -72,6 +72,10 @@ public:
     int GetIndex() const;
     const QString& GetName() const { return name_; }
     void SetName(const QString& name) { name_ = name; }
+    // The position of the line's array among its source's arrays; -1 for a line not made
+    // from a source. Lines deleted by hand leave their positions unused.
+    int GetSourceIndex() const { return sourceIndex_; }
+    void SetSourceIndex(int index) { sourceIndex_ = index; }
     int GetFirstVisibleFigure() const { return firstVisibleFigure_; }
     void SetFirstVisibleFigure(int index) { firstVisibleFigure_ = index; }
     // 1 when the last press lets the studies change their selection.
@@ -133,6 +137,7 @@ private:
     std::vector<boost::shared_ptr<LineStudy> > studies_;
     int groupSelect_ = 0;
     int firstVisibleFigure_ = 0;
+    int sourceIndex_ = -1;
 };
 
 }  // namespace gx

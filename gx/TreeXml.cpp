@@ -157,9 +157,17 @@ boost::shared_ptr<Area> Area::InsertFromXML(Chart& chart, CXMLWorkData* areaNode
 
 bool Indicator::RestoreLine(int index) {
     if (!source_ || index < 0 || index > GetLineCount()) return false;
-    fxDataPointArray* array = source_->GetArray(index);
+    // The deleted line's array lies between the arrays of the lines around its place.
+    const std::size_t at = static_cast<std::size_t>(index);
+    const int after = at > 0 ? lines_[at - 1]->GetSourceIndex() : -1;
+    const int before = at < lines_.size() && lines_[at]->GetSourceIndex() >= 0 ? lines_[at]->GetSourceIndex()
+                                                                                : std::max(arraysSeen_, after + 2);
+    const int sourceIndex = after + 1;
+    if (sourceIndex >= before) return false;
+    fxDataPointArray* array = source_->GetArray(sourceIndex);
     if (!array) return false;
     const boost::shared_ptr<Line> line(new Line(this, array, engine_, rect_));
+    line->SetSourceIndex(sourceIndex);
     lines_.insert(lines_.begin() + index, line);
     return true;
 }

@@ -131,7 +131,8 @@ TEST_F(WorkKept, ClosingAnAreaLeavesWhatIsSelectedInTheOtherAreas) {
 }
 
 // Undoing the deletion of one line of an indicator made every line of the indicator
-// anew, so the lines that were never deleted lost their studies. A terminal whose data
+// anew, so the lines that were never deleted lost their studies; and the next data notice
+// brought a deleted line back, pairing lines and arrays by their places. A terminal whose data
 // object hands out two arrays (here the USD/CHF object gives its own and TTRC's, whose
 // prices lie far above) makes an indicator of two lines.
 TEST_F(WorkKept, UndoingTheDeletionOfOneLineBringsBackThatLineAlone) {
@@ -183,6 +184,16 @@ TEST_F(WorkKept, UndoingTheDeletionOfOneLineBringsBackThatLineAlone) {
     Charts().pressKey(w, Qt::Key_Delete);
     ASSERT_TRUE(Charts().toolTipAt(w, figure).isEmpty()) << "the second line was not deleted";
     ASSERT_NE(LS().study(id), nullptr);
+
+    // The data notice of a recompute (a new array for the first line, the same one for the
+    // second) neither brings the deleted line back nor gives its data to the line that stayed.
+    const QImage deleted = Picture(w);
+    host::data::ChartObject* first = Data().chartObjects().back();
+    ASSERT_NE(first->handle(), second);
+    std::string error;
+    ASSERT_TRUE(Data().configure(first->handle(), first->settings(), &error)) << error;
+    EXPECT_TRUE(Charts().toolTipAt(w, figure).isEmpty()) << "the deleted line came back with the data";
+    EXPECT_EQ(Picture(w), deleted);
 
     Undo();
     Click(w, Empty(w));

@@ -5,6 +5,7 @@
 
 #include "gui/PFChartWidget.h"
 #include "module/CModule.h"
+#include "util/QtCompat.h"
 
 namespace pf {
 namespace gui {
@@ -14,7 +15,7 @@ void DefaultMsg::Draw(QPainter& painter, const QRect& rect, const QString& text,
     painter.setPen(QColor(130, 130, 130));
     if (widget) painter.setFont(widget->font());
     const QFontMetrics metrics(painter.font());
-    const int height = metrics.height();
+    const int height = pf::FontHeight(metrics);
     const int x = rect.left() + (rect.width() - metrics.horizontalAdvance(text)) / 2;
     const int y = rect.top() + (rect.height() - height) / 2;
     painter.drawText(x, y, text);

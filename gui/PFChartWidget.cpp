@@ -35,6 +35,7 @@
 #include "module/PFChartModule.h"
 #include "property/CListOnePropery.h"
 #include "property/CPropertyWork.h"
+#include "util/QtCompat.h"
 
 namespace {
 
@@ -94,7 +95,7 @@ PFChartWidget::~PFChartWidget() {
 int PFChartWidget::GetTimeScrollBarTop() const { return height() - kScrollBarHeight; }
 
 QRect PFChartWidget::ChartRect() const {
-    const int timeScale = timeScale_ ? timeScale_->Height() : 2 * QFontMetrics(areasFont_).height() + 9;
+    const int timeScale = timeScale_ ? timeScale_->Height() : 2 * pf::FontHeight(QFontMetrics(areasFont_)) + 9;
     const int bottom = GetTimeScrollBarTop() - timeScale - 1;
     return QRect(QPoint(0, kToolBarHeight), QPoint(width() - 1, std::max(kToolBarHeight - 1, bottom)));
 }

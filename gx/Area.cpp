@@ -19,6 +19,7 @@
 #include "gx/TimeScale.h"
 #include "gx/Visitors.h"
 #include "gx/Walkers.h"
+#include "util/QtCompat.h"
 
 namespace gx {
 
@@ -131,7 +132,7 @@ void Area::DrawCrossCursor(QPainter& painter) const {
     const bool useRight = right && right->IsVisible();
     const int scaleLeft = useRight ? rect_.right() + 1 : pane_.left();
     const int scaleWidth = std::max(metrics.horizontalAdvance(price) + 6, LRScale::nWidth);
-    QRect box(scaleLeft, mouse.y() - metrics.height() / 2 - 1, scaleWidth, metrics.height() + 2);
+    QRect box(scaleLeft, mouse.y() - pf::FontHeight(metrics) / 2 - 1, scaleWidth, pf::FontHeight(metrics) + 2);
     painter.fillRect(box, fill);
     painter.drawRect(box.adjusted(0, 0, -1, -1));
     painter.drawText(box, Qt::AlignCenter, price);
@@ -144,7 +145,7 @@ void Area::DrawCrossCursor(QPainter& painter) const {
         const QString time = QDateTime::fromSecsSinceEpoch(scale->GetPosTime(position), Qt::UTC)
                                  .toString(QStringLiteral("dd.MM.yyyy hh:mm:ss"));
         const int w = metrics.horizontalAdvance(time) + 8;
-        QRect tbox(mouse.x() - w / 2, rect_.bottom() - metrics.height() - 2, w, metrics.height() + 2);
+        QRect tbox(mouse.x() - w / 2, rect_.bottom() - pf::FontHeight(metrics) - 2, w, pf::FontHeight(metrics) + 2);
         painter.fillRect(tbox, fill);
         painter.drawRect(tbox.adjusted(0, 0, -1, -1));
         painter.drawText(tbox, Qt::AlignCenter, time);

@@ -44,7 +44,7 @@ class LabelColumn {
 public:
     LabelColumn(QPainter& painter, const QRect& column, TextCache& cache)
         : painter_(painter), column_(column), metrics_(painter.fontMetrics()),
-          height_(metrics_.height()), ascent_(metrics_.ascent()), lastTop_(column.bottom() + 1), cache_(cache) {}
+          height_(pf::FontHeight(metrics_)), ascent_(metrics_.ascent()), lastTop_(column.bottom() + 1), cache_(cache) {}
 
     int LabelHeight() const { return height_; }
 
@@ -142,7 +142,7 @@ LRScale::LRScale(PFChartWidget* widget) : widget_(widget), background_(QColor(0x
     }
 }
 
-int LRScale::GetFontHeight(const QPainter& painter) const { return painter.fontMetrics().height(); }
+int LRScale::GetFontHeight(const QPainter& painter) const { return pf::FontHeight(painter.fontMetrics()); }
 
 float LRScale::GetStepParam(float max, float min, int fontHeight) const {
     const float margin = (max - min) * 0.02f;
@@ -214,7 +214,7 @@ int LRScale::LabelHeight(const QPainter& painter) const {
         measure_.font = font_;
         measure_.dpiX = dpiX;
         measure_.dpiY = dpiY;
-        measure_.labelHeight = QFontMetrics(font_, device).height();
+        measure_.labelHeight = pf::FontHeight(QFontMetrics(font_, device));
         measure_.key = font_.key().toUtf8();
     }
     return measure_.labelHeight;

@@ -15,6 +15,7 @@
 #include "gx/ts/Date.h"
 #include "module/CModule.h"
 #include "module/FontManager.h"
+#include "util/QtCompat.h"
 
 namespace gx {
 
@@ -266,7 +267,7 @@ TimeScale::TimeScale(PFChartWidget* widget, const boost::shared_ptr<pf::ScaleEng
         font_ = QFont(family, kFontPointSize);
     }
     // Room for two rows of labels; the height stays when the font changes later.
-    rect_.setHeight(2 * QFontMetrics(font_).height() + 9);
+    rect_.setHeight(2 * pf::FontHeight(QFontMetrics(font_)) + 9);
 }
 
 void TimeScale::Resize() {

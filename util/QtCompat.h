@@ -3,8 +3,12 @@
 // calls is the same in both; here each difference has one name, chosen at compile time.
 #pragma once
 
+#include <cmath>
+
 #include <QEnterEvent>
 #include <QFont>
+#include <QFontMetrics>
+#include <QFontMetricsF>
 #include <QList>
 #include <QPoint>
 #include <QtGlobal>
@@ -33,6 +37,16 @@ inline unsigned FontResolveMask(const QFont& font) { return unsigned(font.resolv
 // The items QListWidget::mimeData is given.
 using ListWidgetItems = const QList<QListWidgetItem*>&;
 
+// A font's height in whole pixels, as the chart spaces its price labels and sizes its time
+// scale: Qt 5 measures a font with its ascent and descent each rounded up to a whole pixel
+// (8 pt DejaVu Sans: 11 + 3); Qt 6 keeps them fractional (10.2 + 2.6) and rounds, which
+// would make every label spacing and the time scale a pixel or two smaller. Both are
+// measured as Qt 5 does.
+inline int FontHeight(const QFontMetrics& metrics) {
+    const QFontMetricsF exact(metrics);
+    return int(std::ceil(exact.ascent())) + int(std::ceil(exact.descent()));
+}
+
 #else
 
 using EnterEvent = QEvent;
@@ -46,6 +60,8 @@ auto ActionHolders(const Action* action) { return action->associatedWidgets(); }
 inline unsigned FontResolveMask(const QFont& font) { return font.resolve(); }
 
 using ListWidgetItems = const QList<QListWidgetItem*>;
+
+inline int FontHeight(const QFontMetrics& metrics) { return metrics.height(); }
 
 #endif
 

@@ -14,6 +14,7 @@
 #include "gx/Line.h"
 #include "gx/TimeScale.h"
 #include "tests/data/dpa_arrays.h"
+#include "util/QtCompat.h"
 
 namespace {
 
@@ -178,7 +179,7 @@ TEST(TimeScale, FormatColoursAndPlacementWithoutWidget) {
     EXPECT_EQ(scale.GetGridColor(), QColor(0x12, 0x34, 0x56));
     // Under the engine's area (stored 2..101, bottom 299), two text heights plus 9 high.
     scale.Resize();
-    EXPECT_EQ(scale.Rect(), QRect(0, 300, 104, 2 * QFontMetrics(scale.GetFont()).height() + 9));
+    EXPECT_EQ(scale.Rect(), QRect(0, 300, 104, 2 * pf::FontHeight(QFontMetrics(scale.GetFont())) + 9));
 }
 
 TEST(TimeScaleDraw, EachSpanGetsItsLabelsWithoutOverlap) {

@@ -123,26 +123,28 @@ void Grid::Draw(QPainter& painter, const FindMinMax& range, const boost::shared_
     QVector<int> ys;
     ys.reserve(lines.size());
     for (const QLine& l : lines) ys.push_back(l.y1());
-    if (back_.isNull() || backRect_ != data || backXs_ != xs || backYs_ != ys || backColor_ != backgroundColor_ ||
-        backLine_ != lineColor_) {
-        back_ = QImage(data.size(), QImage::Format_RGB32);
+    auto kept = std::find_if(pictures_.begin(), pictures_.end(), [&data](const Picture& p) { return p.rect == data; });
+    if (kept == pictures_.end() || kept->xs != xs || kept->ys != ys || kept->color != backgroundColor_ ||
+        kept->line != lineColor_) {
+        if (kept != pictures_.end()) pictures_.erase(kept);
+        if (pictures_.size() >= kMaxPictures) pictures_.pop_back();
+        Picture picture{data, xs, ys, backgroundColor_, lineColor_, QImage(data.size(), QImage::Format_RGB32)};
+        QImage& back = picture.image;
         QVector<QRgb> row(data.width(), backgroundColor_.rgb());
         for (int x : xs)
             if (x >= data.left() && x <= data.right()) row[x - data.left()] = lineColor_.rgb();
         const QVector<QRgb> full(data.width(), lineColor_.rgb());
-        for (int y = 0; y < back_.height(); ++y)
-            std::memcpy(back_.scanLine(y), row.constData(), sizeof(QRgb) * static_cast<std::size_t>(row.size()));
+        for (int y = 0; y < back.height(); ++y)
+            std::memcpy(back.scanLine(y), row.constData(), sizeof(QRgb) * static_cast<std::size_t>(row.size()));
         for (int y : ys)
             if (y >= data.top() && y <= data.bottom())
-                std::memcpy(back_.scanLine(y - data.top()), full.constData(),
+                std::memcpy(back.scanLine(y - data.top()), full.constData(),
                             sizeof(QRgb) * static_cast<std::size_t>(full.size()));
-        backRect_ = data;
-        backXs_ = xs;
-        backYs_ = ys;
-        backColor_ = backgroundColor_;
-        backLine_ = lineColor_;
+        pictures_.insert(pictures_.begin(), std::move(picture));
+    } else if (kept != pictures_.begin()) {
+        std::rotate(pictures_.begin(), kept, kept + 1);
     }
-    painter.drawImage(data.topLeft(), back_);
+    painter.drawImage(data.topLeft(), pictures_.front().image);
     painter.restore();
 }
 

@@ -6,6 +6,7 @@
 #include <QRect>
 #include <QImage>
 #include <QVector>
+#include <vector>
 #include <boost/shared_ptr.hpp>
 
 class QPainter;
@@ -37,14 +38,18 @@ private:
     QColor lineColor_;
     QColor backgroundColor_;
     bool shown_ = true;
-    // The grid of the last data rectangle as a picture; made again when the rectangle, the
-    // lines or the colours change.
-    mutable QImage back_;
-    mutable QRect backRect_;
-    mutable QVector<int> backXs_;
-    mutable QVector<int> backYs_;
-    mutable QColor backColor_;
-    mutable QColor backLine_;
+    // The grid of each data rectangle as a picture, one per area of the window (they share
+    // this grid): made again only when that rectangle's lines or the colours change.
+    struct Picture {
+        QRect rect;
+        QVector<int> xs;
+        QVector<int> ys;
+        QColor color;
+        QColor line;
+        QImage image;
+    };
+    static constexpr std::size_t kMaxPictures = 8;
+    mutable std::vector<Picture> pictures_;  // most recently drawn first
 };
 
 }  // namespace gx

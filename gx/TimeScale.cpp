@@ -82,12 +82,12 @@ Ladder LadderOf(Unit unit) {
 // boundary lies wherever two neighbouring positions have different keys.
 std::int64_t BandKey(std::int64_t t, Unit unit, int step) {
     if (unit == kSeconds) return FloorDiv(t, step);
-    const QDate d = Utc(t).date();
-    const std::int64_t month = std::int64_t(d.year()) * 12 + d.month() - 1;
+    const ts::CivilDay d = ts::Date::CivilDayOf(t);
+    const std::int64_t month = d.year * 12 + d.month - 1;
     switch (unit) {
-    case kDays: return month * 32 + (d.day() - 1) / step;
+    case kDays: return month * 32 + (d.day - 1) / step;
     case kMonths: return FloorDiv(month, step);
-    default: return FloorDiv(d.year(), step);
+    default: return FloorDiv(d.year, step);
     }
 }
 

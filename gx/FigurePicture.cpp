@@ -9,6 +9,7 @@
 
 #include "abi/records/dpa_records.h"
 #include "data/ScaleEngine.h"
+#include "gx/AreaPicture.h"
 #include "gx/PictureCache.h"
 
 namespace gx {
@@ -221,7 +222,7 @@ void FigurePicture::Draw(QPainter& painter, const QRect& rect, pf::PointData& re
         kept_.entry = renderer.EntryState(array, kept_.first);
     }
     renderer.SetDrawState(state_);
-    painter.drawImage(area_.topLeft(), image_);
+    if (!AreaPicture::Offer(image_, area_.topLeft())) painter.drawImage(area_.topLeft(), image_);
 }
 
 void FigurePicture::DrawOverlay(QPainter& painter, const QRect& rect, const std::function<void(QPainter&)>& overlay) {
@@ -257,7 +258,7 @@ void FigurePicture::Draw(QPainter& painter, const QRect& rect, pf::PointData& re
         kept_ = std::move(now);
     }
     renderer.SetDrawState(state_);
-    painter.drawImage(area_.topLeft(), image_);
+    if (!AreaPicture::Offer(image_, area_.topLeft())) painter.drawImage(area_.topLeft(), image_);
 }
 
 }  // namespace gx

@@ -97,18 +97,19 @@ void AddColumnLines(QVector<QLine>& lines, const QRect& data, const pf::ScaleEng
 
 Grid::Grid() : lineColor_(236, 233, 216), backgroundColor_(Qt::white) {}
 
-void Grid::Draw(QPainter& painter, const FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine) const {
-    if (!engine) return;
-    // The engine keeps its rectangle 2 pixels in on both sides; the area's data rectangle
-    // is that rectangle with the insets given back.
-    const QRect data = engine->GetRect().adjusted(-2, 0, 2, 0);
-    if (data.isEmpty()) return;
+QRect Grid::DataRect(const pf::ScaleEngine& engine) { return engine.GetRect().adjusted(-2, 0, 2, 0); }
+
+QImage Grid::Draw(QPainter& painter, const FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine,
+                         int keepFrom) const {
+    if (!engine) return QImage();
+    const QRect data = DataRect(*engine);
+    if (data.isEmpty()) return QImage();
     painter.save();
     painter.setClipRect(data);
     if (!shown_) {
         painter.fillRect(data, backgroundColor_);
         painter.restore();
-        return;
+        return QImage();
     }
     // The whole grid (background, column lines, price lines) is kept as a picture of the
     // data rectangle and made again only when the rectangle, the lines or the colours
@@ -144,8 +145,14 @@ void Grid::Draw(QPainter& painter, const FindMinMax& range, const boost::shared_
     } else if (kept != pictures_.begin()) {
         std::rotate(pictures_.begin(), kept, kept + 1);
     }
-    painter.drawImage(data.topLeft(), pictures_.front().image);
+    const QImage& picture = pictures_.front().image;
+    const int rows = int(std::max(0LL, std::min<long long>(data.height(), (long long)keepFrom - data.top())));
+    if (rows == data.height())
+        painter.drawImage(data.topLeft(), picture);
+    else if (rows > 0)
+        painter.drawImage(data.topLeft(), picture, QRect(0, 0, data.width(), rows));
     painter.restore();
+    return picture;
 }
 
 }  // namespace gx

@@ -6,6 +6,7 @@
 #include <QRect>
 #include <QImage>
 #include <QVector>
+#include <climits>
 #include <vector>
 #include <boost/shared_ptr.hpp>
 
@@ -23,9 +24,15 @@ class Grid {
 public:
     Grid();
 
-    // Fills the engine's data rectangle (the 2-pixel insets given back) with the background
-    // colour, then the lines when the grid is shown.
-    void Draw(QPainter& painter, const FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine) const;
+    // Fills the engine's data rectangle (DataRect) with the background colour, then the
+    // lines when the grid is shown. With the grid shown, the rows from `keepFrom` down are
+    // left to the caller, who gets the picture of the whole rectangle to paint them from (a
+    // shared copy); a null image when the grid is not shown (then every row is filled).
+    QImage Draw(QPainter& painter, const FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine,
+                       int keepFrom = INT_MAX) const;
+    // The engine keeps its rectangle 2 pixels in on both sides; the area's data rectangle is
+    // that rectangle with the insets given back.
+    static QRect DataRect(const pf::ScaleEngine& engine);
 
     const QColor& GetLineColor() const { return lineColor_; }
     void SetLineColor(const QColor& c) { lineColor_ = c; }

@@ -65,13 +65,20 @@ void AreaPicture::End(QPainter& painter) {
         PictureCache::Append(key, o.picture->cacheKey());
         PictureCache::Append(key, o.at);
     }
-    if (grid_.size() != data_.size() || grid_.format() != QImage::Format_RGB32) {
-        // Not a picture of these rows: the grid's rows left to this paint, then every
-        // picture as a line blits it.
-        painter.drawImage(body.topLeft(), grid_, body.translated(-data_.topLeft()));
+    // The picture is made only for a third paint in a row of the same parts: a window's
+    // first paints and a window whose figures change on every paint would pay for making it
+    // (and for memory fresh from the system) without ever copying it.
+    const bool kept = key == key_ && image_.size() == body.size();
+    repeats_ = key == lastKey_ ? repeats_ + 1 : 0;
+    lastKey_ = key;
+    const bool compose = !body.isEmpty() && grid_.size() == data_.size() && grid_.format() == QImage::Format_RGB32 &&
+                         (kept || repeats_ >= kRepeatsBeforeKeeping);
+    if (!compose) {
+        // The grid's rows left to this paint, then every picture as a line blits it.
+        if (!body.isEmpty()) painter.drawImage(body.topLeft(), grid_, body.translated(-data_.topLeft()));
         for (const Offered& o : offered_) painter.drawImage(o.at, *o.picture);
-    } else if (!body.isEmpty()) {
-        if (key != key_ || image_.size() != body.size()) {
+    } else {
+        if (!kept) {
             if (image_.size() != body.size()) image_ = QImage(body.size(), QImage::Format_RGB32);
             const std::size_t bytes = std::size_t(body.width()) * sizeof(QRgb);
             for (int y = 0; y < body.height(); ++y)
@@ -83,10 +90,8 @@ void AreaPicture::End(QPainter& painter) {
             key_ = key;
         }
         painter.drawImage(body.topLeft(), image_);
-    }
-    // Every picture's part outside those rows, as the line would blit it: the caption's
-    // rows, and the studies' margins around the area.
-    if (!body.isEmpty())
+        // Every picture's part outside those rows, as the line would blit it: the caption's
+        // rows, and the studies' margins around the area.
         for (const Offered& o : offered_) {
             const QRect whole(o.at, o.picture->size());
             const QRect above(whole.topLeft(), QPoint(whole.right(), std::min(whole.bottom(), body.top() - 1)));
@@ -97,8 +102,7 @@ void AreaPicture::End(QPainter& painter) {
             for (const QRect& part : {above, below, left, right})
                 if (part.isValid()) painter.drawImage(part.topLeft(), *o.picture, part.translated(-o.at));
         }
-    else
-        for (const Offered& o : offered_) painter.drawImage(o.at, *o.picture);
+    }
     grid_ = QImage();
     offered_.clear();
 }

@@ -59,8 +59,11 @@ private:
     QRect data_;
     int bodyTop_ = 0;
     std::vector<Offered> offered_;
+    static constexpr int kRepeatsBeforeKeeping = 2;
     QImage image_;
-    QByteArray key_;
+    QByteArray key_;      // what image_ holds
+    QByteArray lastKey_;  // the parts of the last paint
+    int repeats_ = 0;     // paints in a row with those parts, less one
 };
 
 }  // namespace gx

@@ -105,6 +105,8 @@ struct LineStudies : ChartWindowFixture {
         const QImage direct = PaintWindow(false);
         EXPECT_EQ(kept, direct) << when << ": a picture kept from before the change";
         EXPECT_EQ(PaintWindow(true), direct) << when << ": a picture made anew";
+        PaintWindow(true);
+        EXPECT_EQ(PaintWindow(true), direct) << when << ": the areas' pictures kept over three paints";
     }
     std::vector<QLine> Drawn(const LineStudy& study) {
         RecordingPaintDevice device;

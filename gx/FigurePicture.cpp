@@ -36,16 +36,12 @@ FigurePicture::Snapshot FigurePicture::Describe(const QPainter& painter, const Q
     QByteArray& key = now.view;
     const pf::ScaleEngine& e = *renderer.GetEngine();
     PictureCache::Append(key, rect);
-    PictureCache::Append(key, e.GetLeft());
+    PictureCache::AppendColumns(key, e);
     PictureCache::Append(key, e.GetTop());
-    PictureCache::Append(key, e.GetRight());
     PictureCache::Append(key, e.GetBottom());
-    PictureCache::Append(key, e.GetX0());
     PictureCache::Append(key, e.GetMinPrice());
     PictureCache::Append(key, e.GetMaxPrice());
-    PictureCache::Append(key, e.GetXFactor());
     PictureCache::Append(key, e.GetYFactor());
-    PictureCache::Append(key, e.GetColumnCount());
     PictureCache::Append(key, e.GetFlag());
     PictureCache::AppendPainter(key, painter);
     const fxDataPointArray header = *array;

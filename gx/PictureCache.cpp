@@ -8,6 +8,8 @@
 #include <QTransform>
 #include <cmath>
 
+#include "data/ScaleEngine.h"
+
 namespace gx {
 
 namespace {
@@ -54,6 +56,14 @@ bool PictureCache::Surround(const QPainter& painter, const QRect& rect, int marg
                        std::min(margin, bounds.right() - onDevice.right()),
                        std::min(margin, bounds.bottom() - onDevice.bottom()));
     return true;
+}
+
+void PictureCache::AppendColumns(QByteArray& key, const pf::ScaleEngine& engine) {
+    Append(key, engine.GetLeft());
+    Append(key, engine.GetRight());
+    Append(key, engine.GetX0());
+    Append(key, engine.GetXFactor());
+    Append(key, engine.GetColumnCount());
 }
 
 void PictureCache::AppendPainter(QByteArray& key, const QPainter& painter) {

@@ -20,6 +20,10 @@
 class QColor;
 class QPainter;
 
+namespace pf {
+class ScaleEngine;
+}
+
 namespace gx {
 
 class PictureCache {
@@ -36,6 +40,9 @@ public:
     // its clip as the window has meets them exactly where the window does. False (draw
     // directly) when the device clips `rect` other than by its edges.
     static bool Surround(const QPainter& painter, const QRect& rect, int margin, QMargins* around);
+    // What places the columns on the screen: the engine's left and right edges, its x
+    // transform and its number of columns (not which column comes first).
+    static void AppendColumns(QByteArray& key, const pf::ScaleEngine& engine);
     // What of the painter's device and state the drawing may read, for the key.
     static void AppendPainter(QByteArray& key, const QPainter& painter);
     // Starts a picture's painter from the state of the window's painter, so that what is

@@ -378,11 +378,7 @@ QByteArray TimeScale::Key() const {
     // What the labels read of the engine, and the times of the visible positions and of the
     // one before them.
     const pf::ScaleEngine& e = *engine_;
-    PictureCache::Append(key, e.GetLeft());
-    PictureCache::Append(key, e.GetRight());
-    PictureCache::Append(key, e.GetX0());
-    PictureCache::Append(key, e.GetXFactor());
-    PictureCache::Append(key, e.GetColumnCount());
+    PictureCache::AppendColumns(key, e);
     PictureCache::Append(key, e.GetFirstColumn());
     const std::int64_t first = std::max<std::int64_t>(std::int64_t(e.GetFirstColumn()) - 1, 0);
     const std::int64_t end = std::min<std::int64_t>(std::int64_t(e.GetFirstColumn()) + e.GetColumnCount(), Count());

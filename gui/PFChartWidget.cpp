@@ -629,6 +629,7 @@ void PFChartWidget::Draw(QPainter& painter, bool force) {
         area->ComposeNextPaint(compose ? grid : QImage(), data, area->BodyTop(data));
         DrawBackImage(painter, r);
     }
+    grid_->ForgetUnused();
     if (timeScale_) {
         painter.save();
         timeScale_->Draw(painter);

@@ -99,8 +99,14 @@ Grid::Grid() : lineColor_(236, 233, 216), backgroundColor_(Qt::white) {}
 
 QRect Grid::DataRect(const pf::ScaleEngine& engine) { return engine.GetRect().adjusted(-2, 0, 2, 0); }
 
+void Grid::ForgetUnused() const {
+    pictures_.erase(std::remove_if(pictures_.begin(), pictures_.end(), [](const Picture& p) { return !p.used; }),
+                    pictures_.end());
+    for (Picture& p : pictures_) p.used = false;
+}
+
 QImage Grid::Draw(QPainter& painter, const FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine,
-                         int keepFrom) const {
+                  int keepFrom) const {
     if (!engine) return QImage();
     const QRect data = DataRect(*engine);
     if (data.isEmpty()) return QImage();
@@ -129,7 +135,7 @@ QImage Grid::Draw(QPainter& painter, const FindMinMax& range, const boost::share
         kept->line != lineColor_) {
         if (kept != pictures_.end()) pictures_.erase(kept);
         if (pictures_.size() >= kMaxPictures) pictures_.pop_back();
-        Picture picture{data, xs, ys, backgroundColor_, lineColor_, QImage(data.size(), QImage::Format_RGB32)};
+        Picture picture{data, xs, ys, backgroundColor_, lineColor_, QImage(data.size(), QImage::Format_RGB32), true};
         QImage& back = picture.image;
         QVector<QRgb> row(data.width(), backgroundColor_.rgb());
         for (int x : xs)
@@ -145,8 +151,10 @@ QImage Grid::Draw(QPainter& painter, const FindMinMax& range, const boost::share
     } else if (kept != pictures_.begin()) {
         std::rotate(pictures_.begin(), kept, kept + 1);
     }
+    pictures_.front().used = true;
     const QImage& picture = pictures_.front().image;
-    const int rows = int(std::max(0LL, std::min<long long>(data.height(), (long long)keepFrom - data.top())));
+    const int rows = static_cast<int>(
+        std::max(0LL, std::min<long long>(data.height(), static_cast<long long>(keepFrom) - data.top())));
     if (rows == data.height())
         painter.drawImage(data.topLeft(), picture);
     else if (rows > 0)

@@ -33,6 +33,9 @@ public:
     // The engine keeps its rectangle 2 pixels in on both sides; the area's data rectangle is
     // that rectangle with the insets given back.
     static QRect DataRect(const pf::ScaleEngine& engine);
+    // Forgets the pictures of rectangles not drawn since the last call: after a paint of
+    // every area, those of areas since moved, resized or closed.
+    void ForgetUnused() const;
 
     const QColor& GetLineColor() const { return lineColor_; }
     void SetLineColor(const QColor& c) { lineColor_ = c; }
@@ -54,6 +57,7 @@ private:
         QColor color;
         QColor line;
         QImage image;
+        bool used;  // drawn since the last ForgetUnused
     };
     static constexpr std::size_t kMaxPictures = 8;
     mutable std::vector<Picture> pictures_;  // most recently drawn first

@@ -120,8 +120,7 @@ QImage& PictureCache::Make(const QByteArray& key, const QSize& size, const QPain
 bool PictureCache::DrawKept(QPainter& painter, const QRect& rect, int margin, QByteArray key, const QColor& fill,
                             const std::function<void(QPainter&)>& draw) {
     QMargins around;
-    if (rect.isEmpty() || fill.alpha() != 255 || !Usable(painter) ||
-        !Surround(painter, rect, margin, &around))
+    if (rect.isEmpty() || fill.alpha() != 255 || !Usable(painter) || !Surround(painter, rect, margin, &around))
         return false;
     AppendPainter(key, painter);
     Append(key, around);

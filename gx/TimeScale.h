@@ -90,8 +90,8 @@ private:
     std::vector<std::int32_t> times_;
     // Label texts laid out once for the scale's font.
     mutable TextCache labels_;
-    // The strip drawn, under everything it shows.
-    mutable PictureCache pictures_{2};
+    // The strip drawn, under everything it shows: the one the window shows now.
+    mutable PictureCache pictures_{1};
 
     void DrawStrip(QPainter& painter) const;
     QByteArray Key() const;

@@ -624,9 +624,10 @@ void PFChartWidget::Draw(QPainter& painter, bool force) {
         const QRect data = gx::Grid::DataRect(e);
         const bool compose = gx::AreaPicture::Composable(painter, *area);
         painter.save();
-        const QImage grid = grid_->Draw(painter, range, area->GetEngine(), compose ? area->BodyTop(data) : INT_MAX);
+        const gx::Grid::Rows grid =
+            grid_->Draw(painter, range, area->GetEngine(), compose ? area->BodyTop(data) : INT_MAX);
         painter.restore();
-        area->ComposeNextPaint(compose ? grid : QImage(), data, area->BodyTop(data));
+        area->ComposeNextPaint(compose ? grid : gx::Grid::Rows(), data, area->BodyTop(data));
         DrawBackImage(painter, r);
     }
     grid_->ForgetUnused();

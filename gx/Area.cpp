@@ -73,7 +73,7 @@ void Area::Resize(const QSize& size) {
 
 void Area::Select(bool selected) { Object::Select(selected); }
 
-void Area::ComposeNextPaint(const QImage& grid, const QRect& data, int bodyTop) const {
+void Area::ComposeNextPaint(const Grid::Rows& grid, const QRect& data, int bodyTop) const {
     nextGrid_ = grid;
     nextData_ = data;
     nextBodyTop_ = bodyTop;
@@ -85,9 +85,9 @@ int Area::BodyTop(const QRect& data) const {
 
 void Area::Draw(QPainter& painter) const {
     caption_->Draw(painter);
-    const bool compose = !nextGrid_.isNull();
+    const bool compose = nextGrid_.version != 0;
     if (compose) picture_->Begin(nextGrid_, nextData_, nextBodyTop_);
-    nextGrid_ = QImage();
+    nextGrid_ = Grid::Rows();
     for (const boost::shared_ptr<Layer>& layer : layers_) layer->Draw(painter);
     if (compose) picture_->End(painter);
     DrawZoomSelect(painter);

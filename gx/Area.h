@@ -8,6 +8,7 @@
 #include <QImage>
 #include <vector>
 
+#include "gx/Grid.h"
 #include "gx/Object.h"
 
 class QMouseEvent;
@@ -69,10 +70,10 @@ public:
     static boost::shared_ptr<Area> InsertFromXML(Chart& chart, CXMLWorkData* areaNode, int position);
     void FillContextMenu();
 
-    // For the next Draw only: the grid's picture of `data`, whose rows from `bodyTop` down the
-    // window left unpainted, to be painted with the lines' figures from one kept picture (see
-    // AreaPicture). A null picture: the grid painted them all.
-    void ComposeNextPaint(const QImage& grid, const QRect& data, int bodyTop) const;
+    // For the next Draw only: the grid's lines of `data`, whose rows from `bodyTop` down the
+    // grid left unpainted, to be painted with the lines' figures from one kept picture (see
+    // AreaPicture). Version 0: the grid painted them all.
+    void ComposeNextPaint(const Grid::Rows& grid, const QRect& data, int bodyTop) const;
     // The first row below the caption strip, within the data rectangle `data`.
     int BodyTop(const QRect& data) const;
 
@@ -96,7 +97,7 @@ private:
     boost::shared_ptr<pf::ScaleEngine> engine_;
     QRect pane_;
     boost::scoped_ptr<AreaPicture> picture_;
-    mutable QImage nextGrid_;
+    mutable Grid::Rows nextGrid_;
     mutable QRect nextData_;
     mutable int nextBodyTop_ = 0;
 };

@@ -39,7 +39,7 @@ bool AreaPicture::Composable(const QPainter& painter, const Area& area) {
     return true;
 }
 
-void AreaPicture::Begin(const QImage& grid, const QRect& data, int bodyTop) {
+void AreaPicture::Begin(const Grid::Rows& grid, const QRect& data, int bodyTop) {
     grid_ = grid;
     data_ = data;
     bodyTop_ = bodyTop;
@@ -55,34 +55,23 @@ bool AreaPicture::Offer(const QImage& picture, const QPoint& at) {
 
 void AreaPicture::End(QPainter& painter) {
     if (collecting_ == this) collecting_ = nullptr;
-    if (grid_.isNull()) return;
+    if (grid_.version == 0) return;
     const QRect body(QPoint(data_.left(), bodyTop_), data_.bottomRight());
-    QByteArray key;
-    PictureCache::Append(key, grid_.cacheKey());
-    PictureCache::Append(key, data_);
-    PictureCache::Append(key, bodyTop_);
-    for (const Offered& o : offered_) {
-        PictureCache::Append(key, o.picture->cacheKey());
-        PictureCache::Append(key, o.at);
-    }
-    // The picture is made only for a third paint in a row of the same parts: a window's
-    // first paints and a window whose figures change on every paint would pay for making it
-    // (and for memory fresh from the system) without ever copying it.
-    const bool kept = key == key_ && image_.size() == body.size();
-    repeats_ = key == lastKey_ ? repeats_ + 1 : 0;
-    lastKey_ = key;
-    const bool compose = !body.isEmpty() && grid_.size() == data_.size() && grid_.format() == QImage::Format_RGB32 &&
-                         (kept || repeats_ >= kRepeatsBeforeKeeping);
-    if (!compose) {
-        // The grid's rows left to this paint, then every picture as a line blits it.
-        if (!body.isEmpty()) painter.drawImage(body.topLeft(), grid_, body.translated(-data_.topLeft()));
+    if (body.isEmpty()) {
+        // The grid painted every row.
         for (const Offered& o : offered_) painter.drawImage(o.at, *o.picture);
     } else {
-        if (!kept) {
+        QByteArray key;
+        PictureCache::Append(key, grid_.version);
+        PictureCache::Append(key, data_);
+        PictureCache::Append(key, bodyTop_);
+        for (const Offered& o : offered_) {
+            PictureCache::Append(key, o.picture->cacheKey());
+            PictureCache::Append(key, o.at);
+        }
+        if (key != key_ || image_.size() != body.size()) {
             if (image_.size() != body.size()) image_ = QImage(body.size(), QImage::Format_RGB32);
-            const std::size_t bytes = std::size_t(body.width()) * sizeof(QRgb);
-            for (int y = 0; y < body.height(); ++y)
-                std::memcpy(image_.scanLine(y), grid_.constScanLine(y + bodyTop_ - data_.top()), bytes);
+            grid_.Paint(image_, bodyTop_);
             QPainter picture(&image_);
             picture.translate(-body.topLeft());
             for (const Offered& o : offered_) picture.drawImage(o.at, *o.picture);
@@ -103,7 +92,7 @@ void AreaPicture::End(QPainter& painter) {
                 if (part.isValid()) painter.drawImage(part.topLeft(), *o.picture, part.translated(-o.at));
         }
     }
-    grid_ = QImage();
+    grid_ = Grid::Rows();
     offered_.clear();
 }
 

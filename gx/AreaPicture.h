@@ -1,10 +1,10 @@
 // One opaque picture of an area's grid with its lines' figures over it, kept between paints.
 //
-// A repaint with nothing new would copy the area's grid picture and then blend every line's
-// transparent figure picture over it; blending costs several times a copy. While the parts
-// stay the same the area instead copies one picture that holds them already blended, made
-// again when the grid's picture or any line's picture changes (each QImage's cache key
-// changes with every change of its pixels).
+// A repaint with nothing new would copy the area's grid and then blend every line's
+// transparent figure picture over it; blending costs several times a copy. The area instead
+// copies one picture that holds them already blended, made again when the grid's lines or
+// any line's picture change (each QImage's cache key changes with every change of its
+// pixels). The grid keeps no picture of these rows: they are painted straight into this one.
 //
 // The caption strip at the top of the area is left out: the caption is drawn between the grid
 // and the figures, so its rows get the grid and the figures as before, and so do the margins
@@ -23,6 +23,8 @@
 #include <QRect>
 #include <vector>
 
+#include "gx/Grid.h"
+
 class QPainter;
 
 namespace gx {
@@ -36,9 +38,9 @@ public:
     // it), nothing else in the area's rows below the caption.
     static bool Composable(const QPainter& painter, const Area& area);
 
-    // Starts collecting the lines' pictures over `grid` (the grid's kept picture of `data`),
-    // for the rows from `bodyTop` down.
-    void Begin(const QImage& grid, const QRect& data, int bodyTop);
+    // Starts collecting the lines' pictures over the grid's rows from `bodyTop` down (the
+    // grid of `data` painted those above them).
+    void Begin(const Grid::Rows& grid, const QRect& data, int bodyTop);
     // Whether Begin was called and End not yet.
     bool Collecting() const { return collecting_ == this; }
     // Stops collecting and paints: the kept picture of the rows from bodyTop (made again if
@@ -55,15 +57,12 @@ private:
     };
     static AreaPicture* collecting_;
 
-    QImage grid_;
+    Grid::Rows grid_;
     QRect data_;
     int bodyTop_ = 0;
     std::vector<Offered> offered_;
-    static constexpr int kRepeatsBeforeKeeping = 2;
     QImage image_;
-    QByteArray key_;      // what image_ holds
-    QByteArray lastKey_;  // the parts of the last paint
-    int repeats_ = 0;     // paints in a row with those parts, less one
+    QByteArray key_;  // what image_ holds
 };
 
 }  // namespace gx

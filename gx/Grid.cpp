@@ -99,27 +99,41 @@ Grid::Grid() : lineColor_(236, 233, 216), backgroundColor_(Qt::white) {}
 
 QRect Grid::DataRect(const pf::ScaleEngine& engine) { return engine.GetRect().adjusted(-2, 0, 2, 0); }
 
+void Grid::Rows::Paint(QImage& image, int fromRow) const {
+    const int width = std::min(image.width(), data.width());
+    if (width < 1) return;
+    QVector<QRgb> row(width, color.rgb());
+    for (int x : xs)
+        if (x >= data.left() && x - data.left() < width) row[x - data.left()] = line.rgb();
+    const QVector<QRgb> full(width, line.rgb());
+    const std::size_t bytes = sizeof(QRgb) * static_cast<std::size_t>(width);
+    for (int y = 0; y < image.height(); ++y) std::memcpy(image.scanLine(y), row.constData(), bytes);
+    for (int y : ys)
+        if (y >= fromRow && y - fromRow < image.height())
+            std::memcpy(image.scanLine(y - fromRow), full.constData(), bytes);
+}
+
 void Grid::ForgetUnused() const {
     pictures_.erase(std::remove_if(pictures_.begin(), pictures_.end(), [](const Picture& p) { return !p.used; }),
                     pictures_.end());
     for (Picture& p : pictures_) p.used = false;
 }
 
-QImage Grid::Draw(QPainter& painter, const FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine,
-                  int keepFrom) const {
-    if (!engine) return QImage();
+Grid::Rows Grid::Draw(QPainter& painter, const FindMinMax& range,
+                       const boost::shared_ptr<pf::ScaleEngine>& engine, int keepFrom) const {
+    if (!engine) return Rows();
     const QRect data = DataRect(*engine);
-    if (data.isEmpty()) return QImage();
+    if (data.isEmpty()) return Rows();
     painter.save();
     painter.setClipRect(data);
     if (!shown_) {
         painter.fillRect(data, backgroundColor_);
         painter.restore();
-        return QImage();
+        return Rows();
     }
-    // The whole grid (background, column lines, price lines) is kept as a picture of the
-    // data rectangle and made again only when the rectangle, the lines or the colours
-    // change: a repaint of the same view copies it instead of drawing every line again.
+    // The grid (background, column lines, price lines) is kept as a picture of the rows it
+    // paints itself and made again only when the rectangle, the lines or the colours change:
+    // a repaint of the same view copies it instead of drawing every line again.
     QVector<QLine> lines;
     AddColumnLines(lines, data, *engine);
     QVector<int> xs;
@@ -130,37 +144,28 @@ QImage Grid::Draw(QPainter& painter, const FindMinMax& range, const boost::share
     QVector<int> ys;
     ys.reserve(lines.size());
     for (const QLine& l : lines) ys.push_back(l.y1());
-    auto kept = std::find_if(pictures_.begin(), pictures_.end(), [&data](const Picture& p) { return p.rect == data; });
-    if (kept == pictures_.end() || kept->xs != xs || kept->ys != ys || kept->color != backgroundColor_ ||
-        kept->line != lineColor_) {
+    const int end = static_cast<int>(
+        std::max<long long>(data.top(), std::min<long long>(data.bottom() + 1LL, static_cast<long long>(keepFrom))));
+    auto kept =
+        std::find_if(pictures_.begin(), pictures_.end(), [&data](const Picture& p) { return p.rows.data == data; });
+    const bool same = kept != pictures_.end() && kept->rows.xs == xs && kept->rows.ys == ys &&
+                      kept->rows.color == backgroundColor_ && kept->rows.line == lineColor_;
+    if (!same || kept->end != end) {
+        static quint64 versions = 0;
+        Rows rows = same ? kept->rows : Rows{data, xs, ys, backgroundColor_, lineColor_, ++versions};
         if (kept != pictures_.end()) pictures_.erase(kept);
         if (pictures_.size() >= kMaxPictures) pictures_.pop_back();
-        Picture picture{data, xs, ys, backgroundColor_, lineColor_, QImage(data.size(), QImage::Format_RGB32), true};
-        QImage& back = picture.image;
-        QVector<QRgb> row(data.width(), backgroundColor_.rgb());
-        for (int x : xs)
-            if (x >= data.left() && x <= data.right()) row[x - data.left()] = lineColor_.rgb();
-        const QVector<QRgb> full(data.width(), lineColor_.rgb());
-        for (int y = 0; y < back.height(); ++y)
-            std::memcpy(back.scanLine(y), row.constData(), sizeof(QRgb) * static_cast<std::size_t>(row.size()));
-        for (int y : ys)
-            if (y >= data.top() && y <= data.bottom())
-                std::memcpy(back.scanLine(y - data.top()), full.constData(),
-                            sizeof(QRgb) * static_cast<std::size_t>(full.size()));
+        Picture picture{rows, end, QImage(data.width(), end - data.top(), QImage::Format_RGB32), true};
+        rows.Paint(picture.image, data.top());
         pictures_.insert(pictures_.begin(), std::move(picture));
     } else if (kept != pictures_.begin()) {
         std::rotate(pictures_.begin(), kept, kept + 1);
     }
-    pictures_.front().used = true;
-    const QImage& picture = pictures_.front().image;
-    const int rows = static_cast<int>(
-        std::max(0LL, std::min<long long>(data.height(), static_cast<long long>(keepFrom) - data.top())));
-    if (rows == data.height())
-        painter.drawImage(data.topLeft(), picture);
-    else if (rows > 0)
-        painter.drawImage(data.topLeft(), picture, QRect(0, 0, data.width(), rows));
+    Picture& picture = pictures_.front();
+    picture.used = true;
+    if (!picture.image.isNull()) painter.drawImage(data.topLeft(), picture.image);
     painter.restore();
-    return picture;
+    return picture.rows;
 }
 
 }  // namespace gx

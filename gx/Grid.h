@@ -24,12 +24,26 @@ class Grid {
 public:
     Grid();
 
+    // The lines of one data rectangle, as a paint found them, and a number that changes
+    // whenever they or the colours do.
+    struct Rows {
+        QRect data;
+        QVector<int> xs;  // column lines
+        QVector<int> ys;  // price lines
+        QColor color;
+        QColor line;
+        quint64 version = 0;
+        // Paints the rows from `fromRow` down (widget rows) into `image`, whose first row is
+        // `fromRow` and whose columns are those of `data`.
+        void Paint(QImage& image, int fromRow) const;
+    };
+
     // Fills the engine's data rectangle (DataRect) with the background colour, then the
     // lines when the grid is shown. With the grid shown, the rows from `keepFrom` down are
-    // left to the caller, who gets the picture of the whole rectangle to paint them from (a
-    // shared copy); a null image when the grid is not shown (then every row is filled).
-    QImage Draw(QPainter& painter, const FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine,
-                       int keepFrom = INT_MAX) const;
+    // left to the caller, who gets the lines to paint them (Rows::Paint); a version of 0 when
+    // the grid is not shown (then every row is filled).
+    Rows Draw(QPainter& painter, const FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine,
+              int keepFrom = INT_MAX) const;
     // The engine keeps its rectangle 2 pixels in on both sides; the area's data rectangle is
     // that rectangle with the insets given back.
     static QRect DataRect(const pf::ScaleEngine& engine);
@@ -48,14 +62,12 @@ private:
     QColor lineColor_;
     QColor backgroundColor_;
     bool shown_ = true;
-    // The grid of each data rectangle as a picture, one per area of the window (they share
-    // this grid): made again only when that rectangle's lines or the colours change.
+    // The grid of each data rectangle as a picture of the rows the grid paints itself, one
+    // per area of the window (they share this grid): made again only when that rectangle's
+    // lines, the colours or those rows change.
     struct Picture {
-        QRect rect;
-        QVector<int> xs;
-        QVector<int> ys;
-        QColor color;
-        QColor line;
+        Rows rows;
+        int end;  // the picture holds rows data.top() .. end - 1
         QImage image;
         bool used;  // drawn since the last ForgetUnused
     };

@@ -106,7 +106,7 @@ struct LineStudies : ChartWindowFixture {
         EXPECT_EQ(kept, direct) << when << ": a picture kept from before the change";
         EXPECT_EQ(PaintWindow(true), direct) << when << ": a picture made anew";
         PaintWindow(true);
-        EXPECT_EQ(PaintWindow(true), direct) << when << ": the areas' pictures kept over three paints";
+        EXPECT_EQ(PaintWindow(true), direct) << when << ": the areas' pictures kept over several paints";
     }
     std::vector<QLine> Drawn(const LineStudy& study) {
         RecordingPaintDevice device;

@@ -123,7 +123,7 @@ TEST_F(WindowPictures, RepaintsFromKeptPicturesAreTheSameAfterScrollingZoomingAn
         change();
         const QImage changed = Grab(true);
         Grab(true);
-        const QImage kept = Grab(true);  // a third paint of the same: the areas' kept pictures
+        const QImage kept = Grab(true);  // nothing new: the areas' kept pictures
         const QImage direct = Grab(false);
         EXPECT_EQ(changed, direct) << step << ", pictures made";
         EXPECT_EQ(kept, direct) << step << ", pictures kept";

@@ -29,6 +29,7 @@ bool FigureStamps::Enabled() { return enabled_; }
 
 void FigureStamps::Begin(const QPainter& painter) {
     havePrevious_ = false;
+    penApplied_ = false;
     usable_ = false;
     pixels_ = nullptr;
     // Without a device to measure everything may show.
@@ -74,8 +75,8 @@ void FigureStamps::Begin(const QPainter& painter) {
     }
 }
 
-void FigureStamps::UsePen(QPainter& painter, const QPen& pen) {
-    painter.setPen(pen);
+void FigureStamps::UsePen(const QPen& pen) {
+    penApplied_ = false;
     pen_ = pen;
     penKey_ = PenKey{pen.color().rgba(), int(pen.style()), pen.widthF(), int(pen.capStyle()), int(pen.joinStyle())};
     // Patterns of their own, and brushes other than a colour, draw through the painter.

@@ -55,10 +55,16 @@ public:
     void Begin(const QPainter& painter);
 
     // Whether anything of a figure whose pixels all lie in `reach` can show.
-    bool Shows(const QRect& reach) const { return reach.intersects(visible_); }
+    bool Shows(const QRect& reach) const {
+        // Tested inline for valid rectangles: a paint asks it for every box.
+        if (!reach.isValid() || !visible_.isValid()) return reach.intersects(visible_);
+        return reach.left() <= visible_.right() && visible_.left() <= reach.right() && reach.top() <= visible_.bottom() &&
+               visible_.top() <= reach.bottom();
+    }
 
-    // Sets the painter's pen for the figures that follow.
-    void UsePen(QPainter& painter, const QPen& pen);
+    // Takes the pen of the figures that follow. The painter gets it when a figure is drawn
+    // through it: blitted figures need no pen, and setting one costs more than a blit.
+    void UsePen(const QPen& pen);
 
     // Paints a figure whose pixels all lie in `reach`, with the pen of UsePen: `draw(painter,
     // offset)` draws it through the painter's primitives, moved by `offset`.
@@ -68,6 +74,7 @@ public:
     void Paint(QPainter& painter, const Shape& shape, const QRect& reach, Draw draw) {
         if (!Shows(reach)) return;
         if (!enabled_) {
+            ApplyPen(painter);
             draw(painter, QPoint());
             return;
         }
@@ -77,7 +84,8 @@ public:
         previousReach_ = reach;
         previousShape_ = shape;
         previousPen_ = penKey_;
-        if (!usable_ || ownPen || !inside_.contains(reach)) {
+        if (!usable_ || ownPen || !Inside(reach)) {
+            ApplyPen(painter);
             draw(painter, QPoint());
             return;
         }
@@ -123,6 +131,17 @@ private:
         bool solid = false;
         std::vector<Dot> dots;
     };
+    void ApplyPen(QPainter& painter) {
+        if (penApplied_) return;
+        painter.setPen(pen_);
+        penApplied_ = true;
+    }
+    // Whether `reach` lies within inside_.
+    bool Inside(const QRect& reach) const {
+        if (!reach.isValid() || !inside_.isValid()) return inside_.contains(reach);
+        return reach.left() >= inside_.left() && reach.right() <= inside_.right() && reach.top() >= inside_.top() &&
+               reach.bottom() <= inside_.bottom();
+    }
     const Stamp* Find(const Shape& shape, const QSize& size);
     Stamp& Make(const Shape& shape, const QSize& size);
     // Takes the pixels of a stamp just drawn.
@@ -146,6 +165,7 @@ private:
     PenKey previousPen_;
     QPen pen_;
     PenKey penKey_;
+    bool penApplied_ = false;  // whether the painter has pen_
 };
 
 }  // namespace pf

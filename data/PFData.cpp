@@ -38,7 +38,7 @@ void PFData::Draw(QPainter& painter, fxDataPointArray* array) {
                                                   r.step + 0.5L)) + 1;
         if (boxes < 1) continue;
         const bool rising = r.type != 0;
-        stamps_.UsePen(painter, rising ? xPen : oPen);
+        stamps_.UsePen(rising ? xPen : oPen);
         const int x2 = TruncToPixel(px + 1 + step);
         float v = r.value;
         // Each box's upper edge is the next one's lower edge.

@@ -23,7 +23,7 @@ void RenkoData::Draw(QPainter& painter, fxDataPointArray* array) {
         const int y2 = e.TranslateY(r.value + r.step);
         // Unlike the X box, the brick's right side has no extra pixel.
         const int xr = TruncToPixel(static_cast<long double>(xPos_) + f.step + 0.5L);
-        stamps_.UsePen(painter, r.type != 0 ? risePen : fallPen);
+        stamps_.UsePen(r.type != 0 ? risePen : fallPen);
         stamps_.Paint(painter, FigureStamps::Shape{0, xr - px, y1 - y2}, FigureStamps::Reach(px, y1, xr, y2),
                       [&](QPainter& p, const QPoint& o) {
                           const int left = px + o.x(), right = xr + o.x(), a = y1 + o.y(), b = y2 + o.y();

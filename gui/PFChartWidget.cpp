@@ -21,6 +21,7 @@
 #include "gui/TimeScrollBar.h"
 #include "gui/ToolBar.h"
 #include "gx/Area.h"
+#include "gx/AreaPicture.h"
 #include "gx/Caption.h"
 #include "gx/Chart.h"
 #include "gx/Grid.h"
@@ -619,11 +620,18 @@ void PFChartWidget::Draw(QPainter& painter, bool force) {
             rightScale_->Draw(painter, range, area->GetEngine(), area);
             painter.restore();
         }
+        // Below its caption an area that can paints the grid with its figures from one kept
+        // picture; the grid leaves those rows to it.
+        const QRect data = gx::Grid::DataRect(e);
+        const bool compose = gx::AreaPicture::Composable(painter, *area);
         painter.save();
-        grid_->Draw(painter, range, area->GetEngine());
+        const gx::Grid::Rows grid =
+            grid_->Draw(painter, range, area->GetEngine(), compose ? area->BodyTop(data) : INT_MAX);
         painter.restore();
+        area->ComposeNextPaint(compose ? grid : gx::Grid::Rows(), data, area->BodyTop(data));
         DrawBackImage(painter, r);
     }
+    grid_->ForgetUnused();
     if (timeScale_) {
         painter.save();
         timeScale_->Draw(painter);

@@ -17,6 +17,8 @@
 #include "gui/ToolBar.h"
 #include "gx/Area.h"
 #include "gx/Chart.h"
+#include "gx/FigurePicture.h"
+#include "gx/PictureCache.h"
 #include "module/PFChartModule.h"
 #include "xml/CXMLWorkData.h"
 
@@ -70,7 +72,52 @@ void CTimeScrollBar::paintEvent(QPaintEvent*) {
     option.sliderValue = value();
     option.singleStep = singleStep();
     option.pageStep = pageStep();
-    style()->drawComplexControl(QStyle::CC_ScrollBar, &option, &painter, this);
+    // The bar repaints with every repaint of the window, mostly unchanged: what the style
+    // drew is kept and blitted while the option is the same. Only a picture the style
+    // covered wholly is kept, since only that one looks the same over any background.
+    QByteArray key;
+    using gx::PictureCache;
+    PictureCache::Append(key, static_cast<const void*>(style()));
+    PictureCache::Append(key, option.rect);
+    PictureCache::Append(key, int(option.state));
+    PictureCache::Append(key, int(option.direction));
+    PictureCache::Append(key, option.palette.cacheKey());
+    PictureCache::Append(key, int(option.orientation));
+    for (int field : {option.minimum, option.maximum, option.sliderPosition, option.sliderValue, option.singleStep,
+                      option.pageStep})
+        PictureCache::Append(key, field);
+    PictureCache::AppendPainter(key, painter);
+    if (!gx::FigurePicture::Enabled() || !PictureCache::Usable(painter)) {
+        picture_ = QImage();
+        pictureKey_.clear();
+        style()->drawComplexControl(QStyle::CC_ScrollBar, &option, &painter, this);
+        return;
+    }
+    // A picture the style did not cover stays null under its key: drawn directly then.
+    if (key != pictureKey_) {
+        pictureKey_ = key;
+        picture_ = QImage(option.rect.size(), QImage::Format_ARGB32_Premultiplied);
+        picture_.fill(Qt::transparent);
+        PictureCache::MatchResolution(picture_, painter);
+        QPainter p(&picture_);
+        PictureCache::CopyState(p, painter);
+        style()->drawComplexControl(QStyle::CC_ScrollBar, &option, &p, this);
+        p.end();
+        if (!Opaque(picture_)) picture_ = QImage();
+    }
+    if (picture_.isNull())
+        style()->drawComplexControl(QStyle::CC_ScrollBar, &option, &painter, this);
+    else
+        painter.drawImage(option.rect.topLeft(), picture_);
+}
+
+bool CTimeScrollBar::Opaque(const QImage& image) {
+    for (int y = 0; y < image.height(); ++y) {
+        const QRgb* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        for (int x = 0; x < image.width(); ++x)
+            if (qAlpha(row[x]) != 255) return false;
+    }
+    return true;
 }
 
 int CTimeScrollBar::ValueAt(int x) const {

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <QAbstractSlider>
+#include <QByteArray>
+#include <QImage>
 #include <functional>
 
 class PFChartWidget;
@@ -50,7 +52,13 @@ private:
     // step from the saved screen count, the bar's range and value from the first area.
     void RestoreSlider(int sliderValue);
 
+    // Whether every pixel of `image` is opaque.
+    static bool Opaque(const QImage& image);
+
     PFChartWidget* widget_;
+    // The bar as the style last drew it, and the option it drew from.
+    QImage picture_;
+    QByteArray pictureKey_;
     int nScreenDataPoints_ = -1;
     bool quiet_ = false;
 };

@@ -9,6 +9,7 @@
 
 #include "data/ScaleEngine.h"
 #include "gui/PFChartWidget.h"
+#include "gx/AreaPicture.h"
 #include "gx/Button.h"
 #include "gx/Caption.h"
 #include "gx/Chart.h"
@@ -29,7 +30,8 @@ Area::Area(Chart* chart, const QRect& rect)
       caption_(new Caption(QRect(QPoint(rect.left(), rect.top()), QPoint(rect.right(), rect.top() - 1)),
                            chart ? chart->GetWidget() : nullptr)),
       engine_(new pf::ScaleEngine),
-      pane_(rect) {}
+      pane_(rect),
+      picture_(new AreaPicture) {}
 
 Area::~Area() = default;
 
@@ -72,9 +74,23 @@ void Area::Resize(const QSize& size) {
 
 void Area::Select(bool selected) { Object::Select(selected); }
 
+void Area::ComposeNextPaint(const Grid::Rows& grid, const QRect& data, int bodyTop) const {
+    nextGrid_ = grid;
+    nextData_ = data;
+    nextBodyTop_ = bodyTop;
+}
+
+int Area::BodyTop(const QRect& data) const {
+    return std::max(data.top(), std::min(caption_->Rect().bottom() + 1, data.bottom() + 1));
+}
+
 void Area::Draw(QPainter& painter) const {
     caption_->Draw(painter);
+    const bool compose = nextGrid_.version != 0;
+    if (compose) picture_->Begin(nextGrid_, nextData_, nextBodyTop_);
+    nextGrid_ = Grid::Rows();
     for (const boost::shared_ptr<Layer>& layer : layers_) layer->Draw(painter);
+    if (compose) picture_->End(painter);
     DrawZoomSelect(painter);
     DrawCrossCursor(painter);
     if (frame_) {

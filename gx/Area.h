@@ -5,8 +5,10 @@
 
 #include <boost/shared_ptr.hpp>
 #include <boost/scoped_ptr.hpp>
+#include <QImage>
 #include <vector>
 
+#include "gx/Grid.h"
 #include "gx/Object.h"
 
 class QMouseEvent;
@@ -23,6 +25,7 @@ namespace gx {
 class Chart;
 class Layer;
 class Caption;
+class AreaPicture;
 
 class Area : public Object {
 public:
@@ -67,6 +70,13 @@ public:
     static boost::shared_ptr<Area> InsertFromXML(Chart& chart, CXMLWorkData* areaNode, int position);
     void FillContextMenu();
 
+    // For the next Draw only: the grid's lines of `data`, whose rows from `bodyTop` down the
+    // grid left unpainted, to be painted with the lines' figures from one kept picture (see
+    // AreaPicture). Version 0: the grid painted them all.
+    void ComposeNextPaint(const Grid::Rows& grid, const QRect& data, int bodyTop) const;
+    // The first row below the caption strip, within the data rectangle `data`.
+    int BodyTop(const QRect& data) const;
+
     void DrawZoomSelect(QPainter& painter) const;
     void DrawCrossCursor(QPainter& painter) const;
 
@@ -86,6 +96,10 @@ private:
     boost::scoped_ptr<Caption> caption_;
     boost::shared_ptr<pf::ScaleEngine> engine_;
     QRect pane_;
+    boost::scoped_ptr<AreaPicture> picture_;
+    mutable Grid::Rows nextGrid_;
+    mutable QRect nextData_;
+    mutable int nextBodyTop_ = 0;
 };
 
 }  // namespace gx

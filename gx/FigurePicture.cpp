@@ -9,6 +9,7 @@
 
 #include "abi/records/dpa_records.h"
 #include "data/ScaleEngine.h"
+#include "gx/AreaPicture.h"
 #include "gx/PictureCache.h"
 
 namespace gx {
@@ -35,16 +36,12 @@ FigurePicture::Snapshot FigurePicture::Describe(const QPainter& painter, const Q
     QByteArray& key = now.view;
     const pf::ScaleEngine& e = *renderer.GetEngine();
     PictureCache::Append(key, rect);
-    PictureCache::Append(key, e.GetLeft());
+    PictureCache::AppendColumns(key, e);
     PictureCache::Append(key, e.GetTop());
-    PictureCache::Append(key, e.GetRight());
     PictureCache::Append(key, e.GetBottom());
-    PictureCache::Append(key, e.GetX0());
     PictureCache::Append(key, e.GetMinPrice());
     PictureCache::Append(key, e.GetMaxPrice());
-    PictureCache::Append(key, e.GetXFactor());
     PictureCache::Append(key, e.GetYFactor());
-    PictureCache::Append(key, e.GetColumnCount());
     PictureCache::Append(key, e.GetFlag());
     PictureCache::AppendPainter(key, painter);
     const fxDataPointArray header = *array;
@@ -221,7 +218,7 @@ void FigurePicture::Draw(QPainter& painter, const QRect& rect, pf::PointData& re
         kept_.entry = renderer.EntryState(array, kept_.first);
     }
     renderer.SetDrawState(state_);
-    painter.drawImage(area_.topLeft(), image_);
+    if (!AreaPicture::Offer(image_, area_.topLeft())) painter.drawImage(area_.topLeft(), image_);
 }
 
 void FigurePicture::DrawOverlay(QPainter& painter, const QRect& rect, const std::function<void(QPainter&)>& overlay) {
@@ -257,7 +254,7 @@ void FigurePicture::Draw(QPainter& painter, const QRect& rect, pf::PointData& re
         kept_ = std::move(now);
     }
     renderer.SetDrawState(state_);
-    painter.drawImage(area_.topLeft(), image_);
+    if (!AreaPicture::Offer(image_, area_.topLeft())) painter.drawImage(area_.topLeft(), image_);
 }
 
 }  // namespace gx

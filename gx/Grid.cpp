@@ -97,22 +97,43 @@ void AddColumnLines(QVector<QLine>& lines, const QRect& data, const pf::ScaleEng
 
 Grid::Grid() : lineColor_(236, 233, 216), backgroundColor_(Qt::white) {}
 
-void Grid::Draw(QPainter& painter, const FindMinMax& range, const boost::shared_ptr<pf::ScaleEngine>& engine) const {
-    if (!engine) return;
-    // The engine keeps its rectangle 2 pixels in on both sides; the area's data rectangle
-    // is that rectangle with the insets given back.
-    const QRect data = engine->GetRect().adjusted(-2, 0, 2, 0);
-    if (data.isEmpty()) return;
+QRect Grid::DataRect(const pf::ScaleEngine& engine) { return engine.GetRect().adjusted(-2, 0, 2, 0); }
+
+void Grid::Rows::Paint(QImage& image, int fromRow) const {
+    const int width = std::min(image.width(), data.width());
+    if (width < 1) return;
+    QVector<QRgb> row(width, color.rgb());
+    for (int x : xs)
+        if (x >= data.left() && x - data.left() < width) row[x - data.left()] = line.rgb();
+    const QVector<QRgb> full(width, line.rgb());
+    const std::size_t bytes = sizeof(QRgb) * static_cast<std::size_t>(width);
+    for (int y = 0; y < image.height(); ++y) std::memcpy(image.scanLine(y), row.constData(), bytes);
+    for (int y : ys)
+        if (y >= fromRow && y - fromRow < image.height())
+            std::memcpy(image.scanLine(y - fromRow), full.constData(), bytes);
+}
+
+void Grid::ForgetUnused() const {
+    pictures_.erase(std::remove_if(pictures_.begin(), pictures_.end(), [](const Picture& p) { return !p.used; }),
+                    pictures_.end());
+    for (Picture& p : pictures_) p.used = false;
+}
+
+Grid::Rows Grid::Draw(QPainter& painter, const FindMinMax& range,
+                       const boost::shared_ptr<pf::ScaleEngine>& engine, int keepFrom) const {
+    if (!engine) return Rows();
+    const QRect data = DataRect(*engine);
+    if (data.isEmpty()) return Rows();
     painter.save();
     painter.setClipRect(data);
     if (!shown_) {
         painter.fillRect(data, backgroundColor_);
         painter.restore();
-        return;
+        return Rows();
     }
-    // The whole grid (background, column lines, price lines) is kept as a picture of the
-    // data rectangle and made again only when the rectangle, the lines or the colours
-    // change: a repaint of the same view copies it instead of drawing every line again.
+    // The grid (background, column lines, price lines) is kept as a picture of the rows it
+    // paints itself and made again only when the rectangle, the lines or the colours change:
+    // a repaint of the same view copies it instead of drawing every line again.
     QVector<QLine> lines;
     AddColumnLines(lines, data, *engine);
     QVector<int> xs;
@@ -123,27 +144,28 @@ void Grid::Draw(QPainter& painter, const FindMinMax& range, const boost::shared_
     QVector<int> ys;
     ys.reserve(lines.size());
     for (const QLine& l : lines) ys.push_back(l.y1());
-    if (back_.isNull() || backRect_ != data || backXs_ != xs || backYs_ != ys || backColor_ != backgroundColor_ ||
-        backLine_ != lineColor_) {
-        back_ = QImage(data.size(), QImage::Format_RGB32);
-        QVector<QRgb> row(data.width(), backgroundColor_.rgb());
-        for (int x : xs)
-            if (x >= data.left() && x <= data.right()) row[x - data.left()] = lineColor_.rgb();
-        const QVector<QRgb> full(data.width(), lineColor_.rgb());
-        for (int y = 0; y < back_.height(); ++y)
-            std::memcpy(back_.scanLine(y), row.constData(), sizeof(QRgb) * static_cast<std::size_t>(row.size()));
-        for (int y : ys)
-            if (y >= data.top() && y <= data.bottom())
-                std::memcpy(back_.scanLine(y - data.top()), full.constData(),
-                            sizeof(QRgb) * static_cast<std::size_t>(full.size()));
-        backRect_ = data;
-        backXs_ = xs;
-        backYs_ = ys;
-        backColor_ = backgroundColor_;
-        backLine_ = lineColor_;
+    const int end = static_cast<int>(
+        std::max<long long>(data.top(), std::min<long long>(data.bottom() + 1LL, static_cast<long long>(keepFrom))));
+    auto kept =
+        std::find_if(pictures_.begin(), pictures_.end(), [&data](const Picture& p) { return p.rows.data == data; });
+    const bool same = kept != pictures_.end() && kept->rows.xs == xs && kept->rows.ys == ys &&
+                      kept->rows.color == backgroundColor_ && kept->rows.line == lineColor_;
+    if (!same || kept->end != end) {
+        static quint64 versions = 0;
+        Rows rows = same ? kept->rows : Rows{data, xs, ys, backgroundColor_, lineColor_, ++versions};
+        if (kept != pictures_.end()) pictures_.erase(kept);
+        if (pictures_.size() >= kMaxPictures) pictures_.pop_back();
+        Picture picture{rows, end, QImage(data.width(), end - data.top(), QImage::Format_RGB32), true};
+        rows.Paint(picture.image, data.top());
+        pictures_.insert(pictures_.begin(), std::move(picture));
+    } else if (kept != pictures_.begin()) {
+        std::rotate(pictures_.begin(), kept, kept + 1);
     }
-    painter.drawImage(data.topLeft(), back_);
+    Picture& picture = pictures_.front();
+    picture.used = true;
+    if (!picture.image.isNull()) painter.drawImage(data.topLeft(), picture.image);
     painter.restore();
+    return picture.rows;
 }
 
 }  // namespace gx

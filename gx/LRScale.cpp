@@ -180,7 +180,7 @@ void LRScale::DrawColumn(QPainter& painter, const QColor& pen, const FindMinMax&
     DrawLabels(painter, rect_, range, engine, labels_);
 }
 
-QByteArray LRScale::Key(const QPainter& painter, const QColor& pen, int labelHeight, const FindMinMax& range,
+QByteArray LRScale::Key(const QColor& pen, int labelHeight, const FindMinMax& range,
                         const pf::ScaleEngine* engine) const {
     QByteArray key;
     key.reserve(160);
@@ -202,7 +202,6 @@ QByteArray LRScale::Key(const QPainter& painter, const QColor& pen, int labelHei
         PictureCache::Append(key, engine->GetMinPrice());
         PictureCache::Append(key, engine->GetYFactor());
     }
-    PictureCache::AppendPainter(key, painter);
     return key;
 }
 
@@ -234,29 +233,10 @@ void LRScale::Draw(QPainter& painter, const FindMinMax& range, const boost::shar
     }
     const int labelHeight = LabelHeight(painter);
     // Glyphs reach at most about a label's height past the column.
-    QMargins around;
-    if (!PictureCache::Surround(painter, rect_, 2 * labelHeight + 8, &around)) {
-        DrawColumn(painter, pen, range, engine.get());
-        painter.restore();
-        return;
-    }
-    QByteArray key = Key(painter, pen, labelHeight, range, engine.get());
-    PictureCache::Append(key, around);
-    const QImage* image = pictures_.Find(key);
-    const QPoint origin(around.left(), around.top());
-    if (!image) {
-        QImage& made = pictures_.Make(key, rect_.size().grownBy(around), painter);
-        made.fill(background_);
-        QPainter picture(&made);
-        PictureCache::CopyState(picture, painter);
-        picture.translate(origin - rect_.topLeft());
-        DrawColumn(picture, pen, range, engine.get());
-        picture.end();
-        image = &made;
-    }
-    // Drawing directly replaces the clip with the column; so does the blit.
-    painter.setClipRect(rect_);
-    painter.drawImage(rect_.topLeft(), *image, QRect(origin, rect_.size()));
+    const auto draw = [&](QPainter& p) { DrawColumn(p, pen, range, engine.get()); };
+    if (!pictures_.DrawKept(painter, rect_, 2 * labelHeight + 8, Key(pen, labelHeight, range, engine.get()),
+                            background_, draw))
+        draw(painter);
     painter.restore();
 }
 

@@ -64,7 +64,7 @@ private:
     // Fills the column and writes its labels, the painter clipped to the column.
     void DrawColumn(QPainter& painter, const QColor& pen, const FindMinMax& range,
                     const pf::ScaleEngine* engine) const;
-    QByteArray Key(const QPainter& painter, const QColor& pen, int labelHeight, const FindMinMax& range,
+    QByteArray Key(const QColor& pen, int labelHeight, const FindMinMax& range,
                    const pf::ScaleEngine* engine) const;
     // The label height of the scale's font on the painter's device.
     int LabelHeight(const QPainter& painter) const;

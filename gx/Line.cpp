@@ -65,9 +65,7 @@ void Line::Draw(QPainter& painter) const {
     // The studies go into the line's picture with its figures while none of them is being
     // placed or moved; one that is follows the mouse and is drawn afresh each time.
     QByteArray studiesKey;
-    bool keepStudies = !studies_.empty();
-    for (const boost::shared_ptr<LineStudy>& study : studies_)
-        if (!(keepStudies = study->AppendDrawKey(studiesKey))) break;
+    const bool keepStudies = !studies_.empty() && KeepsStudies(&studiesKey);
     const auto drawStudies = [this](QPainter& p) {
         for (const boost::shared_ptr<LineStudy>& study : studies_) study->Draw(p);
     };
@@ -84,6 +82,13 @@ void Line::Draw(QPainter& painter) const {
     }
     // Clipped as in the picture, so that a study looks the same either way.
     if (!keepStudies && !studies_.empty()) FigurePicture::DrawOverlay(painter, rect_, drawStudies);
+}
+
+bool Line::KeepsStudies(QByteArray* key) const {
+    QByteArray own;
+    for (const boost::shared_ptr<LineStudy>& study : studies_)
+        if (!study->AppendDrawKey(key ? *key : own)) return false;
+    return true;
 }
 
 void Line::Resize(const QSize& size) {

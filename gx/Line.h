@@ -4,6 +4,7 @@
 // time scale and the line studies.
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <boost/scoped_ptr.hpp>
 #include <boost/shared_ptr.hpp>
@@ -52,6 +53,9 @@ public:
     void Resize(const QSize& size) override;
     void Select(bool selected) override;
     void SetRect(const QRect& rect) override;
+    // Whether the studies go into the line's picture (none is being placed or moved), with
+    // what they read appended to `key` when given; true without studies.
+    bool KeepsStudies(QByteArray* key = nullptr) const;
 
     // True when the renderer reports a figure under `point`.
     bool IsOnDataClicked(const QPoint& point) const;

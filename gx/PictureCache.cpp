@@ -8,6 +8,8 @@
 #include <QTransform>
 #include <cmath>
 
+#include "data/ScaleEngine.h"
+
 namespace gx {
 
 namespace {
@@ -19,7 +21,10 @@ int DotsPerMetre(int dpi) { return qRound(dpi / 0.0254); }
 
 bool PictureCache::Usable(const QPainter& painter) {
     const QPaintDevice* device = painter.device();
-    if (!device || !painter.isActive()) return false;
+    // A raster device only: a printer or a picture recorder gets the drawing itself.
+    if (!device || !painter.isActive() || !painter.paintEngine() ||
+        painter.paintEngine()->type() != QPaintEngine::Raster)
+        return false;
     const QTransform t = painter.deviceTransform();
     const bool wholePixels =
         t.type() <= QTransform::TxTranslate && t.dx() == std::floor(t.dx()) && t.dy() == std::floor(t.dy());
@@ -51,6 +56,14 @@ bool PictureCache::Surround(const QPainter& painter, const QRect& rect, int marg
                        std::min(margin, bounds.right() - onDevice.right()),
                        std::min(margin, bounds.bottom() - onDevice.bottom()));
     return true;
+}
+
+void PictureCache::AppendColumns(QByteArray& key, const pf::ScaleEngine& engine) {
+    Append(key, engine.GetLeft());
+    Append(key, engine.GetRight());
+    Append(key, engine.GetX0());
+    Append(key, engine.GetXFactor());
+    Append(key, engine.GetColumnCount());
 }
 
 void PictureCache::AppendPainter(QByteArray& key, const QPainter& painter) {
@@ -98,10 +111,36 @@ QImage& PictureCache::Make(const QByteArray& key, const QSize& size, const QPain
             break;
         }
     if (int(entries_.size()) >= maxEntries_) entries_.resize(std::size_t(maxEntries_ - 1));
-    Entry entry{key, QImage(size, QImage::Format_ARGB32_Premultiplied)};
+    Entry entry{key, QImage(size, QImage::Format_RGB32)};
     MatchResolution(entry.image, painter);
     entries_.insert(entries_.begin(), std::move(entry));
     return entries_.front().image;
+}
+
+bool PictureCache::DrawKept(QPainter& painter, const QRect& rect, int margin, QByteArray key, const QColor& fill,
+                            const std::function<void(QPainter&)>& draw) {
+    QMargins around;
+    if (rect.isEmpty() || fill.alpha() != 255 || !Usable(painter) || !Surround(painter, rect, margin, &around))
+        return false;
+    AppendPainter(key, painter);
+    Append(key, around);
+    const QImage* image = Find(key);
+    const QPoint origin(around.left(), around.top());
+    if (!image) {
+        QImage& made = Make(key, rect.size().grownBy(around), painter);
+        made.fill(fill);
+        QPainter picture(&made);
+        CopyState(picture, painter);
+        picture.translate(origin - rect.topLeft());
+        draw(picture);
+        picture.end();
+        image = &made;
+    }
+    painter.save();
+    painter.setClipRect(rect);
+    painter.drawImage(rect.topLeft(), *image, QRect(origin, rect.size()));
+    painter.restore();
+    return true;
 }
 
 }  // namespace gx

@@ -12,6 +12,7 @@
 
 #include "data/ScaleEngine.h"
 #include "gui/PFChartWidget.h"
+#include "gx/FigurePicture.h"
 #include "gx/ts/Date.h"
 #include "module/CModule.h"
 #include "module/FontManager.h"
@@ -82,12 +83,12 @@ Ladder LadderOf(Unit unit) {
 // boundary lies wherever two neighbouring positions have different keys.
 std::int64_t BandKey(std::int64_t t, Unit unit, int step) {
     if (unit == kSeconds) return FloorDiv(t, step);
-    const QDate d = Utc(t).date();
-    const std::int64_t month = std::int64_t(d.year()) * 12 + d.month() - 1;
+    const ts::CivilDay d = ts::Date::CivilDayOf(t);
+    const std::int64_t month = d.year * 12 + d.month - 1;
     switch (unit) {
-    case kDays: return month * 32 + (d.day() - 1) / step;
+    case kDays: return month * 32 + (d.day - 1) / step;
     case kMonths: return FloorDiv(month, step);
-    default: return FloorDiv(d.year(), step);
+    default: return FloorDiv(d.year, step);
     }
 }
 
@@ -366,8 +367,41 @@ int TimeScale::GetVirtualTimePos(long time, eDateType type, int stepSeconds) con
     return ClampToInt(count - 1 + steps);
 }
 
+QByteArray TimeScale::Key() const {
+    QByteArray key;
+    PictureCache::Append(key, rect_);
+    PictureCache::Append(key, background_.rgba64());
+    PictureCache::Append(key, text_.rgba64());
+    PictureCache::Append(key, grid_.rgba64());
+    PictureCache::Append(key, dateOnly_);
+    key.append(font_.key().toUtf8()).append('\0');
+    if (!engine_) return key;
+    // What the labels read of the engine, and the times of the visible positions and of the
+    // one before them.
+    const pf::ScaleEngine& e = *engine_;
+    PictureCache::AppendColumns(key, e);
+    PictureCache::Append(key, e.GetFirstColumn());
+    const std::int64_t first = std::max<std::int64_t>(std::int64_t(e.GetFirstColumn()) - 1, 0);
+    const std::int64_t end = std::min<std::int64_t>(std::int64_t(e.GetFirstColumn()) + e.GetColumnCount(), Count());
+    if (first < end)
+        key.append(reinterpret_cast<const char*>(times_.data() + first), int((end - first) * sizeof(std::int32_t)));
+    return key;
+}
+
 void TimeScale::Draw(QPainter& painter) const {
     if (rect_.isEmpty()) return;
+    // The strip is cut by the painter's clip: a picture of it stands only for an uncut one.
+    if (FigurePicture::Enabled() && !painter.hasClipping()) {
+        // Glyphs reach at most about a label's height past the strip.
+        const int margin = 2 * QFontMetrics(font_, painter.device()).height() + 8;
+        if (pictures_.DrawKept(painter, rect_, margin, Key(), background_, [this](QPainter& p) { DrawStrip(p); }))
+            return;
+    }
+    pictures_.Clear();
+    DrawStrip(painter);
+}
+
+void TimeScale::DrawStrip(QPainter& painter) const {
     painter.save();
     painter.setClipRect(rect_, Qt::IntersectClip);
     painter.fillRect(rect_, background_);

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "gx/PictureCache.h"
 #include "gx/TextCache.h"
 
 class QPainter;
@@ -61,7 +62,10 @@ public:
     // time step): a time after the last one gives count - 1 + the number of steps.
     int GetVirtualTimePos(long time, eDateType type, int stepSeconds) const;
 
+    // The strip as drawn last time while nothing it shows has changed (the window's
+    // repaint timer), else drawn anew.
     void Draw(QPainter& painter) const;
+    int PictureCount() const { return pictures_.Count(); }
 
     const QRect& Rect() const { return rect_; }
     int Height() const { return rect_.height(); }
@@ -86,6 +90,11 @@ private:
     std::vector<std::int32_t> times_;
     // Label texts laid out once for the scale's font.
     mutable TextCache labels_;
+    // The strip drawn, under everything it shows: the one the window shows now.
+    mutable PictureCache pictures_{1};
+
+    void DrawStrip(QPainter& painter) const;
+    QByteArray Key() const;
 };
 
 }  // namespace gx

@@ -7,6 +7,21 @@
 namespace gx {
 namespace ts {
 
+CivilDay Date::CivilDayOf(std::int64_t t) {
+    const auto floorDiv = [](std::int64_t a, std::int64_t b) { return a / b - (a % b != 0 && (a < 0) != (b < 0)); };
+    // Days since 1 March of year 0, counted in 400-year eras of 146097 days; the year runs
+    // from March so that the leap day comes last.
+    const std::int64_t days = floorDiv(t, 86400) + 719468;
+    const std::int64_t era = floorDiv(days, 146097);
+    const std::int64_t dayOfEra = days - era * 146097;
+    const std::int64_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+    const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+    const std::int64_t fromMarch = (5 * dayOfYear + 2) / 153;
+    const int day = int(dayOfYear - (153 * fromMarch + 2) / 5 + 1);
+    const int month = int(fromMarch < 10 ? fromMarch + 3 : fromMarch - 9);
+    return CivilDay{yearOfEra + era * 400 + (month <= 2 ? 1 : 0), month, day};
+}
+
 bool Date::Draw2(QPainter& painter, const QDateTime& date, const QDateTime& from, const QDateTime& to, int left,
                  int bottom, int right, int threshold) {
     if (!date.isValid()) return false;

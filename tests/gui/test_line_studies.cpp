@@ -41,7 +41,10 @@ struct LineStudies : ChartWindowFixture {
         host.clear();
     }
 
-    gx::Line& Line() { return *widget->GetChart()->GetAreas()[0]->GetLayers()[0]->GetIndicators()[0]->GetLines()[0]; }
+    gx::Line& LineOf(int area) {
+        return *widget->GetChart()->GetAreas()[std::size_t(area)]->GetLayers()[0]->GetIndicators()[0]->GetLines()[0];
+    }
+    gx::Line& Line() { return LineOf(0); }
     const pf::ScaleEngine& Engine() { return *Line().GetEngine(); }
     QPoint At(int column, float price) {
         return QPoint(gx::util::LsBase::CalcX(Line().GetEngine(), column), Engine().TranslateY(price));
@@ -73,12 +76,37 @@ struct LineStudies : ChartWindowFixture {
     }
     // A study placed through the drawing mode, one click per point.
     boost::shared_ptr<LineStudy> Place(const std::string& tool, const std::vector<QPoint>& points) {
+        return PlaceIn(0, tool, points);
+    }
+    // The same in the area at `area`: the study that area's line got last.
+    boost::shared_ptr<LineStudy> PlaceIn(int area, const std::string& tool, const std::vector<QPoint>& points) {
         provider.tool = tool;
         for (const QPoint& p : points) {
             Mouse(QEvent::MouseMove, p);
             Click(p);
         }
-        return Study(Line().GetLineStudies().size() - 1);
+        const std::vector<boost::shared_ptr<LineStudy> >& studies = LineOf(area).GetLineStudies();
+        return studies.empty() ? boost::shared_ptr<LineStudy>() : studies.back();
+    }
+    // The whole window painted with its kept pictures, or with everything drawn directly.
+    QImage PaintWindow(bool pictures) {
+        gx::FigurePicture::SetEnabled(pictures);
+        QImage image(widget->size(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        widget->Draw(painter, true);
+        painter.end();
+        gx::FigurePicture::SetEnabled(true);
+        return image;
+    }
+    // The paint with pictures comes first: drawing directly forgets the pictures.
+    void ExpectSameAsDrawnDirectly(const char* when) {
+        const QImage kept = PaintWindow(true);
+        const QImage direct = PaintWindow(false);
+        EXPECT_EQ(kept, direct) << when << ": a picture kept from before the change";
+        EXPECT_EQ(PaintWindow(true), direct) << when << ": a picture made anew";
+        PaintWindow(true);
+        EXPECT_EQ(PaintWindow(true), direct) << when << ": the areas' pictures kept over several paints";
     }
     std::vector<QLine> Drawn(const LineStudy& study) {
         RecordingPaintDevice device;
@@ -334,29 +362,17 @@ TEST_F(LineStudies, DraggedWholeOrByOnePointAndNeverLeftOfCandleZero) {
 
 // The studies of a line are kept in the line's picture while none is being placed or moved:
 // the window must look exactly as when every study is drawn straight onto it, before and
-// after the studies change through the mouse and the host.
+// after the studies change through the mouse and the host, and when the last one is gone.
 TEST_F(LineStudies, KeptPicturesOfStudiesLookExactlyAsDrawnDirectly) {
-    const auto paint = [this](bool pictures) {
-        gx::FigurePicture::SetEnabled(pictures);
-        QImage image(widget->size(), QImage::Format_ARGB32_Premultiplied);
-        image.fill(Qt::white);
-        QPainter painter(&image);
-        widget->Draw(painter, true);
-        painter.end();
-        gx::FigurePicture::SetEnabled(true);
-        return image;
-    };
-    // The paint with pictures comes first: drawing directly forgets the picture.
-    const auto same = [&paint](const char* when) {
-        const QImage kept = paint(true);
-        const QImage direct = paint(false);
-        EXPECT_EQ(kept, direct) << when << ": a picture kept from before the change";
-        EXPECT_EQ(paint(true), direct) << when << ": a picture made anew";
-    };
+    const auto paint = [this](bool pictures) { return PaintWindow(pictures); };
+    const auto same = [this](const char* when) { ExpectSameAsDrawnDirectly(when); };
     // Prices inside the figures' range, so that no change below moves the scale: only the
     // studies change.
     const float low = Engine().GetMinPrice(), high = Engine().GetMaxPrice();
     const auto price = [low, high](double f) { return float(low + (high - low) * f); };
+    // Without studies the area's grid and figures are one kept picture; with one they are
+    // painted layer by layer again, and back to one picture once they are all gone.
+    same("no study yet");
     ASSERT_TRUE(Place("Line", {At(2, price(0.3)), At(12, price(0.6))}));
     ASSERT_TRUE(Place("HLine", {At(5, price(0.5))}));
     const int last = Line().Size() - 1;
@@ -387,6 +403,31 @@ TEST_F(LineStudies, KeptPicturesOfStudiesLookExactlyAsDrawnDirectly) {
     EXPECT_NE(paint(true), before);
     edge->Delete();
     same("one deleted");
+    for (boost::shared_ptr<LineStudy> study = Study(); study; study = Study()) {
+        study->Delete();
+        Line().DeleteLineStudy(study.get());
+    }
+    same("all deleted");
+}
+
+// Stacked areas keep their grids and figures in one picture each, while the markers of a
+// selected study reach past its area into the neighbours: above into the figures of the
+// area over it, below into the caption strip of the area under it.
+TEST_F(LineStudies, StudiesAtTheEdgesOfStackedAreasLookExactlyAsDrawnDirectly) {
+    Show("GBPUSD");
+    Show("USDJPY");
+    ASSERT_EQ(widget->GetChart()->GetAreas().size(), 3u);
+    ExpectSameAsDrawnDirectly("three areas");
+    const QRect middle = widget->GetChart()->GetAreas()[1]->Rect();
+    const QPoint top(middle.left() + middle.width() / 3, middle.top());
+    const QPoint bottom(middle.left() + middle.width() * 2 / 3, middle.bottom());
+    const boost::shared_ptr<LineStudy> edge = PlaceIn(1, "Line", {top, bottom});
+    ASSERT_TRUE(edge && edge->IsSelected());
+    ExpectSameAsDrawnDirectly("a selected study from edge to edge of the middle area");
+    edge->Select(false);
+    ExpectSameAsDrawnDirectly("deselected");
+    edge->Select(true);
+    ExpectSameAsDrawnDirectly("selected again");
 }
 
 TEST_F(LineStudies, ChannelMarkersOfPointsOneAndThreeSitMidwayOnTheirLines) {

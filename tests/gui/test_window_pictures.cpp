@@ -2,8 +2,10 @@
 // again with every figure drawn through the painter: the two grabs must be the same pixels
 // for each chart type, after the host's updates (drawn into the kept pictures), at zoom
 // levels whose boxes are one to three pixels high, and with a selected line in both of its
-// dash patterns.
+// dash patterns. The parts a repaint with nothing new blits (price scales, grid, time
+// scale, time scroll bar) must come out the same from their kept pictures as drawn anew.
 #include <QPixmap>
+#include <functional>
 
 #include "ChartWindowFixture.h"
 #include "data/FigureStamps.h"
@@ -108,6 +110,29 @@ TEST_F(WindowPictures, ASelectedLineIsTheSameInBothDashPatterns) {
         }
         Line(area).Select(false);
     }
+}
+
+TEST_F(WindowPictures, RepaintsFromKeptPicturesAreTheSameAfterScrollingZoomingAndNotices) {
+    CTimeScrollBar* bar = widget->GetTimeScrollBar();
+    ASSERT_NE(bar, nullptr);
+    View(100);
+    // Each change comes after a paint that kept its pictures: the next paint must see what
+    // changed, and the ones after it blit what that one kept.
+    const auto check = [this](const char* step, const std::function<void()>& change) {
+        Grab(true);
+        change();
+        const QImage changed = Grab(true);
+        Grab(true);
+        const QImage kept = Grab(true);  // nothing new: the areas' kept pictures
+        const QImage direct = Grab(false);
+        EXPECT_EQ(changed, direct) << step << ", pictures made";
+        EXPECT_EQ(kept, direct) << step << ", pictures kept";
+    };
+    check("scrolled", [bar] { bar->setValue(bar->value() - 7); });
+    check("scrolled back", [bar] { bar->setValue(bar->maximum()); });
+    check("zoomed in", [this] { View(60); });
+    check("a column added", [this] { Update(true); });
+    check("all shown", [this] { View(150); });
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "data/ScaleEngine.h"
 #include "gx/Line.h"
 #include "gx/TimeScale.h"
+#include "gx/ts/Date.h"
 #include "tests/data/dpa_arrays.h"
 #include "util/QtCompat.h"
 
@@ -180,6 +181,18 @@ TEST(TimeScale, FormatColoursAndPlacementWithoutWidget) {
     // Under the engine's area (stored 2..101, bottom 299), two text heights plus 9 high.
     scale.Resize();
     EXPECT_EQ(scale.Rect(), QRect(0, 300, 104, 2 * pf::FontHeight(QFontMetrics(scale.GetFont())) + 9));
+}
+
+TEST(TimeScaleDraw, CivilDaysMatchTheCalendarAcrossTheWhole32BitRange) {
+    // Every 7 hours and 13 minutes from the first 32-bit time to the last (months, leap days,
+    // 1970 and the times before it, the century years 2000 and 2100), and the ends themselves.
+    std::vector<std::int64_t> times{INT32_MIN, INT32_MAX, -1, 0, 86399, 86400, 951782399, 951782400, 4107542400};
+    for (std::int64_t t = INT32_MIN; t <= INT32_MAX; t += 7 * 3600 + 13 * 60) times.push_back(t);
+    for (std::int64_t t : times) {
+        const QDate expected = QDateTime::fromSecsSinceEpoch(t, Qt::UTC).date();
+        const gx::ts::CivilDay d = gx::ts::Date::CivilDayOf(t);
+        ASSERT_EQ(QDate(int(d.year), d.month, d.day), expected) << t;
+    }
 }
 
 TEST(TimeScaleDraw, EachSpanGetsItsLabelsWithoutOverlap) {

@@ -138,6 +138,7 @@ void Area::DrawCrossCursor(QPainter& painter) const {
     painter.drawLine(rect_.left(), mouse.y(), rect_.right(), mouse.y());
     painter.drawLine(mouse.x(), rect_.top(), mouse.x(), rect_.bottom());
     const QFontMetrics metrics(painter.font());
+    const int textHeight = pf::FontHeight(metrics);
     const QColor fill = chart_->GetAreasColor();
 
     // The price under the mouse, in the right scale column (the left one when the right
@@ -148,7 +149,7 @@ void Area::DrawCrossCursor(QPainter& painter) const {
     const bool useRight = right && right->IsVisible();
     const int scaleLeft = useRight ? rect_.right() + 1 : pane_.left();
     const int scaleWidth = std::max(metrics.horizontalAdvance(price) + 6, LRScale::nWidth);
-    QRect box(scaleLeft, mouse.y() - pf::FontHeight(metrics) / 2 - 1, scaleWidth, pf::FontHeight(metrics) + 2);
+    QRect box(scaleLeft, mouse.y() - textHeight / 2 - 1, scaleWidth, textHeight + 2);
     painter.fillRect(box, fill);
     painter.drawRect(box.adjusted(0, 0, -1, -1));
     painter.drawText(box, Qt::AlignCenter, price);
@@ -161,7 +162,7 @@ void Area::DrawCrossCursor(QPainter& painter) const {
         const QString time = QDateTime::fromSecsSinceEpoch(scale->GetPosTime(position), Qt::UTC)
                                  .toString(QStringLiteral("dd.MM.yyyy hh:mm:ss"));
         const int w = metrics.horizontalAdvance(time) + 8;
-        QRect tbox(mouse.x() - w / 2, rect_.bottom() - pf::FontHeight(metrics) - 2, w, pf::FontHeight(metrics) + 2);
+        QRect tbox(mouse.x() - w / 2, rect_.bottom() - textHeight - 2, w, textHeight + 2);
         painter.fillRect(tbox, fill);
         painter.drawRect(tbox.adjusted(0, 0, -1, -1));
         painter.drawText(tbox, Qt::AlignCenter, time);
